@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that Melkora Browser needs to build, test and
+# run. Safe to run again: it installs only what is missing.
+set -euo pipefail
+
+packages=(
+    # build and tests
+    g++ cmake ninja-build make pkg-config
+    googletest libgtest-dev libgmock-dev
+    # fuzzing and sanitizer runtimes (clang's libFuzzer)
+    clang libclang-rt-14-dev
+)
+
+
+missing=()
+for package in "${packages[@]}"; do
+    if ! dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed"; then
+        missing+=("$package")
+    fi
+done
+
+if [ ${#missing[@]} -eq 0 ]; then
+    exit 0
+fi
+
+sudo_cmd=()
+if [ "$(id -u)" -ne 0 ]; then
+    sudo_cmd=(sudo)
+fi
+
+echo "Installing: ${missing[*]}"
+export DEBIAN_FRONTEND=noninteractive
+"${sudo_cmd[@]}" apt-get update -qq
+"${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"

@@ -1,0 +1,66 @@
+// Public headers must not pull in platform libraries: users of a layer see
+// only the project's own types. The platform headers belong in the .cpp
+// files that wrap them.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+const char* const kPlatformIncludes[] = {
+    "<gtk/", "<gdk/", "<glib", "<gio/", "<cairo", "<pango", "<gdk-pixbuf/",
+    "<curl/", "<png.h>", "<jpeglib.h>", "<zlib.h>", "<gst/", "<webkit", "<X11/",
+};
+
+// The folders whose headers are public to the layers above; the platform
+// folder of the toolkit is the one place allowed to include them.
+const char* const kLayers[] = {"foundation", "toolkit", "dialogs", "controls", "editors",
+                               "library",    "pages",   "panels",  "app"};
+
+// Returns the offending lines; headersRead counts the headers looked at.
+std::vector<std::string> FindLeaks(const std::filesystem::path& root, int& headersRead) {
+    std::vector<std::string> leaks;
+    headersRead = 0;
+    for (const char* layer : kLayers) {
+        std::filesystem::path folder = root / layer;
+        if (!std::filesystem::is_directory(folder)) {
+            continue;
+        }
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+            std::string path = entry.path().string();
+            if (entry.path().extension() != ".h" || path.find("/platform/") != std::string::npos) {
+                continue;
+            }
+            ++headersRead;
+            std::ifstream in(entry.path());
+            std::string line;
+            while (std::getline(in, line)) {
+                if (line.rfind("#include", 0) != 0) {
+                    continue;
+                }
+                for (const char* include : kPlatformIncludes) {
+                    if (line.find(include) != std::string::npos) {
+                        leaks.push_back(path + ": " + line);
+                    }
+                }
+            }
+        }
+    }
+    return leaks;
+}
+
+} // namespace
+
+TEST(IncludeHygiene, PublicHeadersIncludeNoPlatformLibrary) {
+    int headersRead = 0;
+    std::vector<std::string> leaks = FindLeaks(MELKORA_SOURCE_DIR, headersRead);
+    ASSERT_GT(headersRead, 0) << "no header found under " << MELKORA_SOURCE_DIR;
+    std::string report;
+    for (const std::string& leak : leaks) {
+        report += leak + "\n";
+    }
+    EXPECT_TRUE(leaks.empty()) << report;
+}
