@@ -5,6 +5,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -63,4 +64,19 @@ TEST(IncludeHygiene, PublicHeadersIncludeNoPlatformLibrary) {
         report += leak + "\n";
     }
     EXPECT_TRUE(leaks.empty()) << report;
+}
+
+TEST(IncludeHygiene, UmbrellaHeaderIncludesEveryFoundationHeader) {
+    std::filesystem::path folder = std::filesystem::path(MELKORA_SOURCE_DIR) / "foundation";
+    std::ifstream in(folder / "foundation.h");
+    std::string umbrella((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    ASSERT_FALSE(umbrella.empty());
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        std::string name = entry.path().filename().string();
+        if (entry.path().extension() != ".h" || name == "foundation.h") {
+            continue;
+        }
+        EXPECT_NE(umbrella.find("#include \"foundation/" + name + "\""), std::string::npos)
+            << name << " is missing from foundation/foundation.h";
+    }
 }

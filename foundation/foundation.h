@@ -1,0 +1,14 @@
+// Everything of the foundation layer in one include: strings, arrays,
+// values and parsers, files, paths, disk, ini and settings store, dates,
+// images and network. Sources include the narrower headers they need;
+// this one is for tools and quick programs.
+#pragma once
+
+#include "foundation/array.h"
+#include "foundation/color.h"
+#include "foundation/identifier.h"
+#include "foundation/keyboard.h"
+#include "foundation/parser.h"
+#include "foundation/random.h"
+#include "foundation/string.h"
+#include "foundation/value.h"

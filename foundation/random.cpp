@@ -1,0 +1,35 @@
+#include "foundation/random.h"
+
+#include <climits>
+#include <cmath>
+
+namespace {
+
+SRandom& ThreadRandom() {
+    thread_local SRandom random;
+    return random;
+}
+
+} // namespace
+
+int SRandom::Next() {
+    // Unsigned arithmetic wraps modulo 2^32, as the generator expects.
+    state = state * 214013u + 2531011u;
+    return int(state >> 16 & 0x7FFF);
+}
+
+void SeedRandom(unsigned seed) {
+    ThreadRandom().Seed(seed);
+}
+
+int NextRandom() {
+    return ThreadRandom().Next();
+}
+
+int GetRandom(unsigned range) {
+    double value = std::round(NextRandom() / 32768.0 * range);
+    if (value > INT_MAX) {
+        return INT_MAX;
+    }
+    return int(value);
+}

@@ -1,0 +1,817 @@
+#include "foundation/string.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::string Text(const SString& s) {
+    return std::string(s.c_str(), s.GetLength());
+}
+
+std::u16string Units(const SUniString& s) {
+    return s.GetBuffer() != nullptr ? std::u16string(s.GetBuffer(), s.GetLength()) : u"";
+}
+
+// Formats without the compiler's format check, for the "%I64" forms that
+// the check does not know.
+SString FormatUnchecked(const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    SString result;
+    result.FormatV(format, args);
+    va_end(args);
+    return result;
+}
+
+// Expected capacity for a length under the growth rule with the given step.
+int Rounded(int length, int step) {
+    return (length + 1) / step * step + step;
+}
+
+} // namespace
+
+TEST(StringGrowth, CapacityRoundsUpAndSkipsExactMultiples) {
+    const struct {
+        int length;
+        int capacity;
+    } cases[] = {{0, 16}, {14, 16}, {15, 32}, {16, 32}, {30, 32}, {31, 48}, {-5, 16}};
+    for (const auto& c : cases) {
+        SString s;
+        s.SetSize(c.length, false);
+        EXPECT_EQ(s.GetCapacity(), c.capacity) << c.length;
+        EXPECT_EQ(s.GetLength(), c.length < 0 ? 0 : c.length);
+        EXPECT_EQ(s.GetBuffer()[s.GetLength()], 0);
+    }
+}
+
+TEST(StringGrowth, CapacityNeverShrinksAndKeepCarriesText) {
+    SString s("abcdef");
+    s.SetSize(100, true);
+    EXPECT_EQ(s.GetCapacity(), 112);
+    EXPECT_STREQ(s.c_str(), "abcdef");
+    s.SetSize(3, true);
+    EXPECT_EQ(s.GetCapacity(), 112);
+    EXPECT_STREQ(s.c_str(), "abc");
+    s = "x";
+    EXPECT_EQ(s.GetCapacity(), 112);
+}
+
+TEST(StringGrowth, AppendKeepsCapacityRounding) {
+    SString s("");
+    for (int i = 1; i <= 100; i++) {
+        s.AppendChar('x');
+        ASSERT_EQ(s.GetCapacity(), Rounded(i, 16)) << i;
+    }
+    EXPECT_EQ(s.GetLength(), 100);
+}
+
+TEST(StringGrowth, SetLengthFillsOnlyAddedCharacters) {
+    SString s("ab");
+    s.SetLength(5, '.');
+    EXPECT_EQ(Text(s), "ab...");
+    s.SetLength(1, '.');
+    EXPECT_EQ(Text(s), "a");
+}
+
+TEST(StringGrowth, UniStringGrowsInStepsOf24) {
+    const int lengths[] = {0, 22, 23, 24, 47, 100};
+    for (int length : lengths) {
+        SUniString s;
+        s.SetSize(length, false);
+        EXPECT_EQ(s.GetCapacity(), Rounded(length, 24)) << length;
+    }
+}
+
+TEST(StringLifetime, NullTextGivesBufferDefaultGivesNone) {
+    SString none;
+    EXPECT_EQ(none.GetBuffer(), nullptr);
+    EXPECT_STREQ(none.c_str(), "");
+    SString fromNull(static_cast<const char*>(nullptr));
+    ASSERT_NE(fromNull.GetBuffer(), nullptr);
+    EXPECT_EQ(fromNull.GetLength(), 0);
+    EXPECT_EQ(fromNull.GetCapacity(), 16);
+    EXPECT_EQ(Text(SString(3)), "   ");
+    EXPECT_EQ(Text(SString(-2)), "");
+}
+
+TEST(StringLifetime, UserWordsFollowOnlyCopyFrom) {
+    SString a("text");
+    a.userA = 7;
+    a.userB = 9;
+    SString copy(a);
+    EXPECT_EQ(copy.userA, 0u);
+    SString assigned("x");
+    assigned.userA = 3;
+    assigned = a;
+    EXPECT_EQ(assigned.userA, 3u);
+    SString full;
+    full.CopyFrom(a, false);
+    EXPECT_EQ(Text(full), "text");
+    EXPECT_EQ(full.userB, 9u);
+    SString textOnly;
+    textOnly.CopyFrom(a, true);
+    EXPECT_EQ(textOnly.userB, 0u);
+    a.Empty();
+    EXPECT_EQ(a.GetBuffer(), nullptr);
+    EXPECT_EQ(a.GetCapacity(), 0);
+    EXPECT_EQ(a.userA, 7u);
+}
+
+TEST(StringLifetime, MoveTakesBuffer) {
+    SString a("moving");
+    const char* buffer = a.GetBuffer();
+    SString b(std::move(a));
+    EXPECT_EQ(b.GetBuffer(), buffer);
+    EXPECT_EQ(a.GetBuffer(), nullptr); // NOLINT: the moved-from state is part of the contract
+    EXPECT_EQ(a.GetLength(), 0);
+    SString c;
+    c = std::move(b);
+    EXPECT_EQ(Text(c), "moving");
+}
+
+TEST(StringLifetime, TextFromInsideItselfSurvivesReallocation) {
+    SString s("0123456789abcde"); // 15 characters fill a 16-character buffer
+    s.Append(s.c_str());
+    EXPECT_EQ(Text(s), "0123456789abcde0123456789abcde");
+    s.Assign(s.c_str() + 10, 5);
+    EXPECT_EQ(Text(s), "abcde");
+    s.Insert(s.c_str(), 1, 3);
+    EXPECT_EQ(Text(s), "aabcdeabcdeabcdebcde");
+    s.ReplaceRange(s.c_str(), 0, 1);
+    EXPECT_EQ(s.GetLength(), 39);
+    s = s.c_str() + 30;
+    EXPECT_EQ(Text(s), "abcdebcde");
+}
+
+TEST(StringAccess, SetAtZeroTruncates) {
+    SString s("abcd");
+    s.SetAt(2, 0);
+    EXPECT_EQ(Text(s), "ab");
+    EXPECT_EQ(s.GetLength(), 2);
+    s.SetAt(5, 'x');
+    s.SetAt(-1, 'x');
+    EXPECT_EQ(Text(s), "ab");
+    EXPECT_EQ(s.GetAt(1), 'b');
+    EXPECT_EQ(s.GetAt(2), 0);
+    EXPECT_EQ(SString().GetAt(0), 0);
+}
+
+TEST(StringAccess, CompareReducesToSign) {
+    EXPECT_EQ(SString("abc").Compare("abd"), -1);
+    EXPECT_EQ(SString("abd").Compare("abc"), 1);
+    EXPECT_EQ(SString("abc").Compare("abc"), 0);
+    EXPECT_EQ(SString().Compare(""), 0);
+    EXPECT_EQ(SString("a").Compare(nullptr), 1);
+    EXPECT_EQ(SString("\xC3\xA9").Compare("z"), 1); // bytes compare unsigned
+    EXPECT_TRUE(SString("ab") == SString("ab"));
+    EXPECT_TRUE(SString("ab") != "abc");
+}
+
+TEST(StringAccess, CaseBlindOnlyOnAsciiLetters) {
+    EXPECT_EQ(SString("Hello World").CompareNoCase("hELLO wORLD"), 0);
+    EXPECT_EQ(SString("\xC3\x84"
+                      "BC")
+                  .CompareNoCase("\xC3\x84"
+                                 "bc"),
+              0);                                                // "ÄBC", "Äbc"
+    EXPECT_NE(SString("\xC3\x89").CompareNoCase("\xC3\xA9"), 0); // "É", "é"
+    EXPECT_EQ(SString("a").CompareNoCase("B"), -1);
+    EXPECT_EQ(SString("[").CompareNoCase("a"), -1); // "[" sorts before letters folded down
+    EXPECT_EQ(Text(SString("stra\xC3\x9F"
+                           "e \xC3\xA9")
+                       .Upper()),
+              "STRA\xC3\x9F"
+              "E \xC3\xA9");
+    EXPECT_EQ(Text(SString("MiXeD \xC3\x89").Lower()), "mixed \xC3\x89");
+}
+
+TEST(StringSearch, FindStaysInsideTheRange) {
+    SString s("abcabc");
+    EXPECT_EQ(s.Find('c'), 2);
+    EXPECT_EQ(s.Find('c', 3), 5);
+    EXPECT_EQ(s.Find('c', 0, 2), -1);
+    EXPECT_EQ(s.Find('a', 6), -1);
+    EXPECT_EQ(s.Find('a', -1), -1);
+    EXPECT_EQ(s.FindNot('a'), 1);
+    EXPECT_EQ(SString("aaa").FindNot('a'), -1);
+    EXPECT_EQ(s.Find("bc", 0, 3, true), 3);
+    EXPECT_EQ(s.Find("bc", 2, 3), -1); // "cab" cannot hold it
+    EXPECT_EQ(s.Find("bc", 2), 4);
+    EXPECT_EQ(s.Find("bc", 2, -1, true), 6);
+    EXPECT_EQ(s.Find(""), -1);
+    EXPECT_EQ(s.Find(static_cast<const char*>(nullptr)), -1);
+    EXPECT_EQ(s.FindNoCase("CA"), 2);
+    EXPECT_EQ(s.FindNoCase("CA", 3), -1);
+    EXPECT_EQ(s.FindNoCase(""), -1);
+    EXPECT_EQ(SString().Find('a'), -1);
+}
+
+TEST(StringSearch, ReverseFindStartsFromTheGivenIndex) {
+    SString s("abcabc");
+    EXPECT_EQ(s.ReverseFind('a'), 3);
+    EXPECT_EQ(s.ReverseFind('a', 2), 0);
+    EXPECT_EQ(s.ReverseFind('a', 6), -1);
+    EXPECT_EQ(s.ReverseFind('a', -2), -1);
+    EXPECT_EQ(SString("").ReverseFind('a'), -1);
+    // The first listed character that is found wins, not the last position.
+    EXPECT_EQ(s.ReverseFindAny(-1, 2, 'a', 'c'), 3);
+    EXPECT_EQ(s.ReverseFindAny(-1, 2, 'x', 'b'), 4);
+    EXPECT_EQ(s.ReverseFindAny(-1, 1, 'x'), -1);
+}
+
+TEST(StringRanges, PiecesClampTheirCounts) {
+    SString s("abcdef");
+    const struct {
+        int start;
+        int count;
+        const char* expected;
+    } mids[] = {{2, 2, "cd"}, {2, -1, "cdef"}, {2, 100, "cdef"}, {6, 1, ""},
+                {-1, 2, ""},  {0, 0, ""},      {5, -7, "f"}};
+    for (const auto& m : mids) {
+        EXPECT_EQ(Text(s.Mid(m.start, m.count)), m.expected) << m.start << "," << m.count;
+    }
+    EXPECT_EQ(Text(s.Left(-1)), "");
+    EXPECT_EQ(Text(s.Left(100)), "abcdef");
+    EXPECT_EQ(Text(s.Right(2)), "ef");
+    EXPECT_EQ(Text(s.Right(0)), "");
+    EXPECT_EQ(Text(s.Right(9)), "abcdef");
+    EXPECT_EQ(Text(s.Between(1, 3)), "bc");
+    EXPECT_EQ(Text(s.Between(3, 3)), "");
+    EXPECT_EQ(Text(s.Between(4, 1)), "");
+    EXPECT_EQ(Text(s.Between(4, 50)), "ef");
+    EXPECT_EQ(Text(SString().Left(3)), "");
+}
+
+TEST(StringPieces, CharacterSplits) {
+    SString s("key=value=more");
+    EXPECT_EQ(Text(s.AfterChar('=')), "value=more");
+    EXPECT_EQ(Text(s.BeforeChar('=')), "key");
+    EXPECT_EQ(Text(s.AfterChar('#')), "");
+    EXPECT_EQ(Text(s.BeforeChar('#')), "");
+    EXPECT_EQ(Text(s.BeforeCharOrAll('#')), "key=value=more");
+    EXPECT_EQ(Text(SString("end=").AfterChar('=')), "");
+}
+
+TEST(StringPieces, GetLineCutsAtEachLineEnd) {
+    const struct {
+        const char* text;
+        int start;
+        const char* line;
+        int next;
+    } cases[] = {
+        {"ab\r\ncd", 0, "ab", 4}, {"ab\r\ncd", 4, "cd", 6}, {"ab\rcd", 0, "ab", 3},
+        {"ab\ncd", 0, "ab", 3},   {"ab\n\rcd", 0, "ab", 3}, {"ab\n\rcd", 3, "", 4},
+        {"abc", 1, "bc", 3},      {"abc", 3, "", 3},        {"abc", -1, "", 3},
+        {"ab\r", 0, "ab", 3},     {"", 0, "", 0},
+    };
+    for (const auto& c : cases) {
+        int next = -99;
+        EXPECT_EQ(Text(SString(c.text).GetLine(c.start, &next)), c.line) << c.text << c.start;
+        EXPECT_EQ(next, c.next) << c.text << c.start;
+    }
+}
+
+TEST(StringPieces, LineCountsAndLongestLine) {
+    EXPECT_EQ(SString("a\r\nb\r\n").CountLines(), 3);
+    EXPECT_EQ(SString("a\nb\rc").CountLines(), 1);
+    EXPECT_EQ(SString("").CountLines(), 1);
+    EXPECT_EQ(SString("ab\ncde\r\nf").GetLongestLine(), 3);
+    EXPECT_EQ(SString("\r\n\r\n").GetLongestLine(), 0);
+}
+
+TEST(StringGetWord, WordsAndGaps) {
+    const struct {
+        const char* text;
+        int start;
+        bool keepBlanks;
+        const char* word;
+        int next;
+    } cases[] = {
+        {"  ab cd", 0, false, "ab", 4}, {"  ab cd", 0, true, "  ", 2},
+        {"ab cd", 2, false, "cd", 5},   {"ab cd", 1, false, "b", 2},
+        {"ab \t\r\n", 2, false, "", 6}, {"ab \t\r\nx", 2, true, " \t\r\n", 6},
+        {"ab", -1, false, "", 2},       {"ab", 7, false, "", 2},
+        {"", 0, false, "", 0},
+    };
+    for (const auto& c : cases) {
+        int next = -99;
+        EXPECT_EQ(Text(SString(c.text).GetWord(c.start, &next, c.keepBlanks)), c.word)
+            << c.text << c.start;
+        EXPECT_EQ(next, c.next) << c.text << c.start;
+    }
+}
+
+TEST(StringEditing, InsertFollowsPositionRules) {
+    const struct {
+        const char* text;
+        int pos;
+        int count;
+        const char* expected;
+    } chars[] = {{"ab", -1, 1, "abx"},  {"ab", 2, 1, "abx"}, {"ab", 3, 1, "ab"},
+                 {"ab", 0, 3, "xxxab"}, {"ab", 0, 0, "ab"},  {"", 0, 2, "xx"}};
+    for (const auto& c : chars) {
+        SString s(c.text);
+        s.Insert('x', c.pos, c.count);
+        EXPECT_EQ(Text(s), c.expected) << c.text << c.pos << c.count;
+    }
+    SString s("ab");
+    s.Insert("cd", 1, 2);
+    EXPECT_EQ(Text(s), "acdcdb");
+    s.Insert("", 0, 5);
+    s.Insert(static_cast<const char*>(nullptr), 0);
+    EXPECT_EQ(Text(s), "acdcdb");
+    SString none;
+    none.Insert("z", -1);
+    EXPECT_EQ(Text(none), "z");
+}
+
+TEST(StringEditing, DeleteAndReplaceReportWhatChanged) {
+    SString s("abcd");
+    EXPECT_EQ(s.Delete(1, 2), 2);
+    EXPECT_EQ(Text(s), "ad");
+    EXPECT_EQ(s.Delete(1, 10), 1);
+    EXPECT_EQ(s.Delete(1), 0);
+    EXPECT_EQ(s.Delete(-1), 0);
+    EXPECT_EQ(Text(s), "a");
+
+    SString banana("banana");
+    EXPECT_EQ(banana.Replace('a', 'x', 2, 2), 1);
+    EXPECT_EQ(Text(banana), "banxna");
+    EXPECT_EQ(banana.Replace('a', 'o'), 2);
+    EXPECT_EQ(Text(banana), "bonxno");
+    EXPECT_EQ(banana.Replace('o', 0), 1); // truncates at the first change
+    EXPECT_EQ(Text(banana), "b");
+}
+
+TEST(StringEditing, ReplaceRangeGrowsAndShrinks) {
+    const struct {
+        const char* with;
+        int start;
+        int count;
+        const char* expected;
+    } cases[] = {{"XYZ", 1, 1, "aXYZcd"}, {"X", 1, 3, "aX"},    {"X", 4, 0, "abcdX"},
+                 {"X", 5, 0, "abcd"},     {"X", -3, 1, "Xbcd"}, {"", 0, -1, ""},
+                 {nullptr, 1, 2, "ad"}};
+    for (const auto& c : cases) {
+        SString s("abcd");
+        s.ReplaceRange(c.with, c.start, c.count);
+        EXPECT_EQ(Text(s), c.expected) << c.start << "," << c.count;
+    }
+}
+
+TEST(StringEditing, ReplaceAllNeverRescansInsertedText) {
+    const struct {
+        const char* text;
+        const char* find;
+        const char* with;
+        int start;
+        int count;
+        bool matchCase;
+        const char* expected;
+        int replaced;
+    } cases[] = {
+        {"aaa", "a", "aa", 0, -1, true, "aaaaaa", 3},
+        {"Hello hello", "hello", "bye", 0, -1, false, "bye bye", 2},
+        {"Hello hello", "hello", "bye", 0, -1, true, "Hello bye", 1},
+        {"a-a-a", "a", "b", 1, 3, true, "a-b-a", 1},
+        {"abab", "ab", "x", 0, 3, true, "xab", 1}, // a match may not cross the range end
+        {"banana", "a", "", 0, -1, true, "bnn", 3},
+        {"banana", "", "x", 0, -1, true, "banana", 0},
+        {"banana", "a", "x", 6, -1, true, "banana", 0},
+        {"\xC3\x89t\xC3\xA9", "\xC3\xA9", "e", 0, -1, false, "\xC3\x89te", 1},
+    };
+    for (const auto& c : cases) {
+        SString s(c.text);
+        EXPECT_EQ(s.ReplaceAll(c.find, c.with, c.start, c.count, c.matchCase), c.replaced)
+            << c.text << " " << c.find;
+        EXPECT_EQ(Text(s), c.expected) << c.text << " " << c.find;
+    }
+}
+
+TEST(StringEditing, QuotesAndConcatenation) {
+    const struct {
+        const char* text;
+        bool quoted;
+        const char* after;
+    } cases[] = {{"\"ab\"", true, "ab"},
+                 {"\"a\"b\"", false, "\"a\"b\""},
+                 {"\"", false, "\""},
+                 {"\"\"", true, ""},
+                 {"'x'", false, "'x'"}};
+    for (const auto& c : cases) {
+        SString s(c.text);
+        EXPECT_EQ(s.Unquote(), c.quoted) << c.text;
+        EXPECT_EQ(Text(s), c.after);
+    }
+    EXPECT_TRUE(SString("'x'").IsQuoted('\''));
+    EXPECT_EQ(Text("ab" + SString("cd") + 'e' + "f"), "abcdef");
+    SString s;
+    s += "x";
+    s += SString("y");
+    s += 'z';
+    s.Append("1234", 2);
+    EXPECT_EQ(Text(s), "xyz12");
+}
+
+TEST(StringTrim, CountsAndBlanks) {
+    const struct {
+        const char* text;
+        bool right;
+        int count;
+        bool blanksOnly;
+        const char* expected;
+        int result;
+    } cases[] = {
+        {"abcd", true, 2, false, "ab", 0},      {"abcd", true, 10, false, "", 0},
+        {"ab \t ", true, -1, false, "ab", 3},   {"ab \t ", true, -1, true, "ab \t", 1},
+        {"abcd", true, 0, false, "abcd", 0},    {"abcd", false, 1, false, "bcd", 0},
+        {"abcd", false, 9, false, "", 0},       {" \t ab", false, -1, false, "ab", 3},
+        {"\t ab", false, -1, true, "\t ab", 0}, {"", false, -1, false, "", 0},
+    };
+    for (const auto& c : cases) {
+        SString s(c.text);
+        int result =
+            c.right ? s.TrimRight(c.count, c.blanksOnly) : s.TrimLeft(c.count, c.blanksOnly);
+        EXPECT_EQ(result, c.result) << c.text << c.count;
+        EXPECT_EQ(Text(s), c.expected) << c.text << c.count;
+    }
+}
+
+TEST(StringTrim, TrimLeavesTabsWhenBlanksOnly) {
+    SString tabs("\t\t");
+    tabs.Trim(-1, -1, true);
+    EXPECT_EQ(Text(tabs), "\t\t");
+    tabs.Trim(-1, -1, false);
+    EXPECT_EQ(Text(tabs), "");
+    SString both("  ab  ");
+    both.Trim(1, 2);
+    EXPECT_EQ(Text(both), " ab");
+}
+
+TEST(StringNumeric, IsNumericAndIsInteger) {
+    const struct {
+        const char* text;
+        bool numeric;
+        bool integer;
+    } cases[] = {
+        {"1.", false, false}, {".5", true, false},   {"-", false, false},     {"1-2", false, false},
+        {"-5", true, true},   {" -5", false, false}, {"-5 ", true, true},     {" 12\t", true, true},
+        {"", false, false},   {" \t", false, false}, {"1.2.3", false, false}, {"12a", false, false},
+        {"-.5", true, false}, {"--5", false, false}, {"0", true, true},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(SString(c.text).IsNumeric(), c.numeric) << "'" << c.text << "'";
+        EXPECT_EQ(SString(c.text).IsInteger(), c.integer) << "'" << c.text << "'";
+    }
+}
+
+TEST(StringNumeric, ParseHexPrefixesAndLimits) {
+    const struct {
+        const char* text;
+        uint64_t value;
+    } cases[] = {
+        {"12", 18},
+        {"0", 0},
+        {"#ff", 255},
+        {"0x", 0},
+        {"0xFF", 255},
+        {"0XfF", 255},
+        {"#", 0},
+        {"", 0},
+        {"01", 0},
+        {"012", 0},
+        {"#FfA", 0xFFA},
+        {"0x1g", 0},
+        {"-1", 0},
+        {" 1", 0},
+        {"#0x1", 0},
+        {"ffffffffffffffff", UINT64_MAX},
+        {"1ffffffffffffffff", 0},
+        {"0x0123456789abcdef", 0x0123456789abcdefULL},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(SString(c.text).ParseHex(), c.value) << "'" << c.text << "'";
+    }
+}
+
+TEST(StringRemoveNumbering, ThreeStateScan) {
+    const struct {
+        const char* text;
+        const char* expected;
+    } cases[] = {
+        {"12 - Song", "Song"},
+        {"12abc", "bc"},
+        {"Song", "Song"},
+        {"12", "12"},
+        {"12 - ", "12 - "},
+        {"1.Intro", "Intro"},
+        {"07-08 Track", "08 Track"},
+        {"3 .-x", "x"},
+        {"", ""},
+        {"9 ", "9 "},
+    };
+    for (const auto& c : cases) {
+        SString s(c.text);
+        s.RemoveNumbering();
+        EXPECT_EQ(Text(s), c.expected) << c.text;
+    }
+}
+
+TEST(StringJustify, AlignsEachLineToTheWidth) {
+    const struct {
+        const char* text;
+        int align;
+        int width;
+        bool wrap;
+        const char* expected;
+    } cases[] = {
+        {"ab cd ef", 0, 5, true, "ab cd\r\nef   "},
+        {"ab cd ef", 2, 5, true, "ab cd\r\n   ef"},
+        {"ab cd ef", 1, 5, true, "ab cd\r\n ef  "},
+        {"ab cd ef", 0, 5, false, "ab cd"},
+        {"a bb ccc dddd", 3, 10, true, "a  bb  ccc\r\ndddd      "},
+        {"abcdefgh", 0, 3, true, "abc\r\ndef\r\ngh "},
+        {"ab\r\nabcd", 0, 0, true, "ab  \r\nabcd"},
+        {"a\r\n\r\nb", 0, -1, true, "a\r\n \r\nb"},
+        {"\tab", 0, 8, true, "    ab  "},
+        {"  ab  ", 2, 4, true, "  ab"},
+        // Resuming uses offsets in the trimmed line, so indented text repeats.
+        {"  ab cd", 0, 2, true, "ab\r\nb \r\ncd"},
+    };
+    for (const auto& c : cases) {
+        SString s(c.text);
+        s.Justify(c.align, c.width, c.wrap);
+        EXPECT_EQ(Text(s), c.expected) << c.text << " align " << c.align << " width " << c.width;
+    }
+}
+
+TEST(StringJustify, NothingToDoWithoutText) {
+    SString empty("");
+    empty.Justify(0, 0, true);
+    EXPECT_EQ(Text(empty), "");
+    SString none;
+    none.Justify(1, 5, true);
+    EXPECT_EQ(Text(none), "");
+}
+
+TEST(StringUrl, EncodeKeepsOnlyLettersDigitsDashUnderscore) {
+    EXPECT_EQ(Text(SString("a b-_~.").UrlEncode(false)), "a%20b-_%7E%2E");
+    EXPECT_EQ(Text(SString("a b").UrlEncode(true)), "a+b");
+    EXPECT_EQ(Text(SString("\xC3\xA9/").UrlEncode(true)), "%C3%A9%2F");
+    EXPECT_EQ(Text(SString("+").UrlEncode(true)), "%2B");
+}
+
+TEST(StringUrl, DecodeDropsAShortEscapeAtTheEnd) {
+    const struct {
+        const char* text;
+        bool plus;
+        const char* expected;
+    } cases[] = {
+        {"a%20b", false, "a b"}, {"a+b", true, "a b"},    {"a+b", false, "a+b"},
+        {"%7e%7E", false, "~~"}, {"abc%4", false, "abc"}, {"abc%", false, "abc"},
+        {"%41%", false, "A"},    {"%4!", false, "a"},     {"", false, ""},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Text(SString(c.text).UrlDecode(c.plus)), c.expected) << c.text;
+    }
+    SString zero = SString("a%00b").UrlDecode(false);
+    EXPECT_EQ(zero.GetLength(), 3);
+}
+
+TEST(StringUrl, EveryByteSurvivesTheRoundTrip) {
+    std::string bytes;
+    for (int i = 1; i < 256; i++) {
+        bytes += static_cast<char>(i);
+    }
+    for (bool plus : {false, true}) {
+        SString original(bytes.c_str());
+        EXPECT_EQ(Text(original.UrlEncode(plus).UrlDecode(plus)), bytes) << plus;
+    }
+}
+
+TEST(StringBase64, EndsInExactlyOneEqualsSign) {
+    const struct {
+        const char* text;
+        const char* encoded;
+    } cases[] = {{"a", "YQ="},
+                 {"ab", "YWI="},
+                 {"abc", "YWJj="},
+                 {"abcd", "YWJjZA="},
+                 {"Melkora", "TWVsa29yYQ="}};
+    for (const auto& c : cases) {
+        SString s(c.text);
+        s.EncodeBase64();
+        EXPECT_EQ(Text(s), c.encoded);
+        s.DecodeBase64();
+        EXPECT_EQ(Text(s), c.text);
+    }
+    SString empty("");
+    empty.EncodeBase64();
+    EXPECT_EQ(Text(empty), "");
+    SString sign("=");
+    sign.DecodeBase64();
+    EXPECT_EQ(Text(sign), "");
+}
+
+TEST(StringBase64, TextWithoutPlusOrSlashRoundTrips) {
+    const char* texts[] = {"Artist - Album (1999)",
+                           "C:\\Music\\Folder",
+                           "x",
+                           "12345678901",
+                           "\xC3\xA9t\xC3\xA9 \xE2\x80\xA2 caf\xC3\xA9",
+                           "line\r\nnext"};
+    for (const char* text : texts) {
+        SString s(text);
+        s.EncodeBase64();
+        ASSERT_EQ(s.Find('+'), -1) << text;
+        ASSERT_EQ(s.Find('/'), -1) << text;
+        s.DecodeBase64();
+        EXPECT_EQ(Text(s), text);
+    }
+}
+
+TEST(StringBase64, PlusAndSlashDecodeToTheKeptValues) {
+    const struct {
+        const char* text;
+        const char* encoded;
+        const char* decoded;
+    } cases[] = {{">>>", "Pj4+=", ">>/"}, {"???", "Pz8/=", "??3"}};
+    for (const auto& c : cases) {
+        SString s(c.text);
+        s.EncodeBase64();
+        EXPECT_EQ(Text(s), c.encoded);
+        s.DecodeBase64();
+        EXPECT_EQ(Text(s), c.decoded);
+    }
+}
+
+TEST(StringFormat, LongStringsAndManyArguments) {
+    std::string big(100000, 'x');
+    SString s;
+    s.Format("[%s]", big.c_str());
+    EXPECT_EQ(s.GetLength(), 100002);
+    EXPECT_EQ(Text(s), "[" + big + "]");
+    EXPECT_GE(s.GetCapacity(), 100003);
+
+    char expected[512];
+    int dummy = 0;
+    snprintf(expected, sizeof(expected), "%d|%5s|%-4c|%.3f|%x|%lld|%p|%e|%g|%o|%u|%%|%+05d|%#x",
+             -12, "ab", 'z', 3.14159, 255u, -9000000000LL, static_cast<void*>(&dummy), 1e300,
+             0.0001, 8u, 4000000000u, 42, 255u);
+    s.Format("%d|%5s|%-4c|%.3f|%x|%lld|%p|%e|%g|%o|%u|%%|%+05d|%#x", -12, "ab", 'z', 3.14159, 255u,
+             -9000000000LL, static_cast<void*>(&dummy), 1e300, 0.0001, 8u, 4000000000u, 42, 255u);
+    EXPECT_EQ(Text(s), expected);
+}
+
+TEST(StringFormat, WideIntegerPrefixReadsAsLongLong) {
+    EXPECT_EQ(Text(FormatUnchecked("%I64d", LLONG_MIN)), "-9223372036854775808");
+    EXPECT_EQ(Text(FormatUnchecked("%I64u", ULLONG_MAX)), "18446744073709551615");
+    EXPECT_EQ(Text(FormatUnchecked("%I64x", 0xABCDEF0123ULL)), "abcdef0123");
+    EXPECT_EQ(Text(FormatUnchecked("[%-8I64d|%08I64X]", 5LL, 255ULL)), "[5       |000000FF]");
+    EXPECT_EQ(Text(FormatUnchecked("I64 %%I64d %d", 3)), "I64 %I64d 3");
+    EXPECT_EQ(Text(FormatUnchecked("%2$s %1$I64d", -4LL, "x")), "x -4");
+    std::string longFormat(400, '.');
+    longFormat += "%I64d";
+    EXPECT_EQ(Text(FormatUnchecked(longFormat.c_str(), 7LL)), std::string(400, '.') + "7");
+}
+
+TEST(StringFormat, BoundsAndMeasuredLength) {
+    SString s;
+    s.Format("%*d", 70000, 1);
+    EXPECT_EQ(s.GetLength(), 70000);
+    s.Format("ab%cde", 0);
+    EXPECT_EQ(s.GetLength(), 2);
+    s = "abc";
+    s.Format("%s-%s", s.c_str(), s.c_str());
+    EXPECT_EQ(Text(s), "abc-abc");
+    SString wide("");
+    wide.SetSize(200, false);
+    wide.Format("x");
+    EXPECT_EQ(wide.GetCapacity(), 208);
+    EXPECT_EQ(Text(wide), "x");
+    EXPECT_EQ(Text(FormatUnchecked(nullptr)), "");
+    EXPECT_EQ(Text(SString::FromInt(INT_MIN)), "-2147483648");
+}
+
+TEST(StringUnicode, Utf8ToUtf16) {
+    const struct {
+        const char* utf8;
+        std::u16string utf16;
+    } cases[] = {
+        {"A\xC3\xA9\xE2\x82\xAC", u"A\u00E9\u20AC"},
+        {"\xF0\x9F\x98\x80", u"\xD83D\xDE00"},
+        {"\xC3", u"\xFFFD"}, // cut short
+        {"\xE2\x82"
+         "A",
+         u"\xFFFD"
+         "A"},                                             // one U+FFFD for the valid prefix
+        {"\xC0\x80", u"\xFFFD\xFFFD"},                     // overlong
+        {"\xED\xA0\x80", u"\xFFFD\xFFFD\xFFFD"},           // encoded surrogate
+        {"\xF4\x90\x80\x80", u"\xFFFD\xFFFD\xFFFD\xFFFD"}, // past U+10FFFF
+        {"\x80x\xFF", u"\xFFFDx\xFFFD"},
+        {"", u""},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Units(Utf8ToUtf16(c.utf8)), c.utf16) << c.utf8;
+        EXPECT_EQ(Units(SUniString(c.utf8)), c.utf16) << c.utf8;
+    }
+    EXPECT_EQ(Units(Utf8ToUtf16("abc", 2)), u"ab");
+    EXPECT_EQ(Units(Utf8ToUtf16(nullptr)), u"");
+}
+
+TEST(StringUnicode, Utf16ToUtf8) {
+    const struct {
+        std::u16string utf16;
+        const char* utf8;
+    } cases[] = {
+        {u"A\u00E9\u20AC", "A\xC3\xA9\xE2\x82\xAC"},
+        {u"\xD83D\xDE00", "\xF0\x9F\x98\x80"},
+        {u"\xD800"
+         "A",
+         "\xEF\xBF\xBD"
+         "A"},                         // lone high surrogate
+        {u"\xDC00", "\xEF\xBF\xBD"},   // lone low surrogate
+        {u"x\xD83D", "x\xEF\xBF\xBD"}, // high surrogate at the end
+        {u"\xDE00\xD83D", "\xEF\xBF\xBD\xEF\xBF\xBD"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Text(Utf16ToUtf8(c.utf16.c_str(), static_cast<int>(c.utf16.size()))), c.utf8);
+        EXPECT_EQ(Text(SString(c.utf16.c_str())), c.utf8);
+    }
+    // A pair cut by the count is not joined with what lies beyond it.
+    EXPECT_EQ(Text(Utf16ToUtf8(u"\xD83D\xDE00", 1)), "\xEF\xBF\xBD");
+    EXPECT_EQ(Text(Utf16ToUtf8(nullptr)), "");
+}
+
+TEST(StringUnicode, Utf32AndWideCopies) {
+    const wchar_t text[] = {0x20AC, 0x1F600, 0xD800, 0x110000, 'a', 0};
+    EXPECT_EQ(Text(SString(text)), "\xE2\x82\xAC\xF0\x9F\x98\x80\xEF\xBF\xBD\xEF\xBF\xBD"
+                                   "a");
+    EXPECT_EQ(Text(SString(static_cast<const wchar_t*>(nullptr))), "");
+
+    EXPECT_FALSE(SString().ToWide());
+    auto wide = SString("\xC3\xA9\xF0\x9F\x98\x80").ToWide();
+    ASSERT_TRUE(wide);
+    EXPECT_EQ(std::u16string(wide.get()), u"\u00E9\xD83D\xDE00");
+    auto empty = SString("").ToWide();
+    ASSERT_TRUE(empty);
+    EXPECT_EQ(empty[0], u'\0');
+}
+
+TEST(StringUnicode, ValidUtf8RoundTripsThroughUtf16) {
+    const char* texts[] = {"plain",        "caf\xC3\xA9",      "\xE2\x80\xA2 \xF0\x9F\x8E\xB5",
+                           "\xEF\xBF\xBF", "\xF4\x8F\xBF\xBF", ""};
+    for (const char* text : texts) {
+        ASSERT_TRUE(IsValidUtf8(text)) << text;
+        EXPECT_EQ(Text(Utf8ToUtf16(text).ToString()), text);
+    }
+    const char* invalid[] = {"\xC3", "\xC0\xAF", "\xED\xBF\xBF", "\xF8\x88\x80\x80\x80", "a\xFE"};
+    for (const char* text : invalid) {
+        EXPECT_FALSE(IsValidUtf8(text)) << text;
+        EXPECT_TRUE(IsValidUtf8(Utf8ToUtf16(text).ToString().c_str())) << text;
+    }
+    EXPECT_TRUE(IsValidUtf8("ab\xC3", 2));
+}
+
+TEST(StringUnicode, UniStringCopiesAndFills) {
+    SUniString s("ab");
+    s.SetLength(4, u'-');
+    EXPECT_EQ(Units(s), u"ab--");
+    SUniString copy(s);
+    copy = copy.GetBuffer() + 1; // from inside itself
+    EXPECT_EQ(Units(copy), u"b--");
+    copy = "\xC3\xA9";
+    EXPECT_EQ(Units(copy), u"\u00E9");
+    SUniString moved(std::move(copy));
+    EXPECT_EQ(copy.GetBuffer(), nullptr); // NOLINT: the moved-from state is part of the contract
+    EXPECT_EQ(Text(moved.ToString()), "\xC3\xA9");
+    moved.Empty();
+    EXPECT_EQ(moved.GetCapacity(), 0);
+    EXPECT_EQ(Text(moved.ToString()), "");
+}
+
+TEST(StringWindows1252, HighBytesMapToTheirCharacters) {
+    const struct {
+        const char* bytes;
+        const char* utf8;
+    } cases[] = {
+        {"\x95", "\xE2\x80\xA2"}, {"\x80", "\xE2\x82\xAC"}, {"\x92", "\xE2\x80\x99"},
+        {"\x9F", "\xC5\xB8"},     {"\x81", "\xEF\xBF\xBD"}, {"\x9D", "\xEF\xBF\xBD"},
+        {"\xE9", "\xC3\xA9"},     {"\xA0", "\xC2\xA0"},     {"plain", "plain"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Text(Windows1252ToUtf8(c.bytes)), c.utf8);
+    }
+    std::string all;
+    for (int i = 1; i < 256; i++) {
+        all += static_cast<char>(i);
+    }
+    SString converted = Windows1252ToUtf8(all.c_str());
+    EXPECT_TRUE(IsValidUtf8(converted.c_str(), converted.GetLength()));
+    EXPECT_EQ(Text(Windows1252ToUtf8("a\0b", 3)), std::string("a\0b", 3));
+}
