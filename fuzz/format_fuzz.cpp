@@ -98,11 +98,11 @@ bool AddConversion(Reader& reader, Recipe& recipe, SString& target) {
     bool isInteger = strchr("diuxXo", conversion) != nullptr;
     bool isReal = strchr("efgG", conversion) != nullptr;
     std::vector<Argument> needed;
-    std::string spec = "%";
+    std::string directive = "%";
     uint8_t flags = reader.Byte();
     for (int i = 0; i < 5; i++) {
         if ((flags >> i) & 1) {
-            spec += FLAGS[i];
+            directive += FLAGS[i];
         }
     }
     auto star = [&]() {
@@ -111,10 +111,10 @@ bool AddConversion(Reader& reader, Recipe& recipe, SString& target) {
     };
     switch (reader.Byte() % 4) {
     case 1:
-        spec += std::to_string(reader.Bytes(2) % 5000);
+        directive += std::to_string(reader.Bytes(2) % 5000);
         break;
     case 2:
-        spec += '*';
+        directive += '*';
         star();
         break;
     default:
@@ -122,13 +122,13 @@ bool AddConversion(Reader& reader, Recipe& recipe, SString& target) {
     }
     switch (reader.Byte() % 4) {
     case 1:
-        spec += '.';
+        directive += '.';
         break;
     case 2:
-        spec += '.' + std::to_string(reader.Bytes(2) % 500);
+        directive += '.' + std::to_string(reader.Bytes(2) % 500);
         break;
     case 3:
-        spec += ".*";
+        directive += ".*";
         star();
         break;
     default:
@@ -184,8 +184,8 @@ bool AddConversion(Reader& reader, Recipe& recipe, SString& target) {
         return false;
     }
     recipe.arguments.insert(recipe.arguments.end(), needed.begin(), needed.end());
-    Emit(recipe, spec + length + conversion,
-         spec + (length == "I64" ? std::string("ll") : length) + conversion);
+    Emit(recipe, directive + length + conversion,
+         directive + (length == "I64" ? std::string("ll") : length) + conversion);
     return true;
 }
 
