@@ -9,8 +9,15 @@ packages=(
     googletest libgtest-dev libgmock-dev
     # fuzzing and sanitizer runtimes (clang's libFuzzer)
     clang libclang-rt-14-dev
+    # foundation: inflate, GIO (trash, launching); unzip and python3 check
+    # the archives we write
+    zlib1g-dev libglib2.0-dev xdg-utils unzip python3
 )
 
+# Benchmarks also make synthetic collections and compare with other tools.
+if [ "${1:-}" = "--bench" ]; then
+    packages+=(imagemagick libvips-tools hyperfine)
+fi
 
 missing=()
 for package in "${packages[@]}"; do
