@@ -9,9 +9,11 @@ packages=(
     googletest libgtest-dev libgmock-dev
     # fuzzing and sanitizer runtimes (clang's libFuzzer)
     clang libclang-rt-14-dev
-    # foundation: inflate, GIO (trash, launching); unzip and python3 check
-    # the archives we write
-    zlib1g-dev libglib2.0-dev xdg-utils unzip python3
+    # foundation: inflate, GIO (trash, launching), images, drawing, text,
+    # downloads; unzip and python3 check the archives we write
+    zlib1g-dev libglib2.0-dev libgdk-pixbuf-2.0-dev libcairo2-dev libpango1.0-dev
+    libpng-dev libjpeg62-turbo-dev libcurl4-openssl-dev fonts-dejavu-core
+    xdg-utils unzip python3
 )
 
 # Benchmarks also make synthetic collections and compare with other tools.

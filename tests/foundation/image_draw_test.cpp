@@ -1,0 +1,283 @@
+// SImage onto Cairo: the draw modes read back from an image surface, the key
+// and back colours, FitRect, and the exchange with surfaces.
+#include "foundation/image.h"
+
+#include <cairo.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace {
+
+constexpr uint32_t GREY = 0xFF808080u;
+constexpr uint32_t RED_BACK = 0x000000FFu; // red as a program colour 0x00BBGGRR
+constexpr uint32_t RED = 0xFFFF0000u;
+
+uint32_t Argb(uint32_t a, uint32_t r, uint32_t g, uint32_t b) {
+    return (a << 24) | (r << 16) | (g << 8) | b;
+}
+
+// A canvas of 100 by 80 filled grey, read back pixel by pixel.
+class Canvas {
+public:
+    Canvas() {
+        surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 100, 80);
+        cr = cairo_create(surface);
+        cairo_set_source_rgb(cr, 128 / 255.0, 128 / 255.0, 128 / 255.0);
+        cairo_paint(cr);
+    }
+    ~Canvas() {
+        cairo_destroy(cr);
+        cairo_surface_destroy(surface);
+    }
+    uint32_t At(int x, int y) {
+        cairo_surface_flush(surface);
+        const unsigned char* data = cairo_image_surface_get_data(surface);
+        int stride = cairo_image_surface_get_stride(surface);
+        return reinterpret_cast<const uint32_t*>(data + y * stride)[x];
+    }
+
+    cairo_surface_t* surface;
+    cairo_t* cr;
+};
+
+// Every pixel distinct and opaque: red 20 x, green 40 y.
+SImage MakeNumbered(int width, int height) {
+    SImage image;
+    image.Create(width, height, PIXEL_FORMAT_24RGB);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            SRect one{x, y, x + 1, y + 1};
+            image.Fill(Argb(255, x * 20, y * 40, 7), &one);
+        }
+    }
+    return image;
+}
+
+} // namespace
+
+TEST(ImageFitRect, FitsByTheTable) {
+    struct Case {
+        SRect box;
+        int width, height;
+        bool enlarge;
+        SRect expected;
+    } cases[] = {
+        {{0, 0, 100, 100}, 50, 25, false, {25, 38, 75, 63}},
+        {{0, 0, 100, 100}, 50, 25, true, {0, 25, 100, 75}},
+        {{0, 0, 100, 100}, 25, 50, false, {38, 25, 63, 75}},
+        {{0, 0, 100, 100}, 25, 50, true, {25, 0, 75, 100}},
+        {{0, 0, 100, 100}, 200, 100, false, {0, 25, 100, 75}},
+        {{0, 0, 100, 100}, 100, 400, false, {38, 0, 63, 100}},
+        {{0, 0, 100, 100}, 100, 100, false, {0, 0, 100, 100}},
+        {{10, 20, 110, 70}, 300, 100, true, {10, 29, 110, 62}},
+        {{0, 0, 150, 150}, 40, 0, false, {55, 55, 95, 95}}, // no height: ratio 1
+    };
+    for (const Case& c : cases) {
+        SRect fitted = FitRect(c.box, c.width, c.height, c.enlarge);
+        EXPECT_EQ(fitted, c.expected)
+            << c.width << "x" << c.height << " enlarge " << c.enlarge << ": " << fitted.left << ","
+            << fitted.top << "," << fitted.right << "," << fitted.bottom;
+    }
+}
+
+TEST(ImageDrawModes, NaturalSizeModesPlaceThePicture) {
+    const SRect target{10, 10, 60, 50};
+    struct Case {
+        int mode;
+        int x, y; // where the picture's top left lands
+    } cases[] = {
+        {DRAW_TOPLEFT, 10, 10},      {DRAW_TOPCENTER, 30, 10},   {DRAW_TOPRIGHT, 50, 10},
+        {DRAW_MIDDLELEFT, 10, 27},   {DRAW_MIDDLERIGHT, 50, 27}, {DRAW_BOTTOMLEFT, 10, 44},
+        {DRAW_BOTTOMCENTER, 30, 44}, {DRAW_BOTTOMRIGHT, 50, 44}, {DRAW_CENTER, 30, 27},
+    };
+    SImage picture = MakeNumbered(10, 6);
+    for (const Case& c : cases) {
+        Canvas canvas;
+        picture.drawMode = c.mode;
+        picture.backColor = RED_BACK;
+        picture.Draw(canvas.cr, &target);
+        EXPECT_EQ(canvas.At(c.x, c.y), picture.GetPixel(0, 0)) << c.mode;
+        EXPECT_EQ(canvas.At(c.x + 9, c.y + 5), picture.GetPixel(9, 5)) << c.mode;
+        EXPECT_EQ(canvas.At(c.x + 4, c.y + 2), picture.GetPixel(4, 2)) << c.mode;
+        // The rest of the target takes the back colour, outside it nothing.
+        int besideX = c.x > target.left ? c.x - 1 : c.x + 10;
+        EXPECT_EQ(canvas.At(besideX, c.y), RED) << c.mode;
+        EXPECT_EQ(canvas.At(5, 5), GREY) << c.mode;
+        EXPECT_EQ(canvas.At(60, 50), GREY) << c.mode;
+    }
+}
+
+TEST(ImageDrawModes, WithoutBackColourTheTargetShowsThrough) {
+    SImage picture = MakeNumbered(10, 6);
+    for (uint32_t back : {0xFF000000u, 0xFF000001u}) {
+        Canvas canvas;
+        picture.drawMode = DRAW_CENTER;
+        picture.backColor = back;
+        SRect target{0, 0, 100, 80};
+        picture.Draw(canvas.cr, &target);
+        EXPECT_EQ(canvas.At(1, 1), GREY);
+        EXPECT_EQ(canvas.At(45, 37), picture.GetPixel(0, 0));
+    }
+}
+
+TEST(ImageDrawModes, NaturalSizeIsClippedToTheTarget) {
+    Canvas canvas;
+    SImage picture;
+    picture.Create(200, 200, PIXEL_FORMAT_24RGB);
+    picture.Fill(RED);
+    SRect target{10, 10, 20, 20};
+    picture.Draw(canvas.cr, &target);
+    EXPECT_EQ(canvas.At(10, 10), RED);
+    EXPECT_EQ(canvas.At(19, 19), RED);
+    EXPECT_EQ(canvas.At(20, 15), GREY);
+    EXPECT_EQ(canvas.At(15, 20), GREY);
+}
+
+TEST(ImageDrawModes, StretchCoversTheTarget) {
+    Canvas canvas;
+    SImage picture;
+    picture.Create(10, 6, PIXEL_FORMAT_24RGB);
+    picture.Fill(0xFF0000FFu);
+    SRect right{5, 0, 10, 6};
+    picture.Fill(0xFF00FF00u, &right);
+    picture.drawMode = DRAW_STRETCH;
+    SRect target{10, 10, 90, 70};
+    picture.Draw(canvas.cr, &target);
+    EXPECT_EQ(canvas.At(10, 10), 0xFF0000FFu);
+    EXPECT_EQ(canvas.At(10, 69), 0xFF0000FFu);
+    EXPECT_EQ(canvas.At(89, 69), 0xFF00FF00u);
+    EXPECT_EQ(canvas.At(89, 10), 0xFF00FF00u);
+    EXPECT_EQ(canvas.At(90, 70), GREY);
+    EXPECT_EQ(canvas.At(9, 9), GREY);
+}
+
+TEST(ImageDrawModes, TileRepeatsFromTheTargetCorner) {
+    Canvas canvas;
+    SImage picture = MakeNumbered(10, 6);
+    picture.drawMode = DRAW_TILE;
+    SRect target{7, 5, 45, 40};
+    picture.Draw(canvas.cr, &target);
+    EXPECT_EQ(canvas.At(7, 5), picture.GetPixel(0, 0));
+    EXPECT_EQ(canvas.At(7 + 10 + 3, 5 + 6 + 2), picture.GetPixel(3, 2));
+    EXPECT_EQ(canvas.At(7 + 30 + 7, 5 + 30 + 4), picture.GetPixel(7, 4));
+    EXPECT_EQ(canvas.At(45, 20), GREY);
+    EXPECT_EQ(canvas.At(20, 40), GREY);
+}
+
+TEST(ImageDrawModes, FitKeepsSizeAndFitEnlargeFills) {
+    SImage picture;
+    picture.Create(20, 10, PIXEL_FORMAT_24RGB);
+    picture.Fill(0xFF0000FFu);
+    picture.backColor = RED_BACK;
+    SRect target{0, 0, 100, 80};
+    {
+        Canvas canvas;
+        picture.drawMode = DRAW_FIT;
+        picture.Draw(canvas.cr, &target);
+        EXPECT_EQ(canvas.At(40, 35), 0xFF0000FFu);
+        EXPECT_EQ(canvas.At(59, 44), 0xFF0000FFu);
+        EXPECT_EQ(canvas.At(39, 35), RED);
+        EXPECT_EQ(canvas.At(60, 44), RED);
+        EXPECT_EQ(canvas.At(50, 34), RED);
+        EXPECT_EQ(canvas.At(50, 45), RED);
+    }
+    {
+        Canvas canvas;
+        picture.drawMode = DRAW_FIT_ENLARGE;
+        picture.Draw(canvas.cr, &target);
+        EXPECT_EQ(canvas.At(0, 15), 0xFF0000FFu);
+        EXPECT_EQ(canvas.At(99, 64), 0xFF0000FFu);
+        EXPECT_EQ(canvas.At(0, 14), RED);
+        EXPECT_EQ(canvas.At(99, 65), RED);
+    }
+}
+
+TEST(ImageDrawColours, KeyColourBecomesTransparent) {
+    Canvas canvas;
+    SImage picture;
+    picture.Create(4, 4, PIXEL_FORMAT_24RGB);
+    picture.Fill(0xFFFF00FFu); // magenta
+    SRect middle{1, 1, 3, 3};
+    picture.Fill(0xFF00FF00u, &middle);
+    picture.keyColor = 0x00FF00FF; // magenta as 0x00BBGGRR
+    picture.DrawAt(canvas.cr, 10, 10);
+    EXPECT_EQ(canvas.At(10, 10), GREY);
+    EXPECT_EQ(canvas.At(11, 11), 0xFF00FF00u);
+    EXPECT_EQ(canvas.At(13, 13), GREY);
+}
+
+TEST(ImageDrawColours, AlphaBlendsOverTheTarget) {
+    Canvas canvas;
+    SImage picture;
+    picture.Create(2, 2, PIXEL_FORMAT_32ARGB);
+    picture.Fill(Argb(128, 255, 255, 255));
+    picture.DrawAt(canvas.cr, 0, 0);
+    uint32_t blended = canvas.At(1, 1);
+    EXPECT_NEAR(static_cast<int>((blended >> 16) & 0xFF), 192, 2) << std::hex << blended;
+}
+
+TEST(ImageDrawSource, SourceRectangleDrawsAPart) {
+    Canvas canvas;
+    SImage picture = MakeNumbered(10, 6);
+    SRect source{2, 1, 5, 4};
+    picture.DrawAt(canvas.cr, 10, 10, -1, -1, &source);
+    EXPECT_EQ(canvas.At(10, 10), picture.GetPixel(2, 1));
+    EXPECT_EQ(canvas.At(12, 12), picture.GetPixel(4, 3));
+    EXPECT_EQ(canvas.At(13, 10), GREY);
+    EXPECT_EQ(canvas.At(10, 13), GREY);
+}
+
+TEST(ImageDrawSource, EmptyPictureOrNullTargetDrawsNothing) {
+    Canvas canvas;
+    SImage empty;
+    empty.Draw(canvas.cr);
+    empty.Draw(nullptr);
+    EXPECT_EQ(canvas.At(0, 0), GREY);
+    SImage picture = MakeNumbered(3, 3);
+    picture.Draw(canvas.cr); // null target: the picture's own rectangle
+    EXPECT_EQ(canvas.At(2, 2), picture.GetPixel(2, 2));
+    EXPECT_EQ(canvas.At(3, 3), GREY);
+    SRect nowhere{5, 5, 5, 9};
+    picture.Draw(canvas.cr, &nowhere);
+    EXPECT_EQ(canvas.At(5, 5), GREY);
+}
+
+TEST(ImageSurface, CreateAndLoadRoundTrip) {
+    SImage picture;
+    picture.Create(3, 1, PIXEL_FORMAT_32ARGB);
+    SRect first{0, 0, 1, 1};
+    picture.Fill(Argb(255, 10, 20, 30), &first);
+    SRect second{1, 0, 2, 1};
+    picture.Fill(Argb(128, 200, 100, 50), &second);
+    cairo_surface_t* surface = picture.CreateSurface();
+    ASSERT_NE(surface, nullptr);
+    SImage back;
+    ASSERT_TRUE(back.LoadSurface(surface, 0, 0));
+    EXPECT_EQ(back.GetFormat(), PIXEL_FORMAT_32ARGB);
+    EXPECT_EQ(back.GetPixel(0, 0), Argb(255, 10, 20, 30));
+    uint32_t half = back.GetPixel(1, 0);
+    EXPECT_EQ(half >> 24, 128u);
+    EXPECT_NEAR(static_cast<int>((half >> 16) & 0xFF), 200, 1);
+    EXPECT_EQ(back.GetPixel(2, 0), 0u);
+    SImage part;
+    EXPECT_TRUE(part.LoadSurface(surface, 1, 0, 2, 1));
+    EXPECT_EQ(part.GetWidth(), 2);
+    EXPECT_FALSE(part.LoadSurface(surface, 2, 0, 2, 1));
+    EXPECT_FALSE(part.LoadSurface(nullptr, 0, 0));
+    cairo_surface_destroy(surface);
+}
+
+TEST(ImageSurface, RgbSurfaceLoadsWithoutAlpha) {
+    Canvas canvas;
+    cairo_surface_t* rgb = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 4, 4);
+    cairo_t* cr = cairo_create(rgb);
+    cairo_set_source_rgb(cr, 1, 0, 0);
+    cairo_paint(cr);
+    cairo_destroy(cr);
+    SImage image;
+    ASSERT_TRUE(image.LoadSurface(rgb, 0, 0));
+    EXPECT_EQ(image.GetFormat(), PIXEL_FORMAT_24RGB);
+    EXPECT_EQ(image.GetPixel(3, 3), RED);
+    cairo_surface_destroy(rgb);
+}

@@ -1,0 +1,663 @@
+// Every transfer here goes to a server on 127.0.0.1 that the test starts;
+// mail, shutdown and the updater go to recording scripts; nothing opens a
+// browser.
+#include "foundation/network.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <sys/stat.h>
+#include <thread>
+#include <vector>
+
+#include "foundation/file.h"
+#include "support/http_server.h"
+#include "support/temp_dir.h"
+
+namespace {
+
+// Short limits, so that a stalled server costs a test about a second.
+constexpr int TEST_CONNECT_MS = 1000;
+constexpr int TEST_STALL_SECONDS = 1;
+constexpr int TEST_TOTAL_MS = 2000;
+constexpr int64_t TEST_SIZE_LIMIT = 64 * 1024;
+
+struct BlockCall {
+    unsigned total, offset, count;
+};
+
+// Records every notification and answers each block from a script.
+class RecordingNetwork : public SNetwork {
+public:
+    RecordingNetwork() {
+        SetLimits(TEST_CONNECT_MS, TEST_STALL_SECONDS, TEST_TOTAL_MS, TEST_SIZE_LIMIT);
+    }
+
+    int OnDownloadBlock(unsigned total, unsigned offset, unsigned count, const void* /*data*/,
+                        SFile* /*target*/, void* user) override {
+        blocks.push_back({total, offset, count});
+        lastUser = user;
+        return answer;
+    }
+    void OnDownloadEnd(int status, void* user) override {
+        statuses.push_back(status);
+        lastUser = user;
+    }
+
+    int answer = NET_BLOCK_WRITE;
+    std::vector<BlockCall> blocks;
+    std::vector<int> statuses;
+    void* lastUser = nullptr;
+};
+
+std::string Contents(const SFileMem& file) {
+    return file.GetSize() > 0 ? std::string(file.GetData(), static_cast<size_t>(file.GetSize()))
+                              : std::string();
+}
+
+std::string Pattern(size_t size) {
+    std::string text(size, 'a');
+    for (size_t i = 0; i < size; ++i) {
+        text[i] = static_cast<char>('a' + i % 26);
+    }
+    return text;
+}
+
+// A port on 127.0.0.1 where nothing listens.
+std::string ClosedPortUrl() {
+    TestHttpServer server;
+    EXPECT_TRUE(server.Start());
+    std::string url = server.Url("/nothing");
+    server.Stop();
+    return url;
+}
+
+// A shell script that writes its working folder and arguments, one a line,
+// to record (through a temporary name, so a reader never sees half).
+std::string WriteRecorder(const TempDir& dir, const std::string& name, const std::string& record) {
+    std::string script = "#!/bin/sh\n{ pwd; printf '%s\\n' \"$@\"; } > '" + record +
+                         ".part' && /bin/mv '" + record + ".part' '" + record + "'\n";
+    std::string path = dir.Write(name, script);
+    chmod(path.c_str(), 0755);
+    return path;
+}
+
+// The recorded lines, waiting up to five seconds for a program started
+// without waiting.
+std::vector<std::string> ReadRecord(const std::string& record, bool wait) {
+    auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+    std::string text = TempDir::Read(record);
+    while (wait && text.empty() && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        text = TempDir::Read(record);
+    }
+    std::vector<std::string> lines;
+    size_t start = 0;
+    while (start < text.size()) {
+        size_t end = text.find('\n', start);
+        lines.push_back(text.substr(start, end - start));
+        start = end == std::string::npos ? text.size() : end + 1;
+    }
+    return lines;
+}
+
+// Sets an environment variable for one test and puts the old value back.
+class ScopedVariable {
+public:
+    ScopedVariable(const char* name, const char* value) : name(name) {
+        const char* old = getenv(name);
+        hadValue = old != nullptr;
+        oldValue = hadValue ? old : "";
+        if (value != nullptr) {
+            setenv(name, value, 1);
+        } else {
+            unsetenv(name);
+        }
+    }
+    ~ScopedVariable() {
+        if (hadValue) {
+            setenv(name, oldValue.c_str(), 1);
+        } else {
+            unsetenv(name);
+        }
+    }
+
+private:
+    const char* name;
+    bool hadValue;
+    std::string oldValue;
+};
+
+class NetworkTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        // A proxy set for the machine must not see the local server.
+        for (const char* name :
+             {"http_proxy", "HTTP_PROXY", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"}) {
+            proxies.emplace_back(new ScopedVariable(name, nullptr));
+        }
+        ASSERT_TRUE(server.Start());
+    }
+    void TearDown() override {
+        server.Stop();
+        proxies.clear();
+    }
+
+    TestHttpServer server;
+    RecordingNetwork network;
+    std::vector<std::unique_ptr<ScopedVariable>> proxies;
+};
+
+} // namespace
+
+using NetworkGetPage = NetworkTest;
+
+TEST_F(NetworkGetPage, ReadsBodiesWithAndWithoutLength) {
+    std::string body = Pattern(3000);
+    server.Route("/length", TestHttpServer::Ok(body, true));
+    server.Route("/close", TestHttpServer::Ok(body, false));
+    EXPECT_EQ(std::string(network.GetPage(server.Url("/length").c_str(), "").c_str()), body);
+    EXPECT_EQ(std::string(network.GetPage(server.Url("/close").c_str(), nullptr).c_str()), body);
+}
+
+TEST_F(NetworkGetPage, AppendsTheQueryAndSendsTheAgent) {
+    server.Route("/search", TestHttpServer::Ok("found"));
+    EXPECT_STREQ(network.GetPage(server.Url("/search").c_str(), "q=abba&n=1").c_str(), "found");
+    EXPECT_STREQ(network.GetPage(server.Url("/search").c_str(), "").c_str(), "found");
+    std::vector<std::string> targets = server.Targets();
+    ASSERT_EQ(targets.size(), 2u);
+    EXPECT_EQ(targets[0], "/search?q=abba&n=1");
+    EXPECT_EQ(targets[1], "/search");
+    EXPECT_NE(server.LastHeaders().find("User-Agent: TAVORA\r\n"), std::string::npos);
+}
+
+TEST_F(NetworkGetPage, FailuresGiveTheEmptyString) {
+    server.Route("/empty", TestHttpServer::Ok(""));
+    server.Route("/loop", TestHttpServer::Redirect("/loop"));
+    server.Route("/big", TestHttpServer::Ok(Pattern(TEST_SIZE_LIMIT + 1), true));
+    server.Route("/bigclose", TestHttpServer::Ok(Pattern(TEST_SIZE_LIMIT + 1), false));
+    server.Route("/error", TestHttpServer::Status(500, "Internal Server Error"));
+    const std::string cases[] = {
+        server.Url("/missing"), server.Url("/empty"),    server.Url("/loop"),
+        server.Url("/big"),     server.Url("/bigclose"), server.Url("/error"),
+        ClosedPortUrl(),        "/etc/hostname",         "",
+        "file:///etc/hostname", "ftp://127.0.0.1/x",     "not an address",
+    };
+    for (const std::string& url : cases) {
+        EXPECT_STREQ(network.GetPage(url.c_str(), "").c_str(), "") << url;
+    }
+    EXPECT_STREQ(network.GetPage(nullptr, nullptr).c_str(), "");
+}
+
+TEST_F(NetworkGetPage, FollowsAFewRedirectsButNotALoop) {
+    server.Route("/a", TestHttpServer::Redirect("/b"));
+    server.Route("/b", TestHttpServer::Redirect("/c"));
+    server.Route("/c", TestHttpServer::Ok("arrived"));
+    server.Route("/loop", TestHttpServer::Redirect("/loop"));
+    EXPECT_STREQ(network.GetPage(server.Url("/a").c_str(), "").c_str(), "arrived");
+    size_t before = server.Targets().size();
+    EXPECT_STREQ(network.GetPage(server.Url("/loop").c_str(), "").c_str(), "");
+    // The first request and at most five redirects.
+    EXPECT_LE(server.Targets().size() - before, 1u + SNetwork::MAX_REDIRECTS);
+}
+
+TEST_F(NetworkGetPage, BodyAtTheSizeLimitIsKept) {
+    std::string body = Pattern(TEST_SIZE_LIMIT);
+    server.Route("/limit", TestHttpServer::Ok(body, false));
+    EXPECT_EQ(network.GetPage(server.Url("/limit").c_str(), "").GetLength(), TEST_SIZE_LIMIT);
+}
+
+TEST_F(NetworkGetPage, ZeroByteEndsTheTextOfItsBlock) {
+    // Blocks of 512 bytes: the zero cuts the rest of the first block only.
+    std::string body =
+        std::string(100, 'a') + '\0' + std::string(411, 'b') + std::string(512, 'c') + "tail";
+    server.Route("/zero", TestHttpServer::Ok(body));
+    std::string page = network.GetPage(server.Url("/zero").c_str(), "").c_str();
+    EXPECT_EQ(page, std::string(100, 'a') + std::string(512, 'c') + "tail");
+}
+
+TEST_F(NetworkGetPage, StalledServerIsGivenUpWithinTheTimeout) {
+    server.Route("/stall", TestHttpServer::Stalled("partial", 1000));
+    auto start = std::chrono::steady_clock::now();
+    EXPECT_STREQ(network.GetPage(server.Url("/stall").c_str(), "").c_str(), "");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(6));
+}
+
+using NetworkDownload = NetworkTest;
+
+TEST_F(NetworkDownload, NullTargetReportsNoTarget) {
+    int user = 0;
+    EXPECT_FALSE(network.Download(nullptr, server.Url("/x").c_str(), &user, 10));
+    EXPECT_EQ(network.statuses, std::vector<int>{NET_NO_TARGET});
+    EXPECT_EQ(network.lastUser, &user);
+    EXPECT_TRUE(server.Targets().empty());
+}
+
+TEST_F(NetworkDownload, BlocksCarryTotalOffsetAndCount) {
+    std::string body = Pattern(1000);
+    server.Route("/length", TestHttpServer::Ok(body, true));
+    server.Route("/close", TestHttpServer::Ok(body, false));
+    const struct {
+        const char* path;
+        unsigned total;
+    } cases[] = {{"/length", 1000}, {"/close", 0}};
+    for (const auto& c : cases) {
+        RecordingNetwork recorder;
+        SFileMem target;
+        int user = 0;
+        EXPECT_TRUE(recorder.Download(&target, server.Url(c.path).c_str(), &user, 300)) << c.path;
+        EXPECT_EQ(recorder.statuses, std::vector<int>{NET_OK});
+        EXPECT_EQ(recorder.lastUser, &user);
+        EXPECT_EQ(Contents(target), body);
+        unsigned expectedOffset = 0;
+        for (const BlockCall& block : recorder.blocks) {
+            EXPECT_EQ(block.total, c.total) << c.path;
+            EXPECT_EQ(block.offset, expectedOffset);
+            EXPECT_GE(block.count, 1u);
+            EXPECT_LE(block.count, 300u);
+            expectedOffset += block.count;
+        }
+        EXPECT_EQ(expectedOffset, 1000u);
+    }
+}
+
+TEST_F(NetworkDownload, BlockSizeBelowOneCountsAsOne) {
+    server.Route("/tiny", TestHttpServer::Ok("abc"));
+    SFileMem target;
+    EXPECT_TRUE(network.Download(&target, server.Url("/tiny").c_str(), nullptr, 0));
+    ASSERT_EQ(network.blocks.size(), 3u);
+    EXPECT_EQ(network.blocks[2].offset, 2u);
+    EXPECT_EQ(Contents(target), "abc");
+}
+
+TEST_F(NetworkDownload, SkippedBlocksAreNotWrittenButTheTransferCompletes) {
+    server.Route("/file", TestHttpServer::Ok(Pattern(500)));
+    network.answer = NET_BLOCK_SKIP;
+    SFileMem target;
+    EXPECT_TRUE(network.Download(&target, server.Url("/file").c_str(), nullptr, 100));
+    EXPECT_EQ(network.statuses, std::vector<int>{NET_OK});
+    EXPECT_EQ(target.GetSize(), 0);
+}
+
+TEST_F(NetworkDownload, AbortOnTheFirstBlockFailsTheTransfer) {
+    server.Route("/file", TestHttpServer::Ok(Pattern(5000)));
+    network.answer = NET_BLOCK_ABORT;
+    SFileMem target;
+    EXPECT_FALSE(network.Download(&target, server.Url("/file").c_str(), nullptr, 100));
+    EXPECT_EQ(network.statuses, std::vector<int>{NET_TRANSFER_FAILED});
+    EXPECT_EQ(network.blocks.size(), 1u);
+    EXPECT_EQ(target.GetSize(), 0);
+}
+
+TEST_F(NetworkDownload, EmptyBodyFinishesWithoutBlocks) {
+    server.Route("/empty", TestHttpServer::Ok("", true));
+    server.Route("/emptyclose", TestHttpServer::Ok("", false));
+    for (const char* path : {"/empty", "/emptyclose"}) {
+        RecordingNetwork recorder;
+        SFileMem target;
+        EXPECT_TRUE(recorder.Download(&target, server.Url(path).c_str(), nullptr, 100)) << path;
+        EXPECT_EQ(recorder.statuses, std::vector<int>{NET_OK});
+        EXPECT_TRUE(recorder.blocks.empty());
+        EXPECT_EQ(target.GetSize(), 0);
+    }
+}
+
+TEST_F(NetworkDownload, AddressesThatDoNotOpenReportNoSource) {
+    server.Route("/loop", TestHttpServer::Redirect("/loop"));
+    server.Route("/gone", TestHttpServer::Status(410, "Gone"));
+    const std::string cases[] = {server.Url("/missing"), server.Url("/loop"), server.Url("/gone"),
+                                 ClosedPortUrl(),        "/no/such/file",     ""};
+    for (const std::string& url : cases) {
+        RecordingNetwork recorder;
+        SFileMem target;
+        EXPECT_FALSE(recorder.Download(&target, url.c_str(), nullptr, 100)) << url;
+        EXPECT_EQ(recorder.statuses, std::vector<int>{NET_NO_SOURCE}) << url;
+        EXPECT_EQ(target.GetSize(), 0);
+    }
+}
+
+TEST_F(NetworkDownload, BodyOverTheSizeLimitFails) {
+    server.Route("/big", TestHttpServer::Ok(Pattern(TEST_SIZE_LIMIT + 1), true));
+    server.Route("/bigclose", TestHttpServer::Ok(Pattern(TEST_SIZE_LIMIT + 1), false));
+    for (const char* path : {"/big", "/bigclose"}) {
+        RecordingNetwork recorder;
+        SFileMem target;
+        EXPECT_FALSE(recorder.Download(&target, server.Url(path).c_str(), nullptr, 4096)) << path;
+        EXPECT_EQ(recorder.statuses, std::vector<int>{NET_TRANSFER_FAILED}) << path;
+        EXPECT_LE(target.GetSize(), TEST_SIZE_LIMIT);
+    }
+}
+
+TEST_F(NetworkDownload, StalledServerFailsWithinTheTimeout) {
+    server.Route("/stall", TestHttpServer::Stalled("partial", 1000));
+    SFileMem target;
+    auto start = std::chrono::steady_clock::now();
+    EXPECT_FALSE(network.Download(&target, server.Url("/stall").c_str(), nullptr, 100));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(6));
+    EXPECT_EQ(network.statuses, std::vector<int>{NET_TRANSFER_FAILED});
+}
+
+TEST_F(NetworkDownload, LocalPathIsCopied) {
+    TempDir dir;
+    std::string bytes = Pattern(2500) + std::string(1, '\0') + "end";
+    std::string path = dir.Write("cover.png", bytes);
+    SFileMem target;
+    EXPECT_TRUE(network.Download(&target, path.c_str(), nullptr, 100));
+    EXPECT_EQ(network.statuses, std::vector<int>{NET_OK});
+    EXPECT_EQ(Contents(target), bytes);
+    EXPECT_TRUE(network.blocks.empty()); // a copy does not go through the blocks
+}
+
+TEST_F(NetworkDownload, EmptyLocalFileOrFolderReportsNoSource) {
+    TempDir dir;
+    for (const std::string& path : {dir.Write("empty.bin", ""), dir.MakeFolder("folder")}) {
+        RecordingNetwork recorder;
+        SFileMem target;
+        EXPECT_FALSE(recorder.Download(&target, path.c_str(), nullptr, 100)) << path;
+        EXPECT_EQ(recorder.statuses, std::vector<int>{NET_NO_SOURCE});
+    }
+}
+
+using NetworkUpdateCheck = NetworkTest;
+
+namespace {
+
+struct BoxCall {
+    std::string text, caption;
+    unsigned flags;
+};
+std::vector<BoxCall> boxCalls;
+int boxAnswer = 0;
+
+int RecordBox(void* /*window*/, const char* text, const char* caption, unsigned flags) {
+    boxCalls.push_back({text, caption, flags});
+    return boxAnswer;
+}
+
+class BoxHook {
+public:
+    explicit BoxHook(int answer) {
+        boxCalls.clear();
+        boxAnswer = answer;
+        SetMessageBoxHook(RecordBox);
+    }
+    ~BoxHook() { SetMessageBoxHook(nullptr); }
+};
+
+const char* const CONNECTION_FAILED = "Connection failed.";
+const char* const UP_TO_DATE = "You have the latest updates installed.";
+const char* const ASK = "Would you like to download and install the latest updates?";
+
+} // namespace
+
+TEST_F(NetworkUpdateCheck, ReplyAndVersionDecideTheOffer) {
+    const struct {
+        const char* reply;
+        const char* current;
+        bool offered;
+        const char* box; // shown when not quiet; null for none
+    } cases[] = {
+        {"OK\r\n1.0.4.0\r\n-s\r\nsetup.zip\r\n", "1.0.3.0", true, nullptr},
+        {"OK\n1.0.4.0\n-s\nsetup.zip\n", "1.0.3.0", true, nullptr},
+        {"OK\r\n1.0.3.0\r\n-s\r\nsetup.zip\r\n", "1.0.3.0", false, UP_TO_DATE},
+        {"OK\r\n2.0.0.0\r\n-s\r\nsetup.zip\r\n", "1.0.3.0", false, UP_TO_DATE},
+        // Any other version of the same series is offered, even an older one.
+        {"OK\r\n1.0.2.0\r\n-s\r\nsetup.zip\r\n", "1.0.3.0", true, nullptr},
+        {"OK\r\n1.0.3\r\n", "1.0.3.0", true, nullptr},
+        {"OK\r\n", "1.0.3.0", false, UP_TO_DATE},
+        {"OK", "1.0.3.0", false, UP_TO_DATE},
+        {"ok\r\n1.0.4.0\r\n", "1.0.3.0", false, CONNECTION_FAILED},
+        {"ERROR\r\n1.0.4.0\r\n", "1.0.3.0", false, CONNECTION_FAILED},
+        {" OK\r\n1.0.4.0\r\n", "1.0.3.0", false, CONNECTION_FAILED},
+        {"", "1.0.3.0", false, CONNECTION_FAILED},
+        {"<html>502</html>", "1.0.3.0", false, CONNECTION_FAILED},
+    };
+    for (const auto& c : cases) {
+        server.Route("/check.php", TestHttpServer::Ok(c.reply));
+        std::string url = server.Url("/check.php?id=melkora");
+        BoxHook hook(NET_ANSWER_YES);
+        EXPECT_EQ(network.CheckForUpdates(nullptr, url.c_str(), c.current, true, false), c.offered)
+            << c.reply;
+        EXPECT_TRUE(boxCalls.empty()) << "quiet shows nothing: " << c.reply;
+        EXPECT_EQ(network.CheckForUpdates(nullptr, url.c_str(), c.current, false, false),
+                  c.offered);
+        if (c.box == nullptr) {
+            EXPECT_TRUE(boxCalls.empty()) << c.reply;
+            continue;
+        }
+        ASSERT_EQ(boxCalls.size(), 1u) << c.reply;
+        EXPECT_EQ(boxCalls[0].text, c.box);
+        EXPECT_EQ(boxCalls[0].caption, "Check for Updates");
+        EXPECT_EQ(boxCalls[0].flags, NET_BOX_INFORMATION);
+    }
+    EXPECT_EQ(server.Targets().back(), "/check.php?id=melkora");
+}
+
+TEST_F(NetworkUpdateCheck, UnreachableServerSaysConnectionFailed) {
+    BoxHook hook(0);
+    std::string url = ClosedPortUrl();
+    EXPECT_FALSE(network.CheckForUpdates(nullptr, url.c_str(), "1.0.3.0", false, true));
+    ASSERT_EQ(boxCalls.size(), 1u);
+    EXPECT_EQ(boxCalls[0].text, CONNECTION_FAILED);
+}
+
+TEST_F(NetworkUpdateCheck, AnswerOtherThanYesStartsNothing) {
+    TempDir dir;
+    std::string record = dir / "record.txt";
+    WriteRecorder(dir, SNetwork::UPDATER_NAME, record);
+    network.SetProgramPath((dir / "melkora").c_str());
+    server.Route("/check.php", TestHttpServer::Ok("OK\r\n1.0.4.0\r\n-s\r\nsetup.zip\r\n"));
+    BoxHook hook(7);
+    EXPECT_FALSE(
+        network.CheckForUpdates(nullptr, server.Url("/check.php").c_str(), "1.0.3.0", true, true));
+    ASSERT_EQ(boxCalls.size(), 1u);
+    EXPECT_EQ(boxCalls[0].text, ASK);
+    EXPECT_EQ(boxCalls[0].flags, NET_BOX_YES_NO);
+    EXPECT_TRUE(TempDir::Read(record).empty());
+}
+
+TEST_F(NetworkUpdateCheck, YesStartsTheUpdaterInTheProgramFolder) {
+    TempDir dir;
+    std::string record = dir / "record.txt";
+    WriteRecorder(dir, SNetwork::UPDATER_NAME, record);
+    network.SetProgramPath((dir / "melkora").c_str());
+    server.Route("/check.php", TestHttpServer::Ok(
+                                   "OK\r\n1.0.4.0\r\n-s --mode 'two words'\r\nsetup file.zip\r\n"));
+    BoxHook hook(NET_ANSWER_YES);
+    EXPECT_TRUE(
+        network.CheckForUpdates(nullptr, server.Url("/check.php").c_str(), "1.0.3.0", true, true));
+    std::vector<std::string> expected = {dir.Path(),       "-s",       "--mode", "two words",
+                                         "setup file.zip", dir.Path(), "melkora"};
+    EXPECT_EQ(ReadRecord(record, true), expected);
+}
+
+TEST_F(NetworkUpdateCheck, MissingUpdaterIsNoUpdate) {
+    TempDir dir;
+    network.SetProgramPath((dir / "melkora").c_str());
+    server.Route("/check.php", TestHttpServer::Ok("OK\r\n1.0.4.0\r\n-s\r\nsetup.zip\r\n"));
+    BoxHook hook(NET_ANSWER_YES);
+    EXPECT_FALSE(
+        network.CheckForUpdates(nullptr, server.Url("/check.php").c_str(), "1.0.3.0", true, true));
+}
+
+TEST(NetworkMail, SendMailPassesEachPartAsOneArgument) {
+    TempDir dir;
+    std::string record = dir / "record.txt";
+    WriteRecorder(dir, "bin/xdg-email", record);
+    std::string path = dir.Path() + "/bin:" + (getenv("PATH") != nullptr ? getenv("PATH") : "");
+    ScopedVariable pathVariable("PATH", path.c_str());
+    SNetwork network;
+    EXPECT_TRUE(network.SendMail("fan@example.org", "Song; rm -rf ~", "line one\nline two",
+                                 "/music/a b.mp3"));
+    std::vector<std::string> expected = {
+        dir.Path(), "--utf8",   "--subject", "Song; rm -rf ~", "--body",
+        "line one", "line two", "--attach",  "/music/a b.mp3", "fan@example.org"};
+    std::vector<std::string> lines = ReadRecord(record, false);
+    ASSERT_FALSE(lines.empty());
+    lines[0] = dir.Path(); // the working folder is the test's own, whatever it is
+    EXPECT_EQ(lines, expected);
+}
+
+TEST(NetworkMail, SendMailLeavesOutEmptyParts) {
+    TempDir dir;
+    std::string record = dir / "record.txt";
+    WriteRecorder(dir, "bin/xdg-email", record);
+    std::string path = dir.Path() + "/bin";
+    ScopedVariable pathVariable("PATH", path.c_str());
+    SNetwork network;
+    EXPECT_TRUE(network.SendMail(nullptr, "Melkora Browser BOOK", "", "/tmp/book.zip"));
+    std::vector<std::string> lines = ReadRecord(record, false);
+    ASSERT_EQ(lines.size(), 6u);
+    EXPECT_EQ(std::vector<std::string>(lines.begin() + 1, lines.end()),
+              (std::vector<std::string>{"--utf8", "--subject", "Melkora Browser BOOK", "--attach",
+                                        "/tmp/book.zip"}));
+}
+
+TEST(NetworkMail, SendMailWithoutXdgEmailDoesNothing) {
+    TempDir dir;
+    ScopedVariable pathVariable("PATH", dir.Path().c_str());
+    SNetwork network;
+    EXPECT_FALSE(network.SendMail("a@b.c", "s", "b", nullptr));
+}
+
+TEST(NetworkMail, MailtoAddressEncodesItsParts) {
+    const struct {
+        const char* to;
+        const char* subject;
+        const char* body;
+        const char* expected;
+    } cases[] = {
+        {"a@b.c", nullptr, "x y", "mailto:a@b.c?BODY=x%20y"},
+        {"a@b.c", "", "", "mailto:a@b.c"},
+        {"a@b.c", nullptr, nullptr, "mailto:a@b.c"},
+        {"a@b.c", "Hi there", nullptr, "mailto:a@b.c?SUBJECT=Hi%20there"},
+        {"a@b.c", "S&T", "1+1=2", "mailto:a@b.c?SUBJECT=S%26T&BODY=1%2B1%3D2"},
+        {"", "s", "", "mailto:?SUBJECT=s"},
+        {nullptr, nullptr, nullptr, "mailto:"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_STREQ(SNetwork::MakeMailto(c.to, c.subject, c.body).c_str(), c.expected);
+    }
+}
+
+namespace {
+
+std::vector<std::string> launched;
+bool RecordLaunch(const char* address) {
+    launched.push_back(address);
+    return true;
+}
+
+class LauncherHook {
+public:
+    LauncherHook() {
+        launched.clear();
+        SetUrlLauncher(RecordLaunch);
+    }
+    ~LauncherHook() { SetUrlLauncher(nullptr); }
+};
+
+} // namespace
+
+TEST(NetworkDesktop, OpenUrlAndMailtoGoThroughTheLauncher) {
+    LauncherHook hook;
+    SNetwork network;
+    EXPECT_TRUE(network.OpenUrl("https://example.org/page"));
+    EXPECT_TRUE(network.SendMailto("a@b.c", "", "x y"));
+    EXPECT_FALSE(network.OpenUrl(""));
+    EXPECT_FALSE(network.OpenUrl(nullptr));
+    EXPECT_EQ(launched,
+              (std::vector<std::string>{"https://example.org/page", "mailto:a@b.c?BODY=x%20y"}));
+}
+
+TEST(NetworkDesktop, OpenUrlWithoutAnAddressFailsEarly) {
+    SNetwork network;
+    EXPECT_FALSE(network.OpenUrl("no scheme and no such file"));
+}
+
+TEST(NetworkDesktop, ShutdownRunsTheConfiguredCommand) {
+    TempDir dir;
+    std::string record = dir / "record.txt";
+    std::string script = WriteRecorder(dir, "power off", record);
+    std::string command = "'" + script + "' --now 'a b'";
+    ScopedVariable variable("MELKORA_SHUTDOWN_COMMAND", command.c_str());
+    SNetwork network;
+    EXPECT_TRUE(network.Shutdown());
+    std::vector<std::string> lines = ReadRecord(record, false);
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[1], "--now");
+    EXPECT_EQ(lines[2], "a b");
+}
+
+TEST(NetworkDesktop, ShutdownWithAnEmptyOrBrokenCommandDoesNothing) {
+    SNetwork network;
+    for (const char* command : {"", "'unclosed", "/no/such/program"}) {
+        ScopedVariable variable("MELKORA_SHUTDOWN_COMMAND", command);
+        EXPECT_FALSE(network.Shutdown()) << command;
+    }
+}
+
+namespace {
+
+bool FakeWorkArea(SRect* area) {
+    *area = SRect{10, 20, 1910, 1040};
+    return true;
+}
+
+bool NoScreen(SRect* /*area*/) {
+    return false;
+}
+
+} // namespace
+
+TEST(NetworkDesktop, WorkAreaComesFromTheInstalledHook) {
+    SRect area{1, 2, 3, 4};
+    EXPECT_FALSE(GetWorkArea(&area));
+    EXPECT_EQ(area, SRect());
+    EXPECT_EQ(GetWorkAreaWidth(), 0);
+    EXPECT_FALSE(GetWorkArea(nullptr));
+
+    SetWorkAreaHook(FakeWorkArea);
+    EXPECT_TRUE(GetWorkArea(&area));
+    EXPECT_EQ(area, (SRect{10, 20, 1910, 1040}));
+    EXPECT_EQ(GetWorkAreaLeft(), 10);
+    EXPECT_EQ(GetWorkAreaRight(), 1910);
+    EXPECT_EQ(GetWorkAreaBottom(), 1040);
+    EXPECT_EQ(GetWorkAreaWidth(), 1900);
+
+    SetWorkAreaHook(NoScreen);
+    area = SRect{1, 2, 3, 4};
+    EXPECT_FALSE(GetWorkArea(&area));
+    EXPECT_EQ(area, SRect());
+    SetWorkAreaHook(nullptr);
+}
+
+TEST(NetworkSystem, OsKindFollowsTheVersionTable) {
+    struct Case {
+        int platform, major, minor, kind;
+    };
+    const Case cases[] = {
+        {1, 4, 0, 1},  {1, 4, 10, 3}, {1, 4, 90, 4}, {2, 4, 0, 2},  {2, 5, 0, 5},
+        {2, 5, 1, 6},  {2, 5, 2, 6},  {2, 6, 0, 7},  {2, 7, 0, 8},  {2, 5, 3, 255},
+        {1, 4, 1, 255}, {2, 6, 1, 255}, {OS_PLATFORM_LINUX, 6, 1, 255}, {0, 0, 0, 255},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(GetOsKindOf(c.platform, c.major, c.minor), c.kind)
+            << c.platform << " " << c.major << "." << c.minor;
+    }
+}
+
+TEST(NetworkSystem, OsVersionIsTheKernelRelease) {
+    int platform = -1;
+    int major = -1;
+    int minor = -1;
+    ASSERT_TRUE(GetOsVersion(&platform, &major, &minor));
+    EXPECT_EQ(platform, OS_PLATFORM_LINUX);
+    EXPECT_GE(major, 2);
+    EXPECT_GE(minor, 0);
+    EXPECT_EQ(GetOsKind(), 255);
+    EXPECT_TRUE(GetOsVersion(nullptr, nullptr, nullptr));
+}
