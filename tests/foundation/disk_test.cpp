@@ -371,21 +371,27 @@ TEST(DiskChanges, CreateFileKeepsWhatExistsUnlessAsked) {
     EXPECT_EQ(disk.GetFileSize(file.c_str()), 0);
 }
 
-// GLib reads XDG_DATA_HOME once, at its first use, so this process keeps
-// one trash of its own in a temporary folder, removed at exit.
+// GLib reads HOME and XDG_DATA_HOME once, at their first use, so this
+// process keeps one trash of its own in a temporary folder, removed at exit.
+// GLib trashes into the home trash only files on the same file system as
+// the home folder, so the home moves beside the test trees too: where the
+// temporary folder is a tmpfs of its own, the real home is elsewhere.
 struct TestTrash {
     TestTrash() {
-        char pattern[] = "/tmp/melkora-trash-XXXXXX";
-        if (mkdtemp(pattern) != nullptr) {
+        std::string pattern = (fs::temp_directory_path() / "melkora-trash-XXXXXX").string();
+        if (mkdtemp(pattern.data()) != nullptr) {
             home = pattern;
-            setenv("XDG_DATA_HOME", pattern, 1);
+            setenv("HOME", pattern.c_str(), 1);
+            setenv("XDG_DATA_HOME", pattern.c_str(), 1);
         }
     }
     ~TestTrash() {
         std::error_code error;
         fs::remove_all(home, error);
     }
-    bool IsInUse() const { return !home.empty() && home == g_get_user_data_dir(); }
+    bool IsInUse() const {
+        return !home.empty() && home == g_get_user_data_dir() && home == g_get_home_dir();
+    }
     std::string home;
 };
 
