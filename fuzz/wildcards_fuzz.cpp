@@ -142,7 +142,8 @@ void FuzzSort(const uint8_t* data, size_t size) {
     }
     // Items added where FindInsertPosition says keep the order.
     for (size_t i = 0; i < before.size() && i < 64; ++i) {
-        array.AddSorted(before[i] + 1);
+        // Unsigned arithmetic: INT_MAX wraps to INT_MIN instead of overflowing.
+        array.AddSorted(static_cast<int>(static_cast<unsigned>(before[i]) + 1u));
         array.AddSorted(before[i] ^ 0x10000);
     }
     Check(InOrder(array, 0, array.GetCount(), descending));
