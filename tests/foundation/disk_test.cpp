@@ -21,6 +21,7 @@
 #include "foundation/file.h"
 #include "foundation/path.h"
 #include "support/temp_dir.h"
+#include "test_support.h"
 
 namespace fs = std::filesystem;
 
@@ -235,18 +236,14 @@ TEST(DiskAttributes, LastHiddenNameRemovesTheFileAndReadOnlyFollowsWritePermissi
 
 TEST(DiskTemporary, FolderAndNewNameFollowTmpdir) {
     TempDir tree;
-    const char* old = getenv("TMPDIR");
-    std::string saved = old != nullptr ? old : "";
-    setenv("TMPDIR", (tree.Path() + "//").c_str(), 1);
     SDisk disk;
-    EXPECT_EQ(std::string(disk.GetTempFolder().c_str()), tree.Path() + "/");
-    SString name = disk.GetTempFileName();
-    disk.SetTrailingSeparator(false);
-    EXPECT_EQ(std::string(disk.GetTempFolder().c_str()), tree.Path());
-    if (old != nullptr) {
-        setenv("TMPDIR", saved.c_str(), 1);
-    } else {
-        unsetenv("TMPDIR");
+    SString name;
+    {
+        ScopedEnv tmpdir("TMPDIR", (tree.Path() + "//").c_str());
+        EXPECT_EQ(std::string(disk.GetTempFolder().c_str()), tree.Path() + "/");
+        name = disk.GetTempFileName();
+        disk.SetTrailingSeparator(false);
+        EXPECT_EQ(std::string(disk.GetTempFolder().c_str()), tree.Path());
     }
     EXPECT_EQ(std::string(SPath(name.c_str()).GetFolderPath().c_str()), tree.Path() + "/");
     EXPECT_EQ(std::string(SPath(name.c_str()).GetName().Left(3).c_str()), "tmp");

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "support/temp_dir.h"
+#include "test_support.h"
 
 namespace {
 
@@ -283,37 +284,6 @@ TEST(IniModes, NullNamesActAsEmptyNames) {
     EXPECT_EQ(MemoryText(ini), "[]\r\nk=\r\n=x\r\n");
 }
 
-// A temporary folder on a memory file system when the machine has one, else
-// in the usual temporary folder. Crash tests use it: a write there costs no
-// disk flush, so the killed writer gets through many writes in each round
-// and the kill lands at every step of a write.
-class MemoryTempDir {
-public:
-    MemoryTempDir() {
-        std::error_code error;
-        std::string base =
-            std::filesystem::is_directory("/dev/shm", error) && access("/dev/shm", W_OK) == 0
-                ? "/dev/shm"
-                : std::filesystem::temp_directory_path().string();
-        std::string pattern = base + "/melkora-XXXXXX";
-        if (mkdtemp(pattern.data()) != nullptr) {
-            path = pattern;
-        }
-    }
-    ~MemoryTempDir() {
-        std::error_code error;
-        std::filesystem::remove_all(path, error);
-    }
-    MemoryTempDir(const MemoryTempDir&) = delete;
-    MemoryTempDir& operator=(const MemoryTempDir&) = delete;
-
-    const std::string& Path() const { return path; }
-    std::string operator/(const std::string& name) const { return path + "/" + name; }
-
-private:
-    std::string path;
-};
-
 // A value is whole when it reads "<n>/<n>/<n>" with the same n three times.
 bool IsWholeValue(const std::string& value) {
     size_t first = value.find('/');
@@ -329,7 +299,7 @@ TEST(IniCrash, KilledWriterLeavesAWholeFile) {
     MemoryTempDir dir;
     ASSERT_FALSE(dir.Path().empty());
     std::string path = dir / "a.ini";
-    const int keys = 8;
+    constexpr int keys = 8;
     {
         SIni ini;
         ASSERT_TRUE(ini.SetFile(path.c_str(), true));
@@ -341,12 +311,7 @@ TEST(IniCrash, KilledWriterLeavesAWholeFile) {
     std::uniform_int_distribution<int> delay(200, 4000);
     int newValuesSeen = 0;
     for (int round = 1; round <= 50; ++round) {
-        int ready[2];
-        ASSERT_EQ(pipe(ready), 0);
-        pid_t child = fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
-            close(ready[0]);
+        auto writer = [round, &path](const std::function<void()>& ready) {
             SIni ini;
             ini.SetFile(path.c_str(), false);
             for (int generation = round * 100000;; ++generation) {
@@ -354,24 +319,11 @@ TEST(IniCrash, KilledWriterLeavesAWholeFile) {
                 value = value + "/" + value + "/" + value;
                 for (int k = 0; k < keys; ++k) {
                     ini.WriteString("s", ("key" + std::to_string(k)).c_str(), value.c_str());
-                    if (ready[1] >= 0) {
-                        // One write is in: the parent starts its clock now.
-                        (void)write(ready[1], "r", 1);
-                        close(ready[1]);
-                        ready[1] = -1;
-                    }
+                    ready(); // one write is in: the clock starts now
                 }
             }
-            _exit(0);
-        }
-        close(ready[1]);
-        char signal = 0;
-        (void)read(ready[0], &signal, 1);
-        close(ready[0]);
-        usleep(useconds_t(delay(random)));
-        kill(child, SIGKILL);
-        int status = 0;
-        waitpid(child, &status, 0);
+        };
+        ASSERT_TRUE(RunAndKill(writer, delay(random)));
         SIni ini;
         ASSERT_TRUE(ini.SetFile(path.c_str(), false));
         for (int k = 0; k < keys; ++k) {

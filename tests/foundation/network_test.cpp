@@ -17,6 +17,7 @@
 #include "foundation/file.h"
 #include "support/http_server.h"
 #include "support/temp_dir.h"
+#include "test_support.h"
 
 namespace {
 
@@ -105,40 +106,13 @@ std::vector<std::string> ReadRecord(const std::string& record, bool wait) {
     return lines;
 }
 
-// Sets an environment variable for one test and puts the old value back.
-class ScopedVariable {
-public:
-    ScopedVariable(const char* name, const char* value) : name(name) {
-        const char* old = getenv(name);
-        hadValue = old != nullptr;
-        oldValue = hadValue ? old : "";
-        if (value != nullptr) {
-            setenv(name, value, 1);
-        } else {
-            unsetenv(name);
-        }
-    }
-    ~ScopedVariable() {
-        if (hadValue) {
-            setenv(name, oldValue.c_str(), 1);
-        } else {
-            unsetenv(name);
-        }
-    }
-
-private:
-    const char* name;
-    bool hadValue;
-    std::string oldValue;
-};
-
 class NetworkTest : public ::testing::Test {
 protected:
     void SetUp() override {
         // A proxy set for the machine must not see the local server.
         for (const char* name :
              {"http_proxy", "HTTP_PROXY", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"}) {
-            proxies.emplace_back(new ScopedVariable(name, nullptr));
+            proxies.emplace_back(new ScopedEnv(name, nullptr));
         }
         ASSERT_TRUE(server.Start());
     }
@@ -149,7 +123,7 @@ protected:
 
     TestHttpServer server;
     RecordingNetwork network;
-    std::vector<std::unique_ptr<ScopedVariable>> proxies;
+    std::vector<std::unique_ptr<ScopedEnv>> proxies;
 };
 
 } // namespace
@@ -434,12 +408,12 @@ TEST(NetworkMail, SendMailPassesEachPartAsOneArgumentAndLeavesOutEmptyOnes) {
     std::string record = dir / "record.txt";
     SNetwork network;
     {
-        ScopedVariable pathVariable("PATH", dir.Path().c_str());
+        ScopedEnv pathVariable("PATH", dir.Path().c_str());
         EXPECT_FALSE(network.SendMail("a@b.c", "s", "b", nullptr)); // no xdg-email
     }
     WriteRecorder(dir, "bin/xdg-email", record);
     std::string path = dir.Path() + "/bin:" + (getenv("PATH") != nullptr ? getenv("PATH") : "");
-    ScopedVariable pathVariable("PATH", path.c_str());
+    ScopedEnv pathVariable("PATH", path.c_str());
     EXPECT_TRUE(network.SendMail("fan@example.org", "Song; rm -rf ~", "line one\nline two",
                                  "/music/a b.mp3"));
     std::vector<std::string> expected = {
@@ -508,11 +482,11 @@ TEST(NetworkDesktop, ShutdownRunsTheConfiguredCommandAndNothingWhenItIsBroken) {
     std::string script = WriteRecorder(dir, "power off", record);
     SNetwork network;
     for (const char* command : {"", "'unclosed", "/no/such/program"}) {
-        ScopedVariable variable("MELKORA_SHUTDOWN_COMMAND", command);
+        ScopedEnv variable("MELKORA_SHUTDOWN_COMMAND", command);
         EXPECT_FALSE(network.Shutdown()) << command;
     }
     std::string command = "'" + script + "' --now 'a b'";
-    ScopedVariable variable("MELKORA_SHUTDOWN_COMMAND", command.c_str());
+    ScopedEnv variable("MELKORA_SHUTDOWN_COMMAND", command.c_str());
     EXPECT_TRUE(network.Shutdown());
     std::vector<std::string> lines = ReadRecord(record, false);
     ASSERT_EQ(lines.size(), 3u);
