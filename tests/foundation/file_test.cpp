@@ -116,23 +116,17 @@ TEST(FileClosed, ClosedFilesReadNothingAndSitAtZero) {
         SCOPED_TRACE(KindName(*file));
         char buffer[4];
         bool ended = true;
-        EXPECT_EQ(Str(file->ReadLine(false, -1, &ended)), "");
-        EXPECT_FALSE(ended);
-        EXPECT_TRUE(file->IsEnd());
-        EXPECT_EQ(file->Seek(5), 0);
-        EXPECT_EQ(file->GetPosition(), 0);
-        EXPECT_EQ(file->GetSize(), 0);
-        EXPECT_EQ(file->Read(buffer, 4), 0);
-        EXPECT_EQ(file->ReadInt(), 0);
-        EXPECT_EQ(Str(file->ReadText()), "");
-        EXPECT_EQ(file->ReadWide().GetLength(), 0);
-        EXPECT_EQ(Str(file->ReadZeroString(true)), "");
-        EXPECT_EQ(file->FindText("a", true), -1);
         uint32_t crc = 77;
-        EXPECT_FALSE(file->GetCrc32(crc));
-        EXPECT_EQ(crc, 77u);
-        EXPECT_EQ(Str(file->GetMd5()), "");
-        EXPECT_EQ(Str(file->GetSha1()), "");
+        EXPECT_EQ((std::vector<int>{file->IsEnd(), file->Seek(5), file->GetPosition(),
+                                    file->GetSize(), file->Read(buffer, 4), file->ReadInt(),
+                                    file->ReadWide().GetLength(), file->FindText("a", true),
+                                    file->GetCrc32(crc), static_cast<int>(crc)}),
+                  (std::vector<int>{true, 0, 0, 0, 0, 0, 0, -1, false, 77}));
+        EXPECT_EQ((std::vector<std::string>{Str(file->ReadLine(false, -1, &ended)),
+                                            Str(file->ReadText()), Str(file->ReadZeroString(true)),
+                                            Str(file->GetMd5()), Str(file->GetSha1())}),
+                  std::vector<std::string>(5, ""));
+        EXPECT_FALSE(ended);
     }
 }
 
@@ -238,9 +232,8 @@ TEST(FileMemGrowth, MoveTakesTheBlockAndCloseFreesIt) {
     EXPECT_EQ(moved.GetPosition(), 2);
     EXPECT_EQ(Str(moved.ReadText()), "llo");
     moved.Close();
-    EXPECT_FALSE(moved.IsOpen());
-    EXPECT_EQ(moved.GetSize(), 0);
-    EXPECT_EQ(moved.GetCapacity(), 0);
+    EXPECT_EQ((std::vector<int>{moved.IsOpen(), moved.GetSize(), moved.GetCapacity()}),
+              (std::vector<int>{false, 0, 0}));
 }
 
 TEST(FileMemGrowth, SaveAndLoadRoundTrip) {
@@ -263,21 +256,14 @@ TEST(FileSeek, NegativeOrPastTheEndMeansTheEnd) {
     TempDir dir;
     for (auto& file : BothWith(dir, "0123456789")) {
         SCOPED_TRACE(KindName(*file));
-        EXPECT_EQ(file->Seek(-1), 10);
-        EXPECT_EQ(file->Seek(15), 10);
-        EXPECT_TRUE(file->IsEnd());
-        EXPECT_EQ(file->Seek(4), 4);
-        EXPECT_EQ(file->GetRemaining(), 6);
-        file->Skip(3);
-        EXPECT_EQ(file->GetPosition(), 7);
-        file->Skip(100);
-        EXPECT_EQ(file->GetPosition(), 10);
-        file->SkipBack(100);
-        EXPECT_EQ(file->GetPosition(), 0);
-        file->SeekEnd();
-        EXPECT_EQ(file->GetPosition(), 10);
-        file->Rewind();
-        EXPECT_EQ(file->GetPosition(), 0);
+        // Each entry is the position (or count) after one step, in order.
+        EXPECT_EQ((std::vector<int>{file->Seek(-1), file->Seek(15), file->IsEnd(), file->Seek(4),
+                                    file->GetRemaining(), (file->Skip(3), file->GetPosition()),
+                                    (file->Skip(100), file->GetPosition()),
+                                    (file->SkipBack(100), file->GetPosition()),
+                                    (file->SeekEnd(), file->GetPosition()),
+                                    (file->Rewind(), file->GetPosition())}),
+                  (std::vector<int>{10, 10, true, 4, 6, 7, 10, 0, 10, 0}));
     }
 }
 
@@ -288,17 +274,14 @@ TEST(FileRead, CountsAreClippedToWhatRemains) {
     for (auto& file : BothWith(dir, "12345")) {
         SCOPED_TRACE(KindName(*file));
         char buffer[100];
-        EXPECT_EQ(file->Read(buffer, 0), 0);
-        EXPECT_EQ(file->Read(buffer, -3), 0);
-        EXPECT_EQ(file->Read(nullptr, 3), 0);
-        EXPECT_EQ(file->Read(buffer, 2), 2);
-        EXPECT_EQ(file->Read(buffer, 100), 3);
-        EXPECT_EQ(file->Read(buffer, 100), 0);
-        file->Seek(1);
-        EXPECT_EQ(Str(file->ReadText(2000000000)), "2345");
-        file->Seek(3);
-        EXPECT_EQ(Str(file->ReadText()), "45");
-        EXPECT_EQ(Str(file->ReadText()), "");
+        EXPECT_EQ((std::vector<int>{file->Read(buffer, 0), file->Read(buffer, -3),
+                                    file->Read(nullptr, 3), file->Read(buffer, 2),
+                                    file->Read(buffer, 100), file->Read(buffer, 100)}),
+                  (std::vector<int>{0, 0, 0, 2, 3, 0}));
+        EXPECT_EQ((std::vector<std::string>{(file->Seek(1), Str(file->ReadText(2000000000))),
+                                            (file->Seek(3), Str(file->ReadText())),
+                                            Str(file->ReadText())}),
+                  (std::vector<std::string>{"2345", "45", ""}));
     }
 }
 
@@ -323,9 +306,8 @@ TEST(FileRead, IntegersAreLittleEndianAndZeroWhenNothingIsLeft) {
     file.WriteInt(-2);
     EXPECT_EQ(std::string(file.GetData(), 4), "\x78\x56\x34\x12");
     file.Rewind();
-    EXPECT_EQ(file.ReadInt(), 0x12345678);
-    EXPECT_EQ(file.ReadInt(), -2);
-    EXPECT_EQ(file.ReadInt(), 0);
+    EXPECT_EQ((std::vector<int>{file.ReadInt(), file.ReadInt(), file.ReadInt()}),
+              (std::vector<int>{0x12345678, -2, 0}));
 }
 
 TEST(FileRead, WideTextRoundTripsLowByteFirstAndLeavesAnOddLastByte) {
@@ -354,11 +336,9 @@ TEST(FileRead, WideTextRoundTripsLowByteFirstAndLeavesAnOddLastByte) {
 
 TEST(FileWrite, TextAndLinesWriteNoTerminator) {
     SFileMem file;
-    EXPECT_EQ(file.WriteText("abcdef", 3), 3);
-    EXPECT_EQ(file.WriteText("xy"), 2);
-    EXPECT_EQ(file.WriteLine("L"), 3);
-    EXPECT_EQ(file.WriteText(nullptr), 0);
-    EXPECT_EQ(file.Write("z", 0), 0);
+    EXPECT_EQ((std::vector<int>{file.WriteText("abcdef", 3), file.WriteText("xy"),
+                                file.WriteLine("L"), file.WriteText(nullptr), file.Write("z", 0)}),
+              (std::vector<int>{3, 2, 3, 0, 0}));
     EXPECT_EQ(std::string(file.GetData(), file.GetSize()), "abcxyL\r\n");
 }
 
@@ -372,11 +352,11 @@ TEST(FileWrite, AppendFromCopiesWhatRemainsInBlocks) {
         SCOPED_TRACE(KindName(*source));
         SFileMem target;
         source->Seek(10);
-        EXPECT_EQ(target.AppendFrom(source.get(), 5), 5);
-        EXPECT_EQ(target.AppendFrom(source.get()), 2485);
+        EXPECT_EQ(
+            (std::vector<int>{target.AppendFrom(source.get(), 5), target.AppendFrom(source.get()),
+                              target.AppendFrom(nullptr), target.AppendFrom(&target)}),
+            (std::vector<int>{5, 2485, 0, 0}));
         EXPECT_EQ(std::string(target.GetData(), target.GetSize()), bytes.substr(10));
-        EXPECT_EQ(target.AppendFrom(nullptr), 0);
-        EXPECT_EQ(target.AppendFrom(&target), 0);
     }
 }
 
