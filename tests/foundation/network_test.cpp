@@ -542,7 +542,7 @@ TEST(NetworkSystem, OsKindFollowsTheVersionTable) {
     }
 }
 
-TEST(NetworkSystem, OsVersionIsTheKernelRelease) {
+TEST(NetworkSystem, OsVersionIsTheKernelReleaseAndNamesNoWindowsKind) {
     int platform = -1;
     int major = -1;
     int minor = -1;
