@@ -6,7 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <tuple>
+#include <vector>
 
+#include <initializer_list>
 #include <memory>
 
 namespace {
@@ -37,6 +39,13 @@ public:
         const unsigned char* data = cairo_image_surface_get_data(surface);
         int stride = cairo_image_surface_get_stride(surface);
         return reinterpret_cast<const uint32_t*>(data + y * stride)[x];
+    }
+    std::vector<uint32_t> At(std::initializer_list<std::pair<int, int>> points) {
+        std::vector<uint32_t> pixels;
+        for (auto [x, y] : points) {
+            pixels.push_back(At(x, y));
+        }
+        return pixels;
     }
 
     cairo_surface_t* surface;
@@ -94,14 +103,15 @@ TEST(ImageDrawModes, NaturalSizeModesPlaceThePicture) {
         picture.drawMode = mode;
         picture.backColor = RED_BACK;
         picture.Draw(canvas.cr, &target);
-        EXPECT_EQ(canvas.At(x, y), picture.GetPixel(0, 0)) << mode;
-        EXPECT_EQ(canvas.At(x + 9, y + 5), picture.GetPixel(9, 5)) << mode;
-        EXPECT_EQ(canvas.At(x + 4, y + 2), picture.GetPixel(4, 2)) << mode;
+        EXPECT_EQ(canvas.At({{x, y}, {x + 9, y + 5}, {x + 4, y + 2}}),
+                  (std::vector<uint32_t>{picture.GetPixel(0, 0), picture.GetPixel(9, 5),
+                                         picture.GetPixel(4, 2)}))
+            << mode;
         // The rest of the target takes the back colour, outside it nothing.
         int besideX = x > target.left ? x - 1 : x + 10;
-        EXPECT_EQ(canvas.At(besideX, y), RED) << mode;
-        EXPECT_EQ(canvas.At(5, 5), GREY) << mode;
-        EXPECT_EQ(canvas.At(60, 50), GREY) << mode;
+        EXPECT_EQ(canvas.At({{besideX, y}, {5, 5}, {60, 50}}),
+                  (std::vector<uint32_t>{RED, GREY, GREY}))
+            << mode;
     }
 }
 
@@ -122,10 +132,8 @@ TEST(ImageDrawModes, WithoutBackColourTheTargetShowsThroughAndNaturalSizeIsClipp
     big.Fill(RED);
     SRect target{10, 10, 20, 20};
     big.Draw(canvas.cr, &target);
-    EXPECT_EQ(canvas.At(10, 10), RED);
-    EXPECT_EQ(canvas.At(19, 19), RED);
-    EXPECT_EQ(canvas.At(20, 15), GREY);
-    EXPECT_EQ(canvas.At(15, 20), GREY);
+    EXPECT_EQ(canvas.At({{10, 10}, {19, 19}, {20, 15}, {15, 20}}),
+              (std::vector<uint32_t>{RED, RED, GREY, GREY}));
 }
 
 TEST(ImageDrawModes, StretchCoversTheTarget) {
@@ -138,12 +146,9 @@ TEST(ImageDrawModes, StretchCoversTheTarget) {
     picture.drawMode = DRAW_STRETCH;
     SRect target{10, 10, 90, 70};
     picture.Draw(canvas.cr, &target);
-    EXPECT_EQ(canvas.At(10, 10), 0xFF0000FFu);
-    EXPECT_EQ(canvas.At(10, 69), 0xFF0000FFu);
-    EXPECT_EQ(canvas.At(89, 69), 0xFF00FF00u);
-    EXPECT_EQ(canvas.At(89, 10), 0xFF00FF00u);
-    EXPECT_EQ(canvas.At(90, 70), GREY);
-    EXPECT_EQ(canvas.At(9, 9), GREY);
+    EXPECT_EQ(
+        canvas.At({{10, 10}, {10, 69}, {89, 69}, {89, 10}, {90, 70}, {9, 9}}),
+        (std::vector<uint32_t>{0xFF0000FFu, 0xFF0000FFu, 0xFF00FF00u, 0xFF00FF00u, GREY, GREY}));
 }
 
 TEST(ImageDrawModes, TileRepeatsFromTheTargetCorner) {
@@ -152,11 +157,10 @@ TEST(ImageDrawModes, TileRepeatsFromTheTargetCorner) {
     picture.drawMode = DRAW_TILE;
     SRect target{7, 5, 45, 40};
     picture.Draw(canvas.cr, &target);
-    EXPECT_EQ(canvas.At(7, 5), picture.GetPixel(0, 0));
-    EXPECT_EQ(canvas.At(7 + 10 + 3, 5 + 6 + 2), picture.GetPixel(3, 2));
-    EXPECT_EQ(canvas.At(7 + 30 + 7, 5 + 30 + 4), picture.GetPixel(7, 4));
-    EXPECT_EQ(canvas.At(45, 20), GREY);
-    EXPECT_EQ(canvas.At(20, 40), GREY);
+    EXPECT_EQ(
+        canvas.At({{7, 5}, {7 + 10 + 3, 5 + 6 + 2}, {7 + 30 + 7, 5 + 30 + 4}, {45, 20}, {20, 40}}),
+        (std::vector<uint32_t>{picture.GetPixel(0, 0), picture.GetPixel(3, 2),
+                               picture.GetPixel(7, 4), GREY, GREY}));
 }
 
 TEST(ImageDrawModes, FitKeepsSizeAndFitEnlargeFills) {
@@ -169,21 +173,15 @@ TEST(ImageDrawModes, FitKeepsSizeAndFitEnlargeFills) {
         Canvas canvas;
         picture.drawMode = DRAW_FIT;
         picture.Draw(canvas.cr, &target);
-        EXPECT_EQ(canvas.At(40, 35), 0xFF0000FFu);
-        EXPECT_EQ(canvas.At(59, 44), 0xFF0000FFu);
-        EXPECT_EQ(canvas.At(39, 35), RED);
-        EXPECT_EQ(canvas.At(60, 44), RED);
-        EXPECT_EQ(canvas.At(50, 34), RED);
-        EXPECT_EQ(canvas.At(50, 45), RED);
+        EXPECT_EQ(canvas.At({{40, 35}, {59, 44}, {39, 35}, {60, 44}, {50, 34}, {50, 45}}),
+                  (std::vector<uint32_t>{0xFF0000FFu, 0xFF0000FFu, RED, RED, RED, RED}));
     }
     {
         Canvas canvas;
         picture.drawMode = DRAW_FIT_ENLARGE;
         picture.Draw(canvas.cr, &target);
-        EXPECT_EQ(canvas.At(0, 15), 0xFF0000FFu);
-        EXPECT_EQ(canvas.At(99, 64), 0xFF0000FFu);
-        EXPECT_EQ(canvas.At(0, 14), RED);
-        EXPECT_EQ(canvas.At(99, 65), RED);
+        EXPECT_EQ(canvas.At({{0, 15}, {99, 64}, {0, 14}, {99, 65}}),
+                  (std::vector<uint32_t>{0xFF0000FFu, 0xFF0000FFu, RED, RED}));
     }
 }
 
@@ -196,9 +194,8 @@ TEST(ImageDrawColours, KeyColourBecomesTransparentAndAlphaBlends) {
     picture.Fill(0xFF00FF00u, &middle);
     picture.keyColor = 0x00FF00FF; // magenta as 0x00BBGGRR
     picture.DrawAt(canvas.cr, 10, 10);
-    EXPECT_EQ(canvas.At(10, 10), GREY);
-    EXPECT_EQ(canvas.At(11, 11), 0xFF00FF00u);
-    EXPECT_EQ(canvas.At(13, 13), GREY);
+    EXPECT_EQ(canvas.At({{10, 10}, {11, 11}, {13, 13}}),
+              (std::vector<uint32_t>{GREY, 0xFF00FF00u, GREY}));
     SImage clear;
     clear.Create(2, 2, PIXEL_FORMAT_32ARGB);
     clear.Fill(Argb(128, 255, 255, 255));
@@ -212,10 +209,8 @@ TEST(ImageDrawSource, SourceRectangleDrawsAPartAndEmptyPicturesDrawNothing) {
     SImage picture = MakeNumbered(10, 6);
     SRect source{2, 1, 5, 4};
     picture.DrawAt(canvas.cr, 10, 10, -1, -1, &source);
-    EXPECT_EQ(canvas.At(10, 10), picture.GetPixel(2, 1));
-    EXPECT_EQ(canvas.At(12, 12), picture.GetPixel(4, 3));
-    EXPECT_EQ(canvas.At(13, 10), GREY);
-    EXPECT_EQ(canvas.At(10, 13), GREY);
+    EXPECT_EQ(canvas.At({{10, 10}, {12, 12}, {13, 10}, {10, 13}}),
+              (std::vector<uint32_t>{picture.GetPixel(2, 1), picture.GetPixel(4, 3), GREY, GREY}));
     SImage empty;
     empty.Draw(canvas.cr);
     empty.Draw(nullptr);
