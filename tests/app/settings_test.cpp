@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <set>
 #include <string>
+#include <tuple>
+#include <vector>
 
 #include "support/temp_dir.h"
 
@@ -82,7 +84,7 @@ TEST_F(Settings, TextLongerThan255BytesReadsEmpty) {
     EXPECT_EQ(ReadSettingString(SETTING_EMAILS), "");
 }
 
-TEST(Placement, FormatsTheDocumentedText) {
+TEST(Placement, FormatsTheDocumentedTextAndRoundTrips) {
     SWindowPlacement placement;
     placement.rect = {10, 20, 810, 620};
     placement.isVisible = true;
@@ -92,32 +94,24 @@ TEST(Placement, FormatsTheDocumentedText) {
     placement.isMinimized = true;
     placement.isMaximized = true;
     EXPECT_EQ(FormatPlacement(placement), "7:-1280,-5,-100,700,0,1,1");
-}
-
-TEST(Placement, RoundTripsThroughText) {
+    // clang-format off
     const SWindowPlacement cases[] = {
-        {{10, 20, 810, 620}, true, false, false},
-        {{-1920, -1080, 0, 0}, false, true, false},
+        {{10, 20, 810, 620}, true, false, false}, {{-1920, -1080, 0, 0}, false, true, false},
         {{0, 0, 0, 0}, false, false, true},
-        {{INT_MIN, INT_MIN, INT_MAX, INT_MAX}, true, true, true},
-    };
-    for (const SWindowPlacement& placement : cases) {
-        SString text = FormatPlacement(placement);
+        {{INT_MIN, INT_MIN, INT_MAX, INT_MAX}, true, true, true}};
+    // clang-format on
+    for (const SWindowPlacement& original : cases) {
+        SString text = FormatPlacement(original);
         SWindowPlacement parsed;
         ASSERT_TRUE(ParsePlacement(text.c_str(), &parsed)) << text.c_str();
-        EXPECT_EQ(parsed, placement) << text.c_str();
+        EXPECT_EQ(parsed, original) << text.c_str();
     }
 }
 
-struct ParseCase {
-    const char* text;
-    bool accepted;
-    SRect rect;
-    bool visible, minimized, maximized;
-};
-
 TEST(Placement, ParsesOrRefusesTexts) {
-    const ParseCase cases[] = {
+    // text, accepted, rectangle, visible, minimised, maximised
+    // clang-format off
+    const std::tuple<const char*, bool, SRect, bool, bool, bool> cases[] = {
         {"7:10,20,810,620,1,0,0", true, {10, 20, 810, 620}, true, false, false},
         {"8:1,2,3,4,0,1,0", true, {1, 2, 3, 4}, false, true, false},
         {"7:1,2,3,4,0,0,1,99", true, {1, 2, 3, 4}, false, false, true},
@@ -126,14 +120,9 @@ TEST(Placement, ParsesOrRefusesTexts) {
         {"7:100,200,50,150,1,0,0", true, {100, 200, 100, 200}, true, false, false},
         {"7:-50,-60,-10,-20,1,0,0", true, {-50, -60, -10, -20}, true, false, false},
         {"7:a,b,c,d,e,f,g", true, {0, 0, 0, 0}, false, false, false},
-        {"7:99999999999,0,-99999999999,0,1,0,0",
-         true,
-         {INT_MAX, 0, INT_MAX, 0},
-         true,
-         false,
+        {"7:99999999999,0,-99999999999,0,1,0,0", true, {INT_MAX, 0, INT_MAX, 0}, true, false,
          false},
-        {"7:,,,,,,", true, {0, 0, 0, 0}, false, false, false},
-        {"", false, {}, false, false, false},
+        {"7:,,,,,,", true, {0, 0, 0, 0}, false, false, false}, {"", false, {}, false, false, false},
         {"7", false, {}, false, false, false},
         {"10,20,810,620,1,0,0", false, {}, false, false, false},
         {"6:10,20,810,620,1,0,0", false, {}, false, false, false},
@@ -141,36 +130,25 @@ TEST(Placement, ParsesOrRefusesTexts) {
         {"x:10,20,810,620,1,0,0", false, {}, false, false, false},
         {":10,20,810,620,1,0,0", false, {}, false, false, false},
         {"7:10,20,810,620,1,0", false, {}, false, false, false},
-        {"7:", false, {}, false, false, false},
-    };
-    for (const ParseCase& c : cases) {
+        {"7:", false, {}, false, false, false}};
+    // clang-format on
+    for (const auto& [text, accepted, rect, visible, minimized, maximized] : cases) {
         SWindowPlacement placement;
         placement.rect = {1, 1, 1, 1};
-        ASSERT_EQ(ParsePlacement(c.text, &placement), c.accepted) << c.text;
-        if (!c.accepted) {
-            EXPECT_EQ(placement.rect, (SRect{1, 1, 1, 1})) << "untouched: " << c.text;
-            continue;
-        }
-        EXPECT_EQ(placement.rect, c.rect) << c.text;
-        EXPECT_EQ(placement.isVisible, c.visible) << c.text;
-        EXPECT_EQ(placement.isMinimized, c.minimized) << c.text;
-        EXPECT_EQ(placement.isMaximized, c.maximized) << c.text;
+        ASSERT_EQ(ParsePlacement(text, &placement), accepted) << text;
+        SWindowPlacement expected{accepted ? rect : SRect{1, 1, 1, 1}, visible, minimized,
+                                  maximized}; // a refused text leaves the placement untouched
+        EXPECT_EQ(placement, expected) << text;
     }
     SWindowPlacement placement;
     EXPECT_FALSE(ParsePlacement(nullptr, &placement));
     EXPECT_FALSE(ParsePlacement("7:1,2,3,4,1,0,0", nullptr));
 }
 
-struct FitCase {
-    const char* name;
-    SRect rect;
-    SRect workArea;
-    SRect expected;
-};
-
 TEST(Placement, FitsToTheWorkArea) {
     const SRect screen = {0, 0, 1920, 1040};
-    const FitCase cases[] = {
+    // clang-format off
+    const std::tuple<const char*, SRect, SRect, SRect> cases[] = {
         {"inside stays", {100, 100, 900, 700}, screen, {100, 100, 900, 700}},
         {"off the right moves left", {1500, 100, 2300, 700}, screen, {1120, 100, 1920, 700}},
         {"off the left moves right", {-300, 100, 500, 700}, screen, {0, 100, 800, 700}},
@@ -184,14 +162,14 @@ TEST(Placement, FitsToTheWorkArea) {
         {"area left of the origin", {0, 0, 800, 600}, {-1920, 0, 0, 1080}, {-800, 0, 0, 600}},
         {"area with a taskbar on top", {0, 0, 800, 600}, {0, 40, 1920, 1080}, {0, 40, 800, 640}},
         {"extreme numbers", {INT_MIN, INT_MIN, INT_MAX, INT_MAX}, screen, screen},
-        {"empty window", {3000, 3000, 3000, 3000}, screen, {1920, 1040, 1920, 1040}},
-    };
-    for (const FitCase& c : cases) {
-        EXPECT_EQ(FitToWorkArea(c.rect, c.workArea), c.expected) << c.name;
+        {"empty window", {3000, 3000, 3000, 3000}, screen, {1920, 1040, 1920, 1040}}};
+    // clang-format on
+    for (const auto& [name, rect, workArea, expected] : cases) {
+        EXPECT_EQ(FitToWorkArea(rect, workArea), expected) << name;
     }
 }
 
-TEST_F(Settings, StoredPlacementIsClippedOnRead) {
+TEST_F(Settings, StoredPlacementIsClippedOnReadAndIgnoredWhenMalformed) {
     SWindowPlacement stored;
     stored.rect = {-200, 100, 3000, 900};
     stored.isVisible = true;
@@ -201,11 +179,8 @@ TEST_F(Settings, StoredPlacementIsClippedOnRead) {
     ASSERT_TRUE(ReadPlacement(SETTING_WINDOW_BOOK, {0, 0, 1280, 720}, &placement));
     EXPECT_EQ(placement.rect, (SRect{0, 0, 1280, 720}));
     EXPECT_TRUE(placement.isVisible);
-}
-
-TEST_F(Settings, MalformedStoredPlacementIsIgnored) {
+    // A malformed one is ignored.
     ASSERT_TRUE(WriteSettingString(SETTING_WINDOW, "6:10,20,810,620,1,0,0"));
-    SWindowPlacement placement;
     placement.rect = {5, 5, 5, 5};
     EXPECT_FALSE(ReadPlacement(SETTING_WINDOW, {0, 0, 1920, 1080}, &placement));
     EXPECT_EQ(placement.rect, (SRect{5, 5, 5, 5}));
@@ -213,24 +188,20 @@ TEST_F(Settings, MalformedStoredPlacementIsIgnored) {
     EXPECT_FALSE(ReadPlacement(SETTING_WINDOW, {0, 0, 1920, 1080}, &placement));
 }
 
-TEST(ColumnWidth, AppliesOnlyBetween100AndSplitterWidthLess200) {
-    EXPECT_EQ(ColumnWidthFromSetting(0, 1000, DEFAULT_FOLDER_COLUMN), 220);
-    EXPECT_EQ(ColumnWidthFromSetting(100, 1000, DEFAULT_FOLDER_COLUMN), 220);
-    EXPECT_EQ(ColumnWidthFromSetting(101, 1000, DEFAULT_FOLDER_COLUMN), 101);
-    EXPECT_EQ(ColumnWidthFromSetting(799, 1000, DEFAULT_TRACK_COLUMN), 799);
-    EXPECT_EQ(ColumnWidthFromSetting(800, 1000, DEFAULT_TRACK_COLUMN), 200);
-    EXPECT_EQ(ColumnWidthFromSetting(0xFFFFFFFFu, 1000, DEFAULT_TRACK_COLUMN), 200);
-    EXPECT_EQ(ColumnWidthFromSetting(150, 250, DEFAULT_TRACK_COLUMN), 200);
-}
-
-TEST(Volume, SliderPositionZeroIsLoudest) {
-    EXPECT_EQ(VolumeFromSlider(0), 100);
-    EXPECT_EQ(VolumeFromSlider(1), 98);
-    EXPECT_EQ(VolumeFromSlider(25), 50);
-    EXPECT_EQ(VolumeFromSlider(49), 2);
-    EXPECT_EQ(VolumeFromSlider(50), 0);
-    EXPECT_EQ(VolumeFromSlider(-3), 100);
-    EXPECT_EQ(VolumeFromSlider(900), 0);
+TEST(ColumnWidth, AppliesOnlyBetween100AndSplitterWidthLess200AndVolumeIsReversed) {
+    EXPECT_EQ((std::vector<int>{ColumnWidthFromSetting(0, 1000, DEFAULT_FOLDER_COLUMN),
+                                ColumnWidthFromSetting(100, 1000, DEFAULT_FOLDER_COLUMN),
+                                ColumnWidthFromSetting(101, 1000, DEFAULT_FOLDER_COLUMN),
+                                ColumnWidthFromSetting(799, 1000, DEFAULT_TRACK_COLUMN),
+                                ColumnWidthFromSetting(800, 1000, DEFAULT_TRACK_COLUMN),
+                                ColumnWidthFromSetting(0xFFFFFFFFu, 1000, DEFAULT_TRACK_COLUMN),
+                                ColumnWidthFromSetting(150, 250, DEFAULT_TRACK_COLUMN)}),
+              (std::vector<int>{220, 220, 101, 799, 200, 200, 200}));
+    // Slider position 0 is the loudest.
+    EXPECT_EQ((std::vector<int>{VolumeFromSlider(0), VolumeFromSlider(1), VolumeFromSlider(25),
+                                VolumeFromSlider(49), VolumeFromSlider(50), VolumeFromSlider(-3),
+                                VolumeFromSlider(900)}),
+              (std::vector<int>{100, 98, 50, 2, 0, 100, 0}));
 }
 
 } // namespace

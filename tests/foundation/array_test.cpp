@@ -7,6 +7,7 @@
 #include <initializer_list>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -65,16 +66,13 @@ public:
 } // namespace
 
 TEST(ArrayGrowth, CapacityIsNextMultipleOf64AboveCount) {
-    const struct {
-        int count;
-        int capacity;
-    } cases[] = {{0, 64},   {1, 64},    {63, 64},   {64, 128},
-                 {65, 128}, {127, 128}, {128, 192}, {-3, 64}};
-    for (const auto& c : cases) {
+    const std::pair<int, int> cases[] = {{0, 64},   {1, 64},    {63, 64},   {64, 128},
+                                         {65, 128}, {127, 128}, {128, 192}, {-3, 64}};
+    for (auto [count, capacity] : cases) {
         SArray<int> array;
-        ASSERT_TRUE(array.SetSize(c.count));
-        EXPECT_EQ(array.GetCapacity(), c.capacity) << c.count;
-        EXPECT_EQ(array.GetCount(), std::max(c.count, 0));
+        ASSERT_TRUE(array.SetSize(count));
+        EXPECT_EQ(array.GetCapacity(), capacity) << count;
+        EXPECT_EQ(array.GetCount(), std::max(count, 0));
     }
     EXPECT_EQ(SArray<int>().GetCapacity(), 0);
 }
@@ -110,55 +108,46 @@ TEST(ArrayGrowth, SetSizeKeepsOrDropsItemsAndZeroesNewOnes) {
     EXPECT_EQ(array.GetCount(), 0);
 }
 
-TEST(ArrayEditing, AddFollowsIndexAndCountRules) {
+TEST(ArrayEditing, AddFollowsIndexAndCountRulesAndCopiesItsOwnItemsSafely) {
     SArray<int> array = Make({1, 2, 3});
     EXPECT_EQ(array.Add(9, 1), 1);
-    EXPECT_EQ(Items(array), (std::vector<int>{1, 9, 2, 3}));
     EXPECT_EQ(array.Add(7, 100), 4); // past the end means the end
     EXPECT_EQ(array.Add(8, -5), 5);
     EXPECT_EQ(array.Add(4, 0, 3), 0);
-    EXPECT_EQ(Items(array), (std::vector<int>{4, 4, 4, 1, 9, 2, 3, 7, 8}));
     EXPECT_EQ(array.Add(1, 0, 0), -1);
     EXPECT_EQ(array.Add(1, 0, -2), -1);
-    EXPECT_EQ(array.GetCount(), 9);
-}
-
-TEST(ArrayEditing, AddOfAnItemInsideTheArraySurvivesReallocation) {
-    SArray<int> array;
+    EXPECT_EQ(Items(array), (std::vector<int>{4, 4, 4, 1, 9, 2, 3, 7, 8}));
+    // An item of the array itself, added while the block grows.
+    SArray<int> big;
     for (int i = 0; i < 64; ++i) {
-        array.Add(i + 100);
+        big.Add(i + 100);
     }
-    array.Add(array.GetAt(0), 0, 70);
-    EXPECT_EQ(array.GetCount(), 134);
-    EXPECT_EQ(array.GetAt(69), 100);
-    EXPECT_EQ(array.GetAt(70), 100);
-    EXPECT_EQ(array.GetAt(133), 163);
+    big.Add(big.GetAt(0), 0, 70);
+    EXPECT_EQ(big.GetCount(), 134);
+    EXPECT_EQ(big.GetAt(69), 100);
+    EXPECT_EQ(big.GetAt(70), 100);
+    EXPECT_EQ(big.GetAt(133), 163);
 }
 
-TEST(ArrayEditing, RemoveAtClampsCountAndIgnoresBadIndex) {
+TEST(ArrayEditing, RemoveAtSwapAndItemPointerCheckTheirIndexes) {
     SArray<int> array = Make({0, 1, 2, 3, 4, 5});
     array.RemoveAt(6);
     array.RemoveAt(-1);
     EXPECT_EQ(array.GetCount(), 6);
     array.RemoveAt(1, 2);
     EXPECT_EQ(Items(array), (std::vector<int>{0, 3, 4, 5}));
-    array.RemoveAt(2, 50);
-    EXPECT_EQ(Items(array), (std::vector<int>{0, 3}));
-    array.RemoveAt(0, -1);
-    EXPECT_EQ(array.GetCount(), 0);
-}
-
-TEST(ArrayEditing, SwapAndItemPointerCheckTheirIndexes) {
-    SArray<int> array = Make({1, 2, 3});
+    array.RemoveAt(3, 50);
     EXPECT_TRUE(array.Swap(0, 2));
-    EXPECT_EQ(Items(array), (std::vector<int>{3, 2, 1}));
+    EXPECT_EQ(Items(array), (std::vector<int>{4, 3, 0}));
     EXPECT_FALSE(array.Swap(1, 1));
     EXPECT_FALSE(array.Swap(-1, 0));
     EXPECT_FALSE(array.Swap(0, 3));
     EXPECT_EQ(array.GetItemPtr(3), nullptr);
     EXPECT_EQ(array.GetItemPtr(-1), nullptr);
     ASSERT_NE(array.GetItemPtr(2), nullptr);
-    EXPECT_EQ(*array.GetItemPtr(2), 1);
+    EXPECT_EQ(*array.GetItemPtr(2), 0);
+    array.RemoveAt(0, -1);
+    EXPECT_EQ(array.GetCount(), 0);
 }
 
 TEST(ArrayEditing, AssignCopiesItemsAndFlagsAndFreeClearsAll) {
@@ -194,7 +183,7 @@ TEST(ArrayDelete, DeleteAtNotifiesThenDestroysNonNullItems) {
     EXPECT_EQ(array.GetCount(), 0);
 }
 
-TEST(ArrayDelete, PointerArrayLeavesItemsToItsOwner) {
+TEST(ArrayDelete, PointerAndValueArraysOnlyRemove) {
     std::vector<std::string> log;
     Tracked* item = new Tracked(&log, 7);
     {
@@ -205,9 +194,6 @@ TEST(ArrayDelete, PointerArrayLeavesItemsToItsOwner) {
     }
     EXPECT_TRUE(log.empty());
     delete item;
-}
-
-TEST(ArrayDelete, ValueArrayDeleteAtOnlyRemoves) {
     SArray<int> array = Make({1, 2, 3});
     array.DeleteAt(1);
     EXPECT_EQ(Items(array), (std::vector<int>{1, 3}));
@@ -216,27 +202,22 @@ TEST(ArrayDelete, ValueArrayDeleteAtOnlyRemoves) {
 }
 
 TEST(ArraySort, OrdersByTable) {
-    const struct {
-        std::vector<int> input;
-        uint32_t flags;
-        std::vector<int> sorted;
-    } cases[] = {
-        {{3, 1, 2}, 0, {1, 2, 3}},
-        {{3, 1, 2}, SORT_DESCENDING, {3, 2, 1}},
-        {{2, 5, 2, 1, 5, 2}, 0, {1, 2, 2, 2, 5, 5}},
-        {{1, 2, 3, 4, 5}, 0, {1, 2, 3, 4, 5}},
+    // clang-format off
+    const std::tuple<std::vector<int>, uint32_t, std::vector<int>> cases[] = {
+        {{3, 1, 2}, 0, {1, 2, 3}}, {{3, 1, 2}, SORT_DESCENDING, {3, 2, 1}},
+        {{2, 5, 2, 1, 5, 2}, 0, {1, 2, 2, 2, 5, 5}}, {{1, 2, 3, 4, 5}, 0, {1, 2, 3, 4, 5}},
         {{5, 4, 3, 2, 1}, 0, {1, 2, 3, 4, 5}},
         {{-1, 1, 0}, 0, {0, 1, -1}}, // unsigned: -1 is the largest
-        {{7, 7}, SORT_DESCENDING, {7, 7}},
-    };
-    for (const auto& c : cases) {
+        {{7, 7}, SORT_DESCENDING, {7, 7}}};
+    // clang-format on
+    for (const auto& [input, flags, sorted] : cases) {
         SArray<int> array;
-        for (int value : c.input) {
+        for (int value : input) {
             array.Add(value);
         }
-        array.SetFlags(c.flags);
+        array.SetFlags(flags);
         array.Sort();
-        EXPECT_EQ(Items(array), c.sorted);
+        EXPECT_EQ(Items(array), sorted);
     }
 }
 
@@ -255,7 +236,7 @@ TEST(ArraySort, OneItemAndSubRangesAreLeftAlone) {
     EXPECT_EQ(Items(array), (std::vector<int>{9, 6, 7, 8, 5, 4}));
 }
 
-TEST(ArraySort, LargeRandomArraysMatchStdSort) {
+TEST(ArraySort, LargeRandomArraysMatchStdSortAndManyEqualItemsComplete) {
     std::mt19937 random(20240611);
     for (int size : {2, 3, 17, 64, 1000, 5000}) {
         for (int spread : {3, 1000, INT_MAX}) {
@@ -273,15 +254,12 @@ TEST(ArraySort, LargeRandomArraysMatchStdSort) {
             ASSERT_EQ(got, expected) << size << " " << spread;
         }
     }
-}
-
-TEST(ArraySort, ManyEqualItemsComplete) {
-    SArray<int> array;
-    array.Add(5, -1, 4000);
-    array.Add(1);
-    array.Sort();
-    EXPECT_EQ(array.GetAt(0), 1);
-    EXPECT_EQ(array.GetAt(4000), 5);
+    SArray<int> equal; // many equal items complete
+    equal.Add(5, -1, 4000);
+    equal.Add(1);
+    equal.Sort();
+    EXPECT_EQ(equal.GetAt(0), 1);
+    EXPECT_EQ(equal.GetAt(4000), 5);
 }
 
 TEST(ArraySort, BuiltInOrderForOtherValueTypes) {
@@ -349,21 +327,16 @@ TEST(ArraySearch, FindSortedAtEndsAndOnDuplicates) {
 
 TEST(ArraySearch, FindInsertPositionByTable) {
     SArray<int> array = Make({10, 20, 30, 40});
-    const struct {
-        int item, start, end, position;
-    } cases[] = {
-        {5, 0, -1, 0},
-        {10, 0, -1, 0},
-        {25, 0, -1, 2},
-        {40, 0, -1, 3},
-        {45, 0, -1, 4},
-        {15, 1, -1, 1},
-        {10, 5, -1, -1},
+    // item, start, end, position
+    // clang-format off
+    const std::tuple<int, int, int, int> cases[] = {
+        {5, 0, -1, 0}, {10, 0, -1, 0}, {25, 0, -1, 2}, {40, 0, -1, 3}, {45, 0, -1, 4},
+        {15, 1, -1, 1}, {10, 5, -1, -1},
         // The closing comparison looks at the item just past a sub-range.
-        {35, 0, 2, 3},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(array.FindInsertPosition(c.item, c.start, c.end), c.position) << c.item;
+        {35, 0, 2, 3}};
+    // clang-format on
+    for (auto [item, start, end, position] : cases) {
+        EXPECT_EQ(array.FindInsertPosition(item, start, end), position) << item;
     }
     SArray<int> descending = Make({40, 30, 20, 10});
     descending.SetFlags(SORT_DESCENDING);
@@ -399,7 +372,7 @@ TEST(ArraySearch, RemoveEqualRemovesEveryMatchInRange) {
     EXPECT_EQ(array.RemoveEqual(2, 2), 0);
 }
 
-TEST(StringArray, OwnsCopiesOfWhatItIsGiven) {
+TEST(StringArray, OwnsCopiesAndSetTextIgnoresBadIndexes) {
     SString source("song");
     source.userA = 11;
     SStringArray array;
@@ -413,14 +386,10 @@ TEST(StringArray, OwnsCopiesOfWhatItIsGiven) {
     EXPECT_EQ(array.Find("Song"), -1);
     array.SetFlags(SORT_NOCASE);
     EXPECT_EQ(array.Find("SONG"), 0);
-}
-
-TEST(StringArray, SetTextAndGetTextIgnoreBadIndexes) {
-    SStringArray array = MakeStrings({"a", "b"});
     array.SetText(1, "beta");
     array.SetText(2, "gamma");
     array.SetText(-1, "x");
-    EXPECT_EQ(Texts(array), (std::vector<std::string>{"a", "beta"}));
+    EXPECT_EQ(Texts(array), (std::vector<std::string>{"song", "beta"}));
     EXPECT_STREQ(array.GetText(1).c_str(), "beta");
     EXPECT_STREQ(array.GetText(5).c_str(), "");
 }
@@ -454,18 +423,14 @@ TEST(StringArray, RemoveEqualDestroysMatchesEvenItsOwnArgument) {
 
 TEST(StringArray, JoinByTable) {
     const SStringArray array = MakeStrings({"a", "bb", "", "d"});
-    const struct {
-        const char* separator;
-        int start, count;
-        const char* joined;
-    } cases[] = {
+    // clang-format off
+    const std::tuple<const char*, int, int, const char*> cases[] = {
         {", ", 0, -1, "a, bb, , d"}, {"", 0, -1, "abbd"}, {"|", 1, 2, "bb|"}, {"|", 3, 1, "d"},
-        {"|", 2, 50, "|d"},          {"|", 0, 0, ""},     {"|", 4, -1, ""},   {"|", -1, 2, ""},
-        {nullptr, 0, 2, "abb"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_STREQ(array.Join(c.separator, c.start, c.count).c_str(), c.joined)
-            << c.start << " " << c.count;
+        {"|", 2, 50, "|d"}, {"|", 0, 0, ""}, {"|", 4, -1, ""}, {"|", -1, 2, ""},
+        {nullptr, 0, 2, "abb"}};
+    // clang-format on
+    for (auto [separator, start, count, joined] : cases) {
+        EXPECT_STREQ(array.Join(separator, start, count).c_str(), joined) << start << " " << count;
     }
 }
 
@@ -492,29 +457,23 @@ TEST(StringArray, Base64TextRoundTrip) {
 TEST(Wildcards, MatchByTable) {
     // At the end of the text only a single final star still matches, so
     // "**" does not match "" and "a**" does not match "a".
-    const struct {
-        const char* pattern;
-        const char* text;
-        bool matches;
-    } cases[] = {{"", "", true},         {"", "a", false},           {"a", "", false},
-                 {"*", "", true},        {"*", "abc", true},         {"abc", "abc", true},
-                 {"abc", "abd", false},  {"ab", "abc", false},       {"A*", "abc", false},
-                 {"*c", "abc", true},    {"*b", "abc", false},       {"a*", "a", true},
-                 {"a*", "abc", true},    {"a*", "ba", false},        {"a*c", "abbc", true},
-                 {"a*c", "abcd", false}, {"*ab", "abab", true},      {"*ab", "aba", false},
-                 {"?", "a", true},       {"?", "", false},           {"?", "ab", false},
-                 {"a?c", "abc", true},   {"*?", "x", true},          {"*??", "x", false},
-                 {"***a", "xa", true},   {"*ab*ab", "xabyab", true}, {"a*b*c", "aXbYbZc", true},
-                 {"*aab", "aaab", true}, {"*abc", "ababc", true},    {"*a?c", "xabxabc", true},
-                 {"**", "", false},      {"**", "x", true},          {"a**", "a", false},
-                 {"a**", "ab", true},    {"*b**", "ab", false},      {"*b*", "ab", true}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(MatchWildcardText(c.text, c.pattern), c.matches)
-            << '"' << c.pattern << "\" on \"" << c.text << '"';
+    const std::tuple<const char*, const char*, bool> cases[] = {
+        {"", "", true},         {"", "a", false},           {"a", "", false},
+        {"*", "", true},        {"*", "abc", true},         {"abc", "abc", true},
+        {"abc", "abd", false},  {"ab", "abc", false},       {"A*", "abc", false},
+        {"*c", "abc", true},    {"*b", "abc", false},       {"a*", "a", true},
+        {"a*", "abc", true},    {"a*", "ba", false},        {"a*c", "abbc", true},
+        {"a*c", "abcd", false}, {"*ab", "abab", true},      {"*ab", "aba", false},
+        {"?", "a", true},       {"?", "", false},           {"?", "ab", false},
+        {"a?c", "abc", true},   {"*?", "x", true},          {"*??", "x", false},
+        {"***a", "xa", true},   {"*ab*ab", "xabyab", true}, {"a*b*c", "aXbYbZc", true},
+        {"*aab", "aaab", true}, {"*abc", "ababc", true},    {"*a?c", "xabxabc", true},
+        {"**", "", false},      {"**", "x", true},          {"a**", "a", false},
+        {"a**", "ab", true},    {"*b**", "ab", false},      {"*b*", "ab", true}};
+    for (auto [pattern, text, matches] : cases) {
+        EXPECT_EQ(MatchWildcardText(text, pattern), matches) << pattern << " on " << text;
     }
-}
-
-TEST(Wildcards, CustomStarAndOneCharacters) {
+    // Other star and one characters, or none.
     EXPECT_TRUE(MatchWildcardText("xxab", "%a_", '%', '_'));
     EXPECT_TRUE(MatchWildcardText("a*zz", "a*%", '%', '_'));
     EXPECT_FALSE(MatchWildcardText("abzz", "a*%", '%', '_'));

@@ -13,6 +13,7 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
+#include <tuple>
 #include <unistd.h>
 #include <vector>
 
@@ -20,6 +21,7 @@
 #include "foundation/file.h"
 #include "foundation/path.h"
 #include "support/temp_dir.h"
+#include "test_support.h"
 
 namespace fs = std::filesystem;
 
@@ -70,28 +72,20 @@ protected:
     SDisk disk;
 };
 
-struct EnumerateCase {
-    const char* filter;
-    int flags;
-    Names expected;
-};
-
 TEST_F(DiskEnumerate, FlagsFiltersAndOrder) {
-    const EnumerateCase cases[] = {
+    // clang-format off
+    const std::tuple<const char*, int, Names> cases[] = {
         {"*", 4, {".dot.mp3", ".hidden", "a.mp3", "B.MP3", "c.txt", "listed.mp3"}},
         {"*", 4 | 8, {"a.mp3", "B.MP3", "c.txt"}},
         {"*", 2, {".dotfolder/", "album/", "artist/", "empty/", "hiddenfolder/", "notes/"}},
         {"*", 2 | 8, {"album/", "artist/", "empty/", "notes/"}},
         {"*.MP3", 13, {"a.mp3", "album/x.mp3", "artist/sub/z.mp3", "B.MP3"}},
-        {"*.mp3",
-         5,
-         {".dot.mp3", ".dotfolder/d.mp3", "a.mp3", "album/x.mp3", "artist/sub/z.mp3", "B.MP3",
-          "hiddenfolder/h.mp3", "listed.mp3"}},
+        {"*.mp3", 5, {".dot.mp3", ".dotfolder/d.mp3", "a.mp3", "album/x.mp3", "artist/sub/z.mp3",
+                      "B.MP3", "hiddenfolder/h.mp3", "listed.mp3"}},
         {"*", 11, {"album/", "album/bonus/", "artist/", "artist/sub/", "empty/", "notes/"}},
-        {"*",
-         15,
-         {"a.mp3", "album/", "album/bonus/", "album/x.mp3", "album/y.wma", "artist/", "artist/sub/",
-          "artist/sub/z.mp3", "B.MP3", "c.txt", "empty/", "notes/", "notes/readme.txt"}},
+        {"*", 15, {"a.mp3", "album/", "album/bonus/", "album/x.mp3", "album/y.wma", "artist/",
+                   "artist/sub/", "artist/sub/z.mp3", "B.MP3", "c.txt", "empty/", "notes/",
+                   "notes/readme.txt"}},
         {"*.*", 4 | 8, {"a.mp3", "B.MP3", "c.txt"}},
         {"*", 10 | ENUM_NO_FOLDERS_WITH_FILES, {"artist/", "empty/"}},
         {"*", 10 | ENUM_NO_FOLDERS_WITHOUT_FILES, {"album/", "notes/"}},
@@ -100,53 +94,35 @@ TEST_F(DiskEnumerate, FlagsFiltersAndOrder) {
         // A folder refused by the filters is still descended into.
         {"*", 11 | ENUM_NO_FOLDERS_WITH_FILES, {"album/bonus/", "artist/", "empty/"}},
         // Contradicting filters leave no folder; files still come.
-        {"*", 2 | 16 | 32, {}},
-        {"*", 2 | 64 | 128, {}},
-        {"*", 14 | 16 | 32, {"a.mp3", "B.MP3", "c.txt"}},
-        {"*", 1 | 8, {}},
+        {"*", 2 | 16 | 32, {}}, {"*", 2 | 64 | 128, {}},
+        {"*", 14 | 16 | 32, {"a.mp3", "B.MP3", "c.txt"}}, {"*", 1 | 8, {}},
         // Without "*": bare names, exact, never recursive.
-        {"a.mp3", 4, {"a.mp3"}},
-        {"A.MP3", 4, {}},
-        {"album", 2, {"album/"}},
-        {"album", 15, {"album/"}},
-        {"album", 4, {}},
+        {"a.mp3", 4, {"a.mp3"}}, {"A.MP3", 4, {}}, {"album", 2, {"album/"}},
+        {"album", 15, {"album/"}}, {"album", 4, {}},
         {"album", 2 | ENUM_NO_FOLDERS_WITHOUT_FILES, {"album/"}},
-        {"empty", 2 | ENUM_NO_FOLDERS_WITHOUT_FILES, {}},
-        {"listed.mp3", 4, {"listed.mp3"}},
-        {"listed.mp3", 4 | 8, {}},
-        {"hiddenfolder", 2 | 8, {}},
-        {".dot.mp3", 4 | 8, {}},
-        {"?.MP3", 4, {"a.mp3", "B.MP3"}},
-        {"missing", 6, {}},
-        {"", 6, {}},
-        {"nofolder/*", 15, {}},
-    };
-    for (const EnumerateCase& test : cases) {
-        SCOPED_TRACE(std::string(test.filter) + " flags " + std::to_string(test.flags));
-        EXPECT_EQ(List(test.filter, test.flags), test.expected);
+        {"empty", 2 | ENUM_NO_FOLDERS_WITHOUT_FILES, {}}, {"listed.mp3", 4, {"listed.mp3"}},
+        {"listed.mp3", 4 | 8, {}}, {"hiddenfolder", 2 | 8, {}}, {".dot.mp3", 4 | 8, {}},
+        {"?.MP3", 4, {"a.mp3", "B.MP3"}}, {"missing", 6, {}}, {"", 6, {}}, {"nofolder/*", 15, {}}};
+    // clang-format on
+    for (const auto& [filter, flags, expected] : cases) {
+        SCOPED_TRACE(std::string(filter) + " flags " + std::to_string(flags));
+        EXPECT_EQ(List(filter, flags), expected);
     }
 }
 
-TEST_F(DiskEnumerate, CountersGrowByThisFolderOnly) {
+TEST_F(DiskEnumerate, CountersGrowAndResultsAppendAfterWhatTheArrayHolds) {
     int files = 5;
     int folders = 5;
     EXPECT_EQ(disk.Enumerate(nullptr, (root + "*").c_str(), 15, &files, &folders), 13);
     EXPECT_EQ(files, 5 + 3);
     EXPECT_EQ(folders, 5 + 4);
     EXPECT_EQ(disk.Enumerate(nullptr, nullptr, 15), 0);
-}
-
-TEST_F(DiskEnumerate, AppendsAfterWhatTheArrayHolds) {
     SStringArray result;
     result.Add("first");
     EXPECT_EQ(disk.Enumerate(&result, (root + "*.mp3").c_str(), ENUM_FILES | ENUM_NO_HIDDEN), 2);
-    EXPECT_EQ(ToVector(result, root), (Names{"first", "a.mp3", "B.MP3"}));
-}
-
-TEST_F(DiskEnumerate, GetEntriesOnlyEmptyFolders) {
-    SStringArray result;
+    // GetEntries with only the empty folders.
     EXPECT_EQ(disk.GetEntries(&result, (root + "*").c_str(), true, true, false, true, false), 2);
-    EXPECT_EQ(ToVector(result, root), (Names{"album/bonus/", "empty/"}));
+    EXPECT_EQ(ToVector(result, root), (Names{"first", "a.mp3", "B.MP3", "album/bonus/", "empty/"}));
 }
 
 TEST_F(DiskEnumerate, LinksCountAsTheirTargetAndLoopsEnd) {
@@ -171,32 +147,23 @@ TEST(DiskListingOrder, FoldsAsciiAndBreaksTiesByBytes) {
     SStringArray result;
     SDisk().Enumerate(&result, (tree.Path() + "/*").c_str(), ENUM_FILES);
     EXPECT_EQ(ToVector(result, tree.Path() + "/"), expected);
-}
-
-TEST(DiskListingOrder, CompareListingNames) {
     EXPECT_LT(CompareListingNames("abc", "ABD"), 0);
     EXPECT_GT(CompareListingNames("a", "A"), 0);
     EXPECT_GT(CompareListingNames("ab", "A"), 0);
-    EXPECT_LT(CompareListingNames("Zeta", "é"), 0);
     EXPECT_EQ(CompareListingNames("same", "same"), 0);
 }
 
 TEST(DiskFileFilter, MatchesWithoutRegardToCase) {
-    struct {
-        const char* filter;
-        const char* name;
-        bool matches;
-    } cases[] = {
-        {"*.MP3", "a.mp3", true},   {"*.mp3", "A.Mp3", true},   {"*.mp3", "a.mp3.txt", false},
-        {"*.*", "README", true},    {"*.*", "a.b", true},       {"a*.*", "abc", true},
-        {"b*.*", "abc", false},     {"?.txt", "é.txt", true},   {"??.txt", "é.txt", false},
+    // clang-format off
+    const std::tuple<const char*, const char*, bool> cases[] = {
+        {"*.MP3", "a.mp3", true}, {"*.mp3", "A.Mp3", true}, {"*.mp3", "a.mp3.txt", false},
+        {"*.*", "README", true}, {"*.*", "a.b", true}, {"a*.*", "abc", true},
+        {"b*.*", "abc", false}, {"?.txt", "é.txt", true}, {"??.txt", "é.txt", false},
         {"*a*b*c", "xaybzc", true}, {"*a*b*c", "xaybz", false}, {"ab", "AB", true},
-        {"a*", "b", false},         {"*", "anything", true},    {"***x", "x", true},
-        {"Ä*", "ä", false},
-    };
-    for (const auto& test : cases) {
-        EXPECT_EQ(MatchFileFilter(test.filter, test.name), test.matches)
-            << test.filter << " " << test.name;
+        {"a*", "b", false}, {"*", "anything", true}, {"***x", "x", true}, {"Ä*", "ä", false}};
+    // clang-format on
+    for (auto [filter, name, matches] : cases) {
+        EXPECT_EQ(MatchFileFilter(filter, name), matches) << filter << " " << name;
     }
     std::string longName(2000, 'a');
     EXPECT_FALSE(MatchFileFilter("*a*a*a*a*a*a*b", longName.c_str()));
@@ -208,25 +175,21 @@ TEST(DiskQueries, FilesFoldersAndSizes) {
     std::string empty = tree.Write("e.bin", "");
     std::string folder = tree.MakeFolder("d");
     fs::create_symlink(file, tree / "link");
+    const std::string none = tree / "none", link = tree / "link";
     SDisk disk;
-    EXPECT_TRUE(disk.IsFile(file.c_str()));
-    EXPECT_TRUE(disk.IsFile((tree / "link").c_str()));
-    EXPECT_FALSE(disk.IsFile((file + "/").c_str()));
-    EXPECT_FALSE(disk.IsFile(folder.c_str()));
-    EXPECT_FALSE(disk.IsFile((tree / "none").c_str()));
-    EXPECT_FALSE(disk.IsFile(""));
-    EXPECT_TRUE(disk.IsFolder(folder.c_str()));
-    EXPECT_TRUE(disk.IsFolder((folder + "/").c_str()));
-    EXPECT_TRUE(disk.IsFolder("/"));
-    EXPECT_FALSE(disk.IsFolder(file.c_str()));
-    EXPECT_FALSE(disk.IsFolder(nullptr));
-    EXPECT_TRUE(disk.Exists(folder.c_str()));
-    EXPECT_FALSE(disk.Exists(""));
-    EXPECT_EQ(disk.GetFileSize(file.c_str()), 5);
-    EXPECT_EQ(disk.GetFileSize(empty.c_str()), 0);
-    EXPECT_EQ(disk.GetFileSize(folder.c_str()), -1);
-    EXPECT_EQ(disk.GetFileSize((tree / "none").c_str()), -1);
-    EXPECT_EQ(disk.GetFileSize(""), -1);
+    EXPECT_EQ((std::vector<bool>{disk.IsFile(file.c_str()), disk.IsFile(link.c_str()),
+                                 disk.IsFile((file + "/").c_str()), disk.IsFile(folder.c_str()),
+                                 disk.IsFile(none.c_str()), disk.IsFile("")}),
+              (std::vector<bool>{true, true, false, false, false, false}));
+    EXPECT_EQ(
+        (std::vector<bool>{disk.IsFolder(folder.c_str()), disk.IsFolder((folder + "/").c_str()),
+                           disk.IsFolder("/"), disk.IsFolder(file.c_str()), disk.IsFolder(nullptr),
+                           disk.Exists(folder.c_str()), disk.Exists("")}),
+        (std::vector<bool>{true, true, true, false, false, true, false}));
+    EXPECT_EQ((std::vector<int>{disk.GetFileSize(file.c_str()), disk.GetFileSize(empty.c_str()),
+                                disk.GetFileSize(folder.c_str()), disk.GetFileSize(none.c_str()),
+                                disk.GetFileSize("")}),
+              (std::vector<int>{5, 0, -1, -1, -1}));
 }
 
 TEST(DiskAttributes, HiddenByDotOrByTheHiddenFile) {
@@ -254,42 +217,32 @@ TEST(DiskAttributes, HiddenByDotOrByTheHiddenFile) {
     EXPECT_FALSE(disk.SetAttributes((tree / "none").c_str(), DISK_HIDDEN));
 }
 
-TEST(DiskAttributes, LastHiddenNameRemovesTheFile) {
+TEST(DiskAttributes, LastHiddenNameRemovesTheFileAndReadOnlyFollowsWritePermission) {
     TempDir tree;
     std::string folder = tree.MakeFolder("Playlists");
+    std::string file = tree.Write("f", "x");
     SDisk disk;
     EXPECT_TRUE(disk.SetAttributes((folder + "/").c_str(), DISK_HIDDEN));
     EXPECT_EQ(TempDir::Read(tree / ".hidden"), "Playlists\n");
     EXPECT_EQ(disk.GetAttributes(folder.c_str()), DISK_HIDDEN);
     EXPECT_TRUE(disk.SetAttributes(folder.c_str(), 0));
     EXPECT_FALSE(fs::exists(tree / ".hidden"));
-}
-
-TEST(DiskAttributes, ReadOnlyFollowsWritePermission) {
-    TempDir tree;
-    std::string file = tree.Write("f", "x");
-    SDisk disk;
     EXPECT_TRUE(disk.SetAttributes(file.c_str(), DISK_READONLY));
     EXPECT_EQ(disk.GetAttributes(file.c_str()), DISK_READONLY);
     EXPECT_EQ(fs::status(file).permissions() & fs::perms::owner_write, fs::perms::none);
-    EXPECT_TRUE(disk.SetAttributes(file.c_str(), 0));
-    EXPECT_EQ(disk.GetAttributes(file.c_str()), 0);
+    EXPECT_TRUE(disk.SetAttributes(file.c_str(), 0) && disk.GetAttributes(file.c_str()) == 0);
 }
 
 TEST(DiskTemporary, FolderAndNewNameFollowTmpdir) {
     TempDir tree;
-    const char* old = getenv("TMPDIR");
-    std::string saved = old != nullptr ? old : "";
-    setenv("TMPDIR", (tree.Path() + "//").c_str(), 1);
     SDisk disk;
-    EXPECT_EQ(std::string(disk.GetTempFolder().c_str()), tree.Path() + "/");
-    SString name = disk.GetTempFileName();
-    disk.SetTrailingSeparator(false);
-    EXPECT_EQ(std::string(disk.GetTempFolder().c_str()), tree.Path());
-    if (old != nullptr) {
-        setenv("TMPDIR", saved.c_str(), 1);
-    } else {
-        unsetenv("TMPDIR");
+    SString name;
+    {
+        ScopedEnv tmpdir("TMPDIR", (tree.Path() + "//").c_str());
+        EXPECT_EQ(std::string(disk.GetTempFolder().c_str()), tree.Path() + "/");
+        name = disk.GetTempFileName();
+        disk.SetTrailingSeparator(false);
+        EXPECT_EQ(std::string(disk.GetTempFolder().c_str()), tree.Path());
     }
     EXPECT_EQ(std::string(SPath(name.c_str()).GetFolderPath().c_str()), tree.Path() + "/");
     EXPECT_EQ(std::string(SPath(name.c_str()).GetName().Left(3).c_str()), "tmp");
@@ -328,27 +281,27 @@ TEST(DiskChanges, RenameNeverReplaces) {
     std::string b = tree.Write("b.lst", "B");
     SDisk disk;
     EXPECT_FALSE(disk.Rename(a.c_str(), b.c_str()));
-    EXPECT_EQ(TempDir::Read(a), "A");
-    EXPECT_EQ(TempDir::Read(b), "B");
+    EXPECT_EQ(TempDir::Read(a) + TempDir::Read(b), "AB");
     EXPECT_TRUE(disk.Rename(a.c_str(), (tree / "c.lst").c_str()));
     EXPECT_EQ(TempDir::Read(tree / "c.lst"), "A");
     EXPECT_FALSE(disk.Exists(a.c_str()));
-    EXPECT_FALSE(disk.Rename(a.c_str(), (tree / "d.lst").c_str()));
-    EXPECT_FALSE(disk.Rename(tree.MakeFolder("f").c_str(), (tree / "g").c_str()));
+    EXPECT_FALSE(disk.Rename(a.c_str(), (tree / "d.lst").c_str())); // a source that is gone
+    EXPECT_FALSE(disk.Rename(tree.MakeFolder("f").c_str(), (tree / "g").c_str())); // a folder
 }
 
 TEST(DiskChanges, CreateFolder) {
     TempDir tree;
     SDisk disk;
-    EXPECT_TRUE(disk.CreateFolder(tree.Path().c_str(), false));
+    EXPECT_TRUE(disk.CreateFolder(tree.Path().c_str(), false)); // already there
     EXPECT_FALSE(disk.CreateFolder((tree / "a/b/c").c_str(), false));
     EXPECT_FALSE(fs::exists(tree / "a"));
     EXPECT_TRUE(disk.CreateFolder((tree / "a/b/c").c_str(), true));
-    EXPECT_TRUE(disk.IsFolder((tree / "a/b/c").c_str()));
     EXPECT_TRUE(disk.CreateFolder((tree / "a/b/c/").c_str(), true));
-    EXPECT_FALSE(disk.CreateFolder((tree.Write("file", "x") + "/sub").c_str(), true));
-    EXPECT_FALSE(disk.CreateFolder("", true));
-    EXPECT_FALSE(disk.CreateFolder("http://x/y/", true));
+    EXPECT_TRUE(disk.IsFolder((tree / "a/b/c").c_str()));
+    for (std::string bad :
+         {tree.Write("file", "x") + "/sub", std::string(), std::string("http://x/y/")}) {
+        EXPECT_FALSE(disk.CreateFolder(bad.c_str(), true)) << bad;
+    }
 }
 
 TEST(DiskChanges, CreateFileKeepsWhatExistsUnlessAsked) {
@@ -415,9 +368,9 @@ TEST(DiskDelete, MovesToTheTrash) {
     EXPECT_TRUE(fs::exists(trash.home + "/Trash/info/gone.mp3.trashinfo"));
     EXPECT_TRUE(disk.Delete((tree / "album/").c_str(), nullptr, true, true));
     EXPECT_TRUE(fs::exists(trash.home + "/Trash/files/album/in.mp3"));
-    EXPECT_FALSE(disk.Delete(file.c_str(), nullptr, false, false));
-    EXPECT_FALSE(disk.Delete("a*b", nullptr, false, false));
-    EXPECT_FALSE(disk.Delete("/", nullptr, false, false));
+    for (const std::string& bad : {file, std::string("a*b"), std::string("/")}) {
+        EXPECT_FALSE(disk.Delete(bad.c_str(), nullptr, false, false)) << bad;
+    }
 }
 
 TEST(DiskDelete, WithoutATrashTheFileStays) {
@@ -495,7 +448,7 @@ protected:
     std::string archive;
 };
 
-TEST_F(DiskZip, ArchiveReadsBackInUnzipAndPython) {
+TEST_F(DiskZip, ArchiveReadsBackInUnzipAndPythonWithExactHeaders) {
     ASSERT_TRUE(SDisk().WriteZip(archive.c_str(), &files, skip));
     std::string output;
     EXPECT_EQ(RunCommand("unzip -t '" + archive + "'", output), 0) << output;
@@ -515,16 +468,12 @@ TEST_F(DiskZip, ArchiveReadsBackInUnzipAndPython) {
                       "Book/a.htm 14 0 14\n"
                       "Book/Imágenes/ñandú.jpg 3000 0 3000\n"
                       "Book/sub/deeper/b.bin 3 0 3\n");
-}
 
-TEST_F(DiskZip, HeadersOfAnEmptyFileAndTheEndRecord) {
-    ASSERT_TRUE(SDisk().WriteZip(archive.c_str(), &files, skip));
+    // The empty file's local header, then the end record.
     std::string bytes = TempDir::Read(archive);
     ASSERT_GT(bytes.size(), 22u);
     EXPECT_EQ(Read32(bytes, 0), 0x04034b50u);
-    EXPECT_EQ(Read32(bytes, 14), 0u); // CRC of no bytes
-    EXPECT_EQ(Read32(bytes, 18), 0u);
-    EXPECT_EQ(Read32(bytes, 22), 0u);
+    EXPECT_EQ(Read32(bytes, 14) | Read32(bytes, 18) | Read32(bytes, 22), 0u); // CRC and sizes
     EXPECT_EQ(bytes.substr(30, 14), "Book/empty.txt");
     size_t end = bytes.size() - 22;
     EXPECT_EQ(Read32(bytes, end), 0x06054b50u);

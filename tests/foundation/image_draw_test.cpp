@@ -5,6 +5,10 @@
 #include <cairo.h>
 #include <gtest/gtest.h>
 
+#include <tuple>
+#include <vector>
+
+#include <initializer_list>
 #include <memory>
 
 namespace {
@@ -36,6 +40,13 @@ public:
         int stride = cairo_image_surface_get_stride(surface);
         return reinterpret_cast<const uint32_t*>(data + y * stride)[x];
     }
+    std::vector<uint32_t> At(std::initializer_list<std::pair<int, int>> points) {
+        std::vector<uint32_t> pixels;
+        for (auto [x, y] : points) {
+            pixels.push_back(At(x, y));
+        }
+        return pixels;
+    }
 
     cairo_surface_t* surface;
     cairo_t* cr;
@@ -57,12 +68,9 @@ SImage MakeNumbered(int width, int height) {
 } // namespace
 
 TEST(ImageFitRect, FitsByTheTable) {
-    struct Case {
-        SRect box;
-        int width, height;
-        bool enlarge;
-        SRect expected;
-    } cases[] = {
+    // box, picture size, enlarge, fitted rectangle
+    // clang-format off
+    const std::tuple<SRect, int, int, bool, SRect> cases[] = {
         {{0, 0, 100, 100}, 50, 25, false, {25, 38, 75, 63}},
         {{0, 0, 100, 100}, 50, 25, true, {0, 25, 100, 75}},
         {{0, 0, 100, 100}, 25, 50, false, {38, 25, 63, 75}},
@@ -71,44 +79,43 @@ TEST(ImageFitRect, FitsByTheTable) {
         {{0, 0, 100, 100}, 100, 400, false, {38, 0, 63, 100}},
         {{0, 0, 100, 100}, 100, 100, false, {0, 0, 100, 100}},
         {{10, 20, 110, 70}, 300, 100, true, {10, 29, 110, 62}},
-        {{0, 0, 150, 150}, 40, 0, false, {55, 55, 95, 95}}, // no height: ratio 1
-    };
-    for (const Case& c : cases) {
-        SRect fitted = FitRect(c.box, c.width, c.height, c.enlarge);
-        EXPECT_EQ(fitted, c.expected)
-            << c.width << "x" << c.height << " enlarge " << c.enlarge << ": " << fitted.left << ","
+        {{0, 0, 150, 150}, 40, 0, false, {55, 55, 95, 95}}}; // no height: ratio 1
+    // clang-format on
+    for (const auto& [box, width, height, enlarge, expected] : cases) {
+        SRect fitted = FitRect(box, width, height, enlarge);
+        EXPECT_EQ(fitted, expected)
+            << width << "x" << height << " enlarge " << enlarge << ": " << fitted.left << ","
             << fitted.top << "," << fitted.right << "," << fitted.bottom;
     }
 }
 
 TEST(ImageDrawModes, NaturalSizeModesPlaceThePicture) {
     const SRect target{10, 10, 60, 50};
-    struct Case {
-        int mode;
-        int x, y; // where the picture's top left lands
-    } cases[] = {
-        {DRAW_TOPLEFT, 10, 10},      {DRAW_TOPCENTER, 30, 10},   {DRAW_TOPRIGHT, 50, 10},
-        {DRAW_MIDDLELEFT, 10, 27},   {DRAW_MIDDLERIGHT, 50, 27}, {DRAW_BOTTOMLEFT, 10, 44},
-        {DRAW_BOTTOMCENTER, 30, 44}, {DRAW_BOTTOMRIGHT, 50, 44}, {DRAW_CENTER, 30, 27},
-    };
+    // clang-format off
+    const std::tuple<int, int, int> cases[] = {
+        {DRAW_TOPLEFT, 10, 10}, {DRAW_TOPCENTER, 30, 10}, {DRAW_TOPRIGHT, 50, 10},
+        {DRAW_MIDDLELEFT, 10, 27}, {DRAW_MIDDLERIGHT, 50, 27}, {DRAW_BOTTOMLEFT, 10, 44},
+        {DRAW_BOTTOMCENTER, 30, 44}, {DRAW_BOTTOMRIGHT, 50, 44}, {DRAW_CENTER, 30, 27}};
+    // clang-format on
     SImage picture = MakeNumbered(10, 6);
-    for (const Case& c : cases) {
+    for (auto [mode, x, y] : cases) {
         Canvas canvas;
-        picture.drawMode = c.mode;
+        picture.drawMode = mode;
         picture.backColor = RED_BACK;
         picture.Draw(canvas.cr, &target);
-        EXPECT_EQ(canvas.At(c.x, c.y), picture.GetPixel(0, 0)) << c.mode;
-        EXPECT_EQ(canvas.At(c.x + 9, c.y + 5), picture.GetPixel(9, 5)) << c.mode;
-        EXPECT_EQ(canvas.At(c.x + 4, c.y + 2), picture.GetPixel(4, 2)) << c.mode;
+        EXPECT_EQ(canvas.At({{x, y}, {x + 9, y + 5}, {x + 4, y + 2}}),
+                  (std::vector<uint32_t>{picture.GetPixel(0, 0), picture.GetPixel(9, 5),
+                                         picture.GetPixel(4, 2)}))
+            << mode;
         // The rest of the target takes the back colour, outside it nothing.
-        int besideX = c.x > target.left ? c.x - 1 : c.x + 10;
-        EXPECT_EQ(canvas.At(besideX, c.y), RED) << c.mode;
-        EXPECT_EQ(canvas.At(5, 5), GREY) << c.mode;
-        EXPECT_EQ(canvas.At(60, 50), GREY) << c.mode;
+        int besideX = x > target.left ? x - 1 : x + 10;
+        EXPECT_EQ(canvas.At({{besideX, y}, {5, 5}, {60, 50}}),
+                  (std::vector<uint32_t>{RED, GREY, GREY}))
+            << mode;
     }
 }
 
-TEST(ImageDrawModes, WithoutBackColourTheTargetShowsThrough) {
+TEST(ImageDrawModes, WithoutBackColourTheTargetShowsThroughAndNaturalSizeIsClipped) {
     SImage picture = MakeNumbered(10, 6);
     for (uint32_t back : {0xFF000000u, 0xFF000001u}) {
         Canvas canvas;
@@ -119,19 +126,14 @@ TEST(ImageDrawModes, WithoutBackColourTheTargetShowsThrough) {
         EXPECT_EQ(canvas.At(1, 1), GREY);
         EXPECT_EQ(canvas.At(45, 37), picture.GetPixel(0, 0));
     }
-}
-
-TEST(ImageDrawModes, NaturalSizeIsClippedToTheTarget) {
     Canvas canvas;
-    SImage picture;
-    picture.Create(200, 200, PIXEL_FORMAT_24RGB);
-    picture.Fill(RED);
+    SImage big;
+    big.Create(200, 200, PIXEL_FORMAT_24RGB);
+    big.Fill(RED);
     SRect target{10, 10, 20, 20};
-    picture.Draw(canvas.cr, &target);
-    EXPECT_EQ(canvas.At(10, 10), RED);
-    EXPECT_EQ(canvas.At(19, 19), RED);
-    EXPECT_EQ(canvas.At(20, 15), GREY);
-    EXPECT_EQ(canvas.At(15, 20), GREY);
+    big.Draw(canvas.cr, &target);
+    EXPECT_EQ(canvas.At({{10, 10}, {19, 19}, {20, 15}, {15, 20}}),
+              (std::vector<uint32_t>{RED, RED, GREY, GREY}));
 }
 
 TEST(ImageDrawModes, StretchCoversTheTarget) {
@@ -144,12 +146,9 @@ TEST(ImageDrawModes, StretchCoversTheTarget) {
     picture.drawMode = DRAW_STRETCH;
     SRect target{10, 10, 90, 70};
     picture.Draw(canvas.cr, &target);
-    EXPECT_EQ(canvas.At(10, 10), 0xFF0000FFu);
-    EXPECT_EQ(canvas.At(10, 69), 0xFF0000FFu);
-    EXPECT_EQ(canvas.At(89, 69), 0xFF00FF00u);
-    EXPECT_EQ(canvas.At(89, 10), 0xFF00FF00u);
-    EXPECT_EQ(canvas.At(90, 70), GREY);
-    EXPECT_EQ(canvas.At(9, 9), GREY);
+    EXPECT_EQ(
+        canvas.At({{10, 10}, {10, 69}, {89, 69}, {89, 10}, {90, 70}, {9, 9}}),
+        (std::vector<uint32_t>{0xFF0000FFu, 0xFF0000FFu, 0xFF00FF00u, 0xFF00FF00u, GREY, GREY}));
 }
 
 TEST(ImageDrawModes, TileRepeatsFromTheTargetCorner) {
@@ -158,11 +157,10 @@ TEST(ImageDrawModes, TileRepeatsFromTheTargetCorner) {
     picture.drawMode = DRAW_TILE;
     SRect target{7, 5, 45, 40};
     picture.Draw(canvas.cr, &target);
-    EXPECT_EQ(canvas.At(7, 5), picture.GetPixel(0, 0));
-    EXPECT_EQ(canvas.At(7 + 10 + 3, 5 + 6 + 2), picture.GetPixel(3, 2));
-    EXPECT_EQ(canvas.At(7 + 30 + 7, 5 + 30 + 4), picture.GetPixel(7, 4));
-    EXPECT_EQ(canvas.At(45, 20), GREY);
-    EXPECT_EQ(canvas.At(20, 40), GREY);
+    EXPECT_EQ(
+        canvas.At({{7, 5}, {7 + 10 + 3, 5 + 6 + 2}, {7 + 30 + 7, 5 + 30 + 4}, {45, 20}, {20, 40}}),
+        (std::vector<uint32_t>{picture.GetPixel(0, 0), picture.GetPixel(3, 2),
+                               picture.GetPixel(7, 4), GREY, GREY}));
 }
 
 TEST(ImageDrawModes, FitKeepsSizeAndFitEnlargeFills) {
@@ -175,25 +173,19 @@ TEST(ImageDrawModes, FitKeepsSizeAndFitEnlargeFills) {
         Canvas canvas;
         picture.drawMode = DRAW_FIT;
         picture.Draw(canvas.cr, &target);
-        EXPECT_EQ(canvas.At(40, 35), 0xFF0000FFu);
-        EXPECT_EQ(canvas.At(59, 44), 0xFF0000FFu);
-        EXPECT_EQ(canvas.At(39, 35), RED);
-        EXPECT_EQ(canvas.At(60, 44), RED);
-        EXPECT_EQ(canvas.At(50, 34), RED);
-        EXPECT_EQ(canvas.At(50, 45), RED);
+        EXPECT_EQ(canvas.At({{40, 35}, {59, 44}, {39, 35}, {60, 44}, {50, 34}, {50, 45}}),
+                  (std::vector<uint32_t>{0xFF0000FFu, 0xFF0000FFu, RED, RED, RED, RED}));
     }
     {
         Canvas canvas;
         picture.drawMode = DRAW_FIT_ENLARGE;
         picture.Draw(canvas.cr, &target);
-        EXPECT_EQ(canvas.At(0, 15), 0xFF0000FFu);
-        EXPECT_EQ(canvas.At(99, 64), 0xFF0000FFu);
-        EXPECT_EQ(canvas.At(0, 14), RED);
-        EXPECT_EQ(canvas.At(99, 65), RED);
+        EXPECT_EQ(canvas.At({{0, 15}, {99, 64}, {0, 14}, {99, 65}}),
+                  (std::vector<uint32_t>{0xFF0000FFu, 0xFF0000FFu, RED, RED}));
     }
 }
 
-TEST(ImageDrawColours, KeyColourBecomesTransparent) {
+TEST(ImageDrawColours, KeyColourBecomesTransparentAndAlphaBlends) {
     Canvas canvas;
     SImage picture;
     picture.Create(4, 4, PIXEL_FORMAT_24RGB);
@@ -202,48 +194,37 @@ TEST(ImageDrawColours, KeyColourBecomesTransparent) {
     picture.Fill(0xFF00FF00u, &middle);
     picture.keyColor = 0x00FF00FF; // magenta as 0x00BBGGRR
     picture.DrawAt(canvas.cr, 10, 10);
-    EXPECT_EQ(canvas.At(10, 10), GREY);
-    EXPECT_EQ(canvas.At(11, 11), 0xFF00FF00u);
-    EXPECT_EQ(canvas.At(13, 13), GREY);
-}
-
-TEST(ImageDrawColours, AlphaBlendsOverTheTarget) {
-    Canvas canvas;
-    SImage picture;
-    picture.Create(2, 2, PIXEL_FORMAT_32ARGB);
-    picture.Fill(Argb(128, 255, 255, 255));
-    picture.DrawAt(canvas.cr, 0, 0);
+    EXPECT_EQ(canvas.At({{10, 10}, {11, 11}, {13, 13}}),
+              (std::vector<uint32_t>{GREY, 0xFF00FF00u, GREY}));
+    SImage clear;
+    clear.Create(2, 2, PIXEL_FORMAT_32ARGB);
+    clear.Fill(Argb(128, 255, 255, 255));
+    clear.DrawAt(canvas.cr, 0, 0);
     uint32_t blended = canvas.At(1, 1);
     EXPECT_NEAR(static_cast<int>((blended >> 16) & 0xFF), 192, 2) << std::hex << blended;
 }
 
-TEST(ImageDrawSource, SourceRectangleDrawsAPart) {
+TEST(ImageDrawSource, SourceRectangleDrawsAPartAndEmptyPicturesDrawNothing) {
     Canvas canvas;
     SImage picture = MakeNumbered(10, 6);
     SRect source{2, 1, 5, 4};
     picture.DrawAt(canvas.cr, 10, 10, -1, -1, &source);
-    EXPECT_EQ(canvas.At(10, 10), picture.GetPixel(2, 1));
-    EXPECT_EQ(canvas.At(12, 12), picture.GetPixel(4, 3));
-    EXPECT_EQ(canvas.At(13, 10), GREY);
-    EXPECT_EQ(canvas.At(10, 13), GREY);
-}
-
-TEST(ImageDrawSource, EmptyPictureOrNullTargetDrawsNothing) {
-    Canvas canvas;
+    EXPECT_EQ(canvas.At({{10, 10}, {12, 12}, {13, 10}, {10, 13}}),
+              (std::vector<uint32_t>{picture.GetPixel(2, 1), picture.GetPixel(4, 3), GREY, GREY}));
     SImage empty;
     empty.Draw(canvas.cr);
     empty.Draw(nullptr);
     EXPECT_EQ(canvas.At(0, 0), GREY);
-    SImage picture = MakeNumbered(3, 3);
-    picture.Draw(canvas.cr); // null target: the picture's own rectangle
-    EXPECT_EQ(canvas.At(2, 2), picture.GetPixel(2, 2));
+    SImage small = MakeNumbered(3, 3);
+    small.Draw(canvas.cr); // null target: the picture's own rectangle
+    EXPECT_EQ(canvas.At(2, 2), small.GetPixel(2, 2));
     EXPECT_EQ(canvas.At(3, 3), GREY);
     SRect nowhere{5, 5, 5, 9};
-    picture.Draw(canvas.cr, &nowhere);
+    small.Draw(canvas.cr, &nowhere);
     EXPECT_EQ(canvas.At(5, 5), GREY);
 }
 
-TEST(ImageSurface, CreateAndLoadRoundTrip) {
+TEST(ImageSurface, CreateAndLoadRoundTripAndRgbSurfacesLoadWithoutAlpha) {
     SImage picture;
     picture.Create(3, 1, PIXEL_FORMAT_32ARGB);
     SRect first{0, 0, 1, 1};
@@ -266,18 +247,14 @@ TEST(ImageSurface, CreateAndLoadRoundTrip) {
     EXPECT_FALSE(part.LoadSurface(surface, 2, 0, 2, 1));
     EXPECT_FALSE(part.LoadSurface(nullptr, 0, 0));
     cairo_surface_destroy(surface);
-}
-
-TEST(ImageSurface, RgbSurfaceLoadsWithoutAlpha) {
-    Canvas canvas;
+    // An RGB surface loads without alpha.
     cairo_surface_t* rgb = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 4, 4);
     cairo_t* cr = cairo_create(rgb);
     cairo_set_source_rgb(cr, 1, 0, 0);
     cairo_paint(cr);
     cairo_destroy(cr);
-    SImage image;
-    ASSERT_TRUE(image.LoadSurface(rgb, 0, 0));
-    EXPECT_EQ(image.GetFormat(), PIXEL_FORMAT_24RGB);
-    EXPECT_EQ(image.GetPixel(3, 3), RED);
+    ASSERT_TRUE(back.LoadSurface(rgb, 0, 0));
+    EXPECT_EQ(back.GetFormat(), PIXEL_FORMAT_24RGB);
+    EXPECT_EQ(back.GetPixel(3, 3), RED);
     cairo_surface_destroy(rgb);
 }

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <tuple>
 #include <vector>
 
 #include "foundation/file.h"
@@ -47,44 +48,42 @@ SImage MakeSolid(int width, int height, uint32_t argb, int format = PIXEL_FORMAT
 // ---- format tags and state ----
 
 TEST(ImageFormat, BitsPerPixelComesFromTheTag) {
-    struct Case {
-        int format;
-        int bits;
-    } cases[] = {
-        {PIXEL_FORMAT_24RGB, 24},
-        {PIXEL_FORMAT_32RGB, 32},
-        {PIXEL_FORMAT_32ARGB, 32},
-        {PIXEL_FORMAT_32PARGB, 32},
-        {0x30101, 1},
-        {0x30402, 4},
-        {0x30803, 8},
-        {0x21005, 16},
-        {0x101004, 16},
-        {0x10300C, 48},
-        {0x34400D, 64},
-        {0, 0},
-        {0x1900, 0},
-        {-1, 0},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(GetBitsPerPixel(c.format), c.bits) << c.format;
+    // clang-format off
+    const std::pair<int, int> cases[] = {
+        {PIXEL_FORMAT_24RGB, 24}, {PIXEL_FORMAT_32RGB, 32}, {PIXEL_FORMAT_32ARGB, 32},
+        {PIXEL_FORMAT_32PARGB, 32}, {0x30101, 1}, {0x30402, 4}, {0x30803, 8}, {0x21005, 16},
+        {0x101004, 16}, {0x10300C, 48}, {0x34400D, 64}, {0, 0}, {0x1900, 0}, {-1, 0}};
+    // clang-format on
+    for (auto [format, bits] : cases) {
+        EXPECT_EQ(GetBitsPerPixel(format), bits) << format;
     }
 }
 
-TEST(ImageFormat, EmptyPictureReportsZeros) {
-    SImage image;
-    EXPECT_FALSE(image.IsValid());
-    EXPECT_EQ(image.GetWidth(), 0);
-    EXPECT_EQ(image.GetHeight(), 0);
-    EXPECT_EQ(image.GetFormat(), 0);
-    EXPECT_EQ(image.GetBitsPerPixel(), 0);
-    EXPECT_EQ(image.GetPixel(0, 0), 0u);
-    EXPECT_EQ(image.GetPixels(), nullptr);
-    EXPECT_FALSE(image.Resize(10, 10));
-    EXPECT_TRUE(image.GetRegion(0).empty());
+TEST(ImageFormat, EmptyOrRefusedPicturesReportZerosYetCreateIsTrue) {
+    auto expectEmpty = [](SImage& image) {
+        EXPECT_FALSE(image.IsValid());
+        EXPECT_EQ(image.GetWidth() + image.GetHeight() + image.GetFormat(), 0);
+        EXPECT_EQ(image.GetBitsPerPixel(), 0);
+        EXPECT_EQ(image.GetPixel(0, 0), 0u);
+        EXPECT_EQ(image.GetPixels(), nullptr);
+        EXPECT_FALSE(image.Resize(10, 10));
+        EXPECT_TRUE(image.GetRegion(0).empty());
+    };
+    SImage none;
+    expectEmpty(none);
+    const std::tuple<int, int, int> refused[] = {{0, 5, PIXEL_FORMAT_24RGB},
+                                                 {5, -1, PIXEL_FORMAT_24RGB},
+                                                 {IMAGE_MAX_SIDE + 1, 1, PIXEL_FORMAT_24RGB},
+                                                 {5, 5, 12345}};
+    for (auto [width, height, format] : refused) {
+        SImage image = MakeSolid(2, 2, 0xFFFFFFFFu);
+        EXPECT_TRUE(image.Create(width, height, format));
+        SCOPED_TRACE(std::to_string(width) + "x" + std::to_string(height));
+        expectEmpty(image);
+    }
 }
 
-TEST(ImageFormat, CreateKeepsAlphaOnlyForAlphaFormats) {
+TEST(ImageFormat, TwentyFourBitsKeepNoAlphaAndThirtyTwoBitRgbGainsIt) {
     SImage rgb;
     EXPECT_TRUE(rgb.Create(4, 3, PIXEL_FORMAT_24RGB));
     EXPECT_EQ(rgb.GetBitsPerPixel(), 24);
@@ -92,6 +91,8 @@ TEST(ImageFormat, CreateKeepsAlphaOnlyForAlphaFormats) {
     EXPECT_EQ(rgb.GetPixel(3, 2), 0xFF000000u); // opaque black
     rgb.Fill(0x00123456u);
     EXPECT_EQ(rgb.GetPixel(0, 0), 0xFF123456u); // no alpha kept
+    EXPECT_FALSE(rgb.SetAlpha(128));
+    EXPECT_EQ(rgb.GetPixel(0, 0), 0xFF123456u);
 
     SImage argb;
     argb.Create(4, 3, PIXEL_FORMAT_32ARGB);
@@ -99,20 +100,14 @@ TEST(ImageFormat, CreateKeepsAlphaOnlyForAlphaFormats) {
     EXPECT_EQ(argb.GetPixel(0, 0), 0u); // transparent
     argb.Fill(0x40123456u);
     EXPECT_EQ(argb.GetPixel(1, 1), 0x40123456u);
-}
+    EXPECT_TRUE(argb.ConvertTo(PIXEL_FORMAT_24RGB));
+    EXPECT_EQ(argb.GetPixel(0, 0), 0xFF123456u);
+    EXPECT_FALSE(argb.ConvertTo(777));
 
-TEST(ImageFormat, CreateIsTrueEvenWhenNothingIsMade) {
-    struct Case {
-        int width, height, format;
-    } cases[] = {{0, 5, PIXEL_FORMAT_24RGB},
-                 {5, -1, PIXEL_FORMAT_24RGB},
-                 {IMAGE_MAX_SIDE + 1, 1, PIXEL_FORMAT_24RGB},
-                 {5, 5, 12345}};
-    for (const Case& c : cases) {
-        SImage image = MakeSolid(2, 2, 0xFFFFFFFFu);
-        EXPECT_TRUE(image.Create(c.width, c.height, c.format));
-        EXPECT_FALSE(image.IsValid()) << c.width << "x" << c.height;
-    }
+    SImage rgb32 = MakeSolid(2, 2, 0xFF102030u, PIXEL_FORMAT_32RGB);
+    EXPECT_TRUE(rgb32.SetAlpha(64));
+    EXPECT_EQ(rgb32.GetFormat(), PIXEL_FORMAT_32ARGB);
+    EXPECT_EQ(rgb32.GetPixel(1, 1), 0x40102030u);
 }
 
 TEST(ImageFormat, ResetClearsAttributesAndEmptyKeepsThem) {
@@ -131,13 +126,6 @@ TEST(ImageFormat, ResetClearsAttributesAndEmptyKeepsThem) {
     EXPECT_EQ(image.backColor, 0xFF000000u);
     EXPECT_EQ(image.keyColor, 0xFF000000u);
     EXPECT_EQ(image.flag, 0u);
-}
-
-TEST(ImageFormat, ConvertToOpaqueFormatDropsAlpha) {
-    SImage image = MakeSolid(2, 2, 0x10203040u);
-    EXPECT_TRUE(image.ConvertTo(PIXEL_FORMAT_24RGB));
-    EXPECT_EQ(image.GetPixel(0, 0), 0xFF203040u);
-    EXPECT_FALSE(image.ConvertTo(777));
 }
 
 // ---- pixels in and out ----
@@ -160,15 +148,10 @@ TEST(ImagePixels, GetPixelsGivesTopDownBytes) {
     std::unique_ptr<uint8_t[]> bgra = image.GetPixels(PIXEL_FORMAT_32ARGB);
     ASSERT_NE(bgra, nullptr);
     // Pixel (2, 1): B 7, G 1, R 2, A 255 at byte (1 * 3 + 2) * 4.
-    EXPECT_EQ(bgra[20], 7);
-    EXPECT_EQ(bgra[21], 1);
-    EXPECT_EQ(bgra[22], 2);
-    EXPECT_EQ(bgra[23], 255);
+    EXPECT_EQ(std::vector<uint8_t>(&bgra[20], &bgra[24]), (std::vector<uint8_t>{7, 1, 2, 255}));
     std::unique_ptr<uint8_t[]> bgr = image.GetPixels(PIXEL_FORMAT_24RGB);
     ASSERT_NE(bgr, nullptr);
-    EXPECT_EQ(bgr[15], 7);
-    EXPECT_EQ(bgr[16], 1);
-    EXPECT_EQ(bgr[17], 2);
+    EXPECT_EQ(std::vector<uint8_t>(&bgr[15], &bgr[18]), (std::vector<uint8_t>{7, 1, 2}));
     EXPECT_EQ(image.GetPixels(0x30803), nullptr); // 8-bit is not given
 }
 
@@ -201,12 +184,6 @@ TEST(ImagePixels, FillClipsTheRectangle) {
 
 // ---- alpha, grey and tint ----
 
-TEST(ImageAlpha, SetAlphaIsFalseOnTwentyFourBits) {
-    SImage image = MakeSolid(2, 2, 0xFF808080u, PIXEL_FORMAT_24RGB);
-    EXPECT_FALSE(image.SetAlpha(128));
-    EXPECT_EQ(image.GetPixel(0, 0), 0xFF808080u);
-}
-
 TEST(ImageAlpha, OnlyLowerKeepsLowerAlpha) {
     SImage image;
     image.Create(2, 1, PIXEL_FORMAT_32ARGB);
@@ -220,13 +197,6 @@ TEST(ImageAlpha, OnlyLowerKeepsLowerAlpha) {
     EXPECT_EQ(image.GetPixel(1, 0) & 0xFFFFFFu, 0x0A141Eu);
     EXPECT_TRUE(image.SetAlpha(255, &first, false));
     EXPECT_EQ(image.GetPixel(0, 0) >> 24, 255u);
-}
-
-TEST(ImageAlpha, SetAlphaOnThirtyTwoBitRgbGivesAlphaFormat) {
-    SImage image = MakeSolid(2, 2, 0xFF102030u, PIXEL_FORMAT_32RGB);
-    EXPECT_TRUE(image.SetAlpha(64));
-    EXPECT_EQ(image.GetFormat(), PIXEL_FORMAT_32ARGB);
-    EXPECT_EQ(image.GetPixel(1, 1), 0x40102030u);
 }
 
 TEST(ImageAlpha, FlattenAlphaWhitensEveryTranslucentPixel) {
@@ -256,22 +226,17 @@ TEST(ImageAlpha, FlattenBlendsOverTheBackColour) {
     EXPECT_EQ(image.GetPixel(1, 1), Argb(255, 127, 127, 255));
 }
 
-TEST(ImageGray, MakeGrayUsesLuminanceWeights) {
-    struct Case {
-        uint32_t in;
-        uint32_t grey;
-    } cases[] = {
-        {Argb(255, 255, 0, 0), 76},      {Argb(255, 0, 255, 0), 150}, {Argb(255, 0, 0, 255), 29},
-        {Argb(255, 255, 255, 255), 255}, {Argb(255, 0, 0, 0), 0},     {Argb(255, 10, 20, 30), 18},
-    };
-    for (const Case& c : cases) {
-        SImage image = MakeSolid(1, 1, c.in, PIXEL_FORMAT_24RGB);
+TEST(ImageGray, MakeGrayUsesLuminanceWeightsKeepsAlphaAndHonoursTheRectangle) {
+    // clang-format off
+    const std::pair<uint32_t, uint32_t> cases[] = {
+        {Argb(255, 255, 0, 0), 76}, {Argb(255, 0, 255, 0), 150}, {Argb(255, 0, 0, 255), 29},
+        {Argb(255, 255, 255, 255), 255}, {Argb(255, 0, 0, 0), 0}, {Argb(255, 10, 20, 30), 18}};
+    // clang-format on
+    for (auto [in, grey] : cases) {
+        SImage image = MakeSolid(1, 1, in, PIXEL_FORMAT_24RGB);
         EXPECT_TRUE(image.MakeGray());
-        EXPECT_EQ(image.GetPixel(0, 0), Argb(255, c.grey, c.grey, c.grey)) << std::hex << c.in;
+        EXPECT_EQ(image.GetPixel(0, 0), Argb(255, grey, grey, grey)) << std::hex << in;
     }
-}
-
-TEST(ImageGray, MakeGrayKeepsAlphaAndHonoursTheRectangle) {
     SImage image = MakeSolid(2, 1, Argb(77, 255, 0, 0));
     SRect left{0, 0, 1, 1};
     EXPECT_TRUE(image.MakeGray(&left));
@@ -292,31 +257,22 @@ TEST(ImageTint, LuminanceScalesTheColour) {
 
 // ---- geometry ----
 
-TEST(ImageResize, ToThePresentSizeIsFalseAndChangesNothing) {
-    SImage image = MakeNumbered(5, 4);
-    uint32_t corner = image.GetPixel(4, 3);
-    EXPECT_FALSE(image.Resize(5, 4));
-    EXPECT_EQ(image.GetWidth(), 5);
-    EXPECT_EQ(image.GetPixel(4, 3), corner);
-}
-
-TEST(ImageResize, GivesTheAskedSizes) {
-    struct Case {
-        int width, height;
-        bool result;
-        int newWidth, newHeight;
-    } cases[] = {
-        {150, 150, true, 150, 150}, {1, 1, true, 1, 1},
-        {3, 200, true, 3, 200},     {0, 10, false, 40, 30},
-        {-5, 10, false, 40, 30},    {40, 30, false, 40, 30},
-        {40, 31, true, 40, 31},     {IMAGE_MAX_SIDE + 1, 5, false, 40, 30},
-    };
-    for (const Case& c : cases) {
+TEST(ImageResize, GivesTheAskedSizesAndChangesNothingOnRefusal) {
+    // clang-format off
+    const std::tuple<int, int, bool, int, int> cases[] = {
+        {150, 150, true, 150, 150}, {1, 1, true, 1, 1}, {3, 200, true, 3, 200},
+        {0, 10, false, 40, 30}, {-5, 10, false, 40, 30}, {40, 30, false, 40, 30},
+        {40, 31, true, 40, 31}, {IMAGE_MAX_SIDE + 1, 5, false, 40, 30}};
+    // clang-format on
+    for (auto [width, height, result, newWidth, newHeight] : cases) {
         SImage image = MakeNumbered(40, 30, PIXEL_FORMAT_24RGB);
-        EXPECT_EQ(image.Resize(c.width, c.height), c.result) << c.width << "x" << c.height;
-        EXPECT_EQ(image.GetWidth(), c.newWidth);
-        EXPECT_EQ(image.GetHeight(), c.newHeight);
+        EXPECT_EQ(image.Resize(width, height), result) << width << "x" << height;
+        EXPECT_EQ(image.GetWidth(), newWidth);
+        EXPECT_EQ(image.GetHeight(), newHeight);
         EXPECT_EQ(image.GetFormat(), PIXEL_FORMAT_24RGB);
+        if (!result) {
+            EXPECT_EQ(image.GetPixel(39, 29), Argb(255, 39, 29, 7));
+        }
     }
 }
 
@@ -374,24 +330,19 @@ TEST(ImageCanvas, CentresWithoutScalingAndMakesTheMarginClear) {
 
 TEST(ImageRotate, NonSquarePictureTurnsClockwise) {
     SImage image = MakeNumbered(3, 2); // pixel (x, y) has red x, green y
-    struct Case {
-        int degrees;
-        int width, height;
-        // Where the source's top left (0, 0) and top right (2, 0) land.
-        int topLeftX, topLeftY, topRightX, topRightY;
-    } cases[] = {
-        {90, 2, 3, 1, 0, 1, 2},
-        {180, 3, 2, 2, 1, 0, 1},
-        {270, 2, 3, 0, 2, 0, 0},
-    };
-    for (const Case& c : cases) {
+    // degrees, size, and where the source's top left (0, 0) and top right (2, 0) land
+    // clang-format off
+    const std::tuple<int, int, int, int, int, int, int> cases[] = {
+        {90, 2, 3, 1, 0, 1, 2}, {180, 3, 2, 2, 1, 0, 1}, {270, 2, 3, 0, 2, 0, 0}};
+    // clang-format on
+    for (auto [degrees, width, height, topLeftX, topLeftY, topRightX, topRightY] : cases) {
         SImage turned;
         turned.CopyFrom(&image);
-        ASSERT_TRUE(turned.Rotate(c.degrees));
-        EXPECT_EQ(turned.GetWidth(), c.width);
-        EXPECT_EQ(turned.GetHeight(), c.height);
-        EXPECT_EQ(turned.GetPixel(c.topLeftX, c.topLeftY), image.GetPixel(0, 0)) << c.degrees;
-        EXPECT_EQ(turned.GetPixel(c.topRightX, c.topRightY), image.GetPixel(2, 0)) << c.degrees;
+        ASSERT_TRUE(turned.Rotate(degrees));
+        EXPECT_EQ(turned.GetWidth(), width);
+        EXPECT_EQ(turned.GetHeight(), height);
+        EXPECT_EQ(turned.GetPixel(topLeftX, topLeftY), image.GetPixel(0, 0)) << degrees;
+        EXPECT_EQ(turned.GetPixel(topRightX, topRightY), image.GetPixel(2, 0)) << degrees;
     }
     SImage turned;
     turned.CopyFrom(&image);
@@ -426,50 +377,42 @@ TEST(ImageCrop, CopiesTheRegionInTheSourceFormat) {
     EXPECT_EQ(source.GetPixel(0, 0), Argb(255, 1, 1, 7));
 }
 
-TEST(ImageRegion, RunsOfPixelsThatDifferFromTheKey) {
+TEST(ImageRegion, RunsOfPixelsThatDifferFromTheKeyWithTransparentAsBlack) {
     // Magenta key with a shape: row 0 "..XX.X", row 1 "......", row 2 "XXXXXX".
-    const uint32_t key = 0x00FF00FF;
     SImage image = MakeSolid(6, 3, Argb(255, 255, 0, 255), PIXEL_FORMAT_24RGB);
     FillRect(image, Argb(255, 1, 2, 3), 2, 0, 4, 1);
     FillRect(image, Argb(255, 1, 2, 3), 5, 0, 6, 1);
     FillRect(image, Argb(255, 9, 9, 9), 0, 2, 6, 3);
-    std::vector<SRect> runs = image.GetRegion(key);
-    std::vector<SRect> expected = {{2, 0, 4, 1}, {5, 0, 6, 1}, {0, 2, 6, 3}};
-    EXPECT_EQ(runs, expected);
-}
-
-TEST(ImageRegion, TransparentPixelsCountAsBlack) {
-    SImage image;
-    image.Create(3, 1, PIXEL_FORMAT_32ARGB); // all transparent
-    FillRect(image, Argb(255, 0, 0, 0), 1, 0, 2, 1);
-    EXPECT_TRUE(image.GetRegion(0x000000).empty());
-    EXPECT_EQ(image.GetRegion(0xFFFFFF).size(), 1u);
+    EXPECT_EQ(image.GetRegion(0x00FF00FF),
+              (std::vector<SRect>{{2, 0, 4, 1}, {5, 0, 6, 1}, {0, 2, 6, 3}}));
+    SImage clear;
+    clear.Create(3, 1, PIXEL_FORMAT_32ARGB); // all transparent
+    FillRect(clear, Argb(255, 0, 0, 0), 1, 0, 2, 1);
+    EXPECT_TRUE(clear.GetRegion(0x000000).empty());
+    EXPECT_EQ(clear.GetRegion(0xFFFFFF).size(), 1u);
 }
 
 // ---- image list ----
 
-TEST(ImageListCells, OutOfRangeSizesBecomeSixteen) {
-    struct Case {
-        int width, height, cellWidth, cellHeight;
-    } cases[] = {{0, 300, 16, 16}, {-1, 256, 16, 256}, {1, 257, 1, 16}, {24, 24, 24, 24}};
-    for (const Case& c : cases) {
-        SImageList list;
-        EXPECT_TRUE(list.Create(c.width, c.height, 0));
-        EXPECT_EQ(list.GetWidth(), c.cellWidth);
-        EXPECT_EQ(list.GetHeight(), c.cellHeight);
-        EXPECT_EQ(list.GetCount(), 0);
-    }
-}
-
-TEST(ImageListCells, AddingBeforeCreateFails) {
+TEST(ImageListCells, OutOfRangeSizesBecomeSixteenAndAddingBeforeCreateFails) {
     SImageList list;
     SImage image = MakeSolid(16, 16, 0xFFFFFFFFu);
     EXPECT_FALSE(list.Add(&image));
     EXPECT_FALSE(list.AddEmpty());
     EXPECT_EQ(list.GetCount(), 0);
+    // clang-format off
+    const std::tuple<int, int, int, int> cases[] = {
+        {0, 300, 16, 16}, {-1, 256, 16, 256}, {1, 257, 1, 16}, {24, 24, 24, 24}};
+    // clang-format on
+    for (auto [width, height, cellWidth, cellHeight] : cases) {
+        EXPECT_TRUE(list.Create(width, height, 0));
+        EXPECT_EQ(list.GetWidth(), cellWidth);
+        EXPECT_EQ(list.GetHeight(), cellHeight);
+        EXPECT_EQ(list.GetCount(), 0);
+    }
 }
 
-TEST(ImageListCells, StripOfFourCellsAddsFour) {
+TEST(ImageListCells, StripsAndGridsAreCutIntoCells) {
     SImage strip = MakeNumbered(64, 16);
     SImageList list;
     ASSERT_TRUE(list.CreateFromStrip(&strip, 16, 16));
@@ -485,11 +428,8 @@ TEST(ImageListCells, StripOfFourCellsAddsFour) {
     ASSERT_TRUE(one.LoadImageList(list, 3));
     EXPECT_EQ(one.GetPixel(0, 0), strip.GetPixel(48, 0));
     EXPECT_FALSE(one.LoadImageList(list, 4));
-}
-
-TEST(ImageListCells, StripCutsRowByRowAndRefusesNarrowPictures) {
+    // A grid is cut row by row; a picture narrower than a cell is refused.
     SImage grid = MakeNumbered(32, 32);
-    SImageList list;
     ASSERT_TRUE(list.CreateFromStrip(&grid, 0, 0)); // cells of 16
     ASSERT_EQ(list.GetCount(), 4);
     EXPECT_EQ(list.GetImage(1)->GetPixel(0, 0), grid.GetPixel(16, 0));
@@ -537,7 +477,7 @@ TEST(ImageListCells, DisabledLookIsGreyAndHalfTransparent) {
 
 // ---- water ----
 
-TEST(ImageWaterRipple, StillWaterCopiesTheSource) {
+TEST(ImageWaterRipple, StillWaterCopiesTheSourceAndEdgeDropsStayInside) {
     SImageWater water;
     ASSERT_TRUE(water.Create(20, 10));
     SImage source = MakeNumbered(20, 10, PIXEL_FORMAT_24RGB);
@@ -549,6 +489,13 @@ TEST(ImageWaterRipple, StillWaterCopiesTheSource) {
     SImage wrongSize = MakeNumbered(10, 10);
     EXPECT_FALSE(water.Step(wrongSize, &frame));
     EXPECT_FALSE(water.Create(0, 5));
+    ASSERT_TRUE(water.Create(20, 10));
+    water.Drop(-100, 3, 5, 50); // wholly outside: nothing
+    water.Drop(0, 0, 50, 5000);
+    water.Drop(19, 9, 3, -300);
+    for (int i = 0; i < 3000 && water.Step(source, &frame); ++i) {
+    }
+    EXPECT_TRUE(water.IsStill());
 }
 
 TEST(ImageWaterRipple, DropDisturbsAndThenComesToRest) {
@@ -574,17 +521,4 @@ TEST(ImageWaterRipple, DropDisturbsAndThenComesToRest) {
     EXPECT_LT(steps, 5000) << "the water never came to rest";
     EXPECT_TRUE(water.IsStill());
     EXPECT_EQ(frame.GetPixel(75, 75), source.GetPixel(75, 75));
-}
-
-TEST(ImageWaterRipple, DropsAtTheEdgeStayInside) {
-    SImageWater water;
-    ASSERT_TRUE(water.Create(8, 8));
-    water.Drop(-100, 3, 5, 50); // wholly outside: nothing
-    water.Drop(0, 0, 50, 5000);
-    water.Drop(7, 7, 3, -300);
-    SImage source = MakeNumbered(8, 8);
-    SImage frame;
-    for (int i = 0; i < 3000 && water.Step(source, &frame); ++i) {
-    }
-    EXPECT_TRUE(water.IsStill());
 }

@@ -9,8 +9,10 @@
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 #include "support/temp_dir.h"
+#include "test_support.h"
 
 namespace {
 
@@ -28,6 +30,15 @@ std::string MemoryText(const SIni& ini) {
         return std::string();
     }
     return std::string(memory.GetData(), size_t(memory.GetSize()));
+}
+
+// The case's name as a test name: letters and digits, "_" for the rest.
+template <typename Case> std::string CaseName(const ::testing::TestParamInfo<Case>& info) {
+    std::string name;
+    for (const char* p = info.param.name; *p != 0; ++p) {
+        name += std::isalnum(static_cast<unsigned char>(*p)) ? *p : '_';
+    }
+    return name;
 }
 
 struct ReadCase {
@@ -86,30 +97,17 @@ TEST_P(IniRead, MemoryAndFileGiveTheSameValue) {
     EXPECT_EQ(fileIni.ReadString(c.section, c.key), c.expected);
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, IniRead, ::testing::ValuesIn(READ_CASES),
-                         [](const ::testing::TestParamInfo<ReadCase>& info) {
-                             std::string name;
-                             for (const char* p = info.param.name; *p != 0; ++p) {
-                                 name += std::isalnum(static_cast<unsigned char>(*p)) ? *p : '_';
-                             }
-                             return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(Cases, IniRead, ::testing::ValuesIn(READ_CASES), CaseName<ReadCase>);
 
-TEST(IniReadTyped, IntFollowsAtoi) {
+TEST(IniReadTyped, IntFollowsAtoiAndBoolIsTrueOnlyForExactlyOne) {
     SIni ini;
-    LoadMemory(ini, "[s]\r\na=12abc\r\nb=-5\r\nc=x\r\nd= 7\r\n");
-    EXPECT_EQ(ini.ReadInt("s", "a"), 12);
-    EXPECT_EQ(ini.ReadInt("s", "b"), -5);
-    EXPECT_EQ(ini.ReadInt("s", "c"), 0);
-    EXPECT_EQ(ini.ReadInt("s", "d"), 7);
-    EXPECT_EQ(ini.ReadInt("s", "absent"), 0);
-}
-
-TEST(IniReadTyped, BoolIsTrueOnlyForExactlyOne) {
-    SIni ini;
-    LoadMemory(ini, "[s]\r\na=1\r\nb=true\r\nc=01\r\nd= 1\r\ne=1 \r\nf=2\r\n");
-    EXPECT_TRUE(ini.ReadBool("s", "a"));
-    for (const char* key : {"b", "c", "d", "e", "f", "absent"}) {
+    LoadMemory(ini, "[s]\r\na=12abc\r\nb=-5\r\nc=x\r\nd= 7\r\none=1\r\nt=true\r\n"
+                    "z1=01\r\nb1= 1\r\n1b=1 \r\ntwo=2\r\n");
+    EXPECT_EQ((std::vector<int>{ini.ReadInt("s", "a"), ini.ReadInt("s", "b"), ini.ReadInt("s", "c"),
+                                ini.ReadInt("s", "d"), ini.ReadInt("s", "absent")}),
+              (std::vector<int>{12, -5, 0, 7, 0}));
+    EXPECT_TRUE(ini.ReadBool("s", "one"));
+    for (const char* key : {"t", "z1", "b1", "1b", "two", "absent"}) {
         EXPECT_FALSE(ini.ReadBool("s", key)) << key;
     }
 }
@@ -148,34 +146,24 @@ const WriteCase WRITE_CASES[] = {
 
 class IniWrite : public ::testing::TestWithParam<WriteCase> {};
 
-TEST_P(IniWrite, MemoryImageChangesExactly) {
+TEST_P(IniWrite, MemoryImageAndFileChangeExactly) {
     const WriteCase& c = GetParam();
-    SIni ini;
-    LoadMemory(ini, c.before);
-    ASSERT_TRUE(ini.WriteString(c.section, c.key, c.value));
-    EXPECT_EQ(MemoryText(ini), c.after);
-    EXPECT_EQ(ini.ReadString(c.section, c.key), c.value);
-}
+    SIni memoryIni;
+    LoadMemory(memoryIni, c.before);
+    ASSERT_TRUE(memoryIni.WriteString(c.section, c.key, c.value));
+    EXPECT_EQ(MemoryText(memoryIni), c.after);
+    EXPECT_EQ(memoryIni.ReadString(c.section, c.key), c.value);
 
-TEST_P(IniWrite, FileChangesExactly) {
-    const WriteCase& c = GetParam();
     TempDir dir;
     std::string path = dir.Write("a.ini", c.before);
-    SIni ini;
-    ASSERT_TRUE(ini.SetFile(path.c_str(), false));
-    ASSERT_TRUE(ini.WriteString(c.section, c.key, c.value));
+    SIni fileIni;
+    ASSERT_TRUE(fileIni.SetFile(path.c_str(), false));
+    ASSERT_TRUE(fileIni.WriteString(c.section, c.key, c.value));
     EXPECT_EQ(TempDir::Read(path), c.after);
-    EXPECT_EQ(ini.ReadString(c.section, c.key), c.value);
+    EXPECT_EQ(fileIni.ReadString(c.section, c.key), c.value);
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, IniWrite, ::testing::ValuesIn(WRITE_CASES),
-                         [](const ::testing::TestParamInfo<WriteCase>& info) {
-                             std::string name;
-                             for (const char* p = info.param.name; *p != 0; ++p) {
-                                 name += std::isalnum(static_cast<unsigned char>(*p)) ? *p : '_';
-                             }
-                             return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(Cases, IniWrite, ::testing::ValuesIn(WRITE_CASES), CaseName<WriteCase>);
 
 TEST(IniWriteSequence, ManyKeysAndSectionsReadBack) {
     SIni ini;
@@ -200,15 +188,21 @@ TEST(IniWriteSequence, ManyKeysAndSectionsReadBack) {
     }
 }
 
-TEST(IniModes, NoneReadsEmptyAndRefusesWrites) {
+TEST(IniModes, NoneAndClearReadEmptyAndRefuseWrites) {
     SIni ini;
     EXPECT_EQ(ini.GetMode(), INI_NONE);
     EXPECT_FALSE(ini.IsMemory());
     EXPECT_EQ(ini.ReadString("s", "k"), "");
     EXPECT_FALSE(ini.WriteString("s", "k", "v"));
+    LoadMemory(ini, "[s]\r\nk=v\r\n");
+    ini.Clear();
+    EXPECT_EQ(ini.GetMode(), INI_NONE);
+    EXPECT_EQ(ini.GetMemory().GetSize(), 0);
+    EXPECT_EQ(ini.ReadString("s", "k"), "");
+    EXPECT_FALSE(ini.WriteString("s", "k", "v"));
 }
 
-TEST(IniModes, SetFileWithoutCreateNeedsAFile) {
+TEST(IniModes, SetFileNeedsAFileOrCreatesAnEmptyOne) {
     TempDir dir;
     SIni ini;
     EXPECT_FALSE(ini.SetFile((dir / "missing.ini").c_str(), false));
@@ -216,37 +210,22 @@ TEST(IniModes, SetFileWithoutCreateNeedsAFile) {
     EXPECT_FALSE(std::filesystem::exists(dir / "missing.ini"));
     EXPECT_FALSE(ini.SetFile(dir.Path().c_str(), false));
     EXPECT_FALSE(ini.SetFile("", true));
-}
-
-TEST(IniModes, SetFileWithCreateMakesAnEmptyFile) {
-    TempDir dir;
+    EXPECT_FALSE(ini.SetFile((dir / "no/such/a.ini").c_str(), true));
+    EXPECT_EQ(ini.GetMode(), INI_NONE);
     std::string path = dir / "new.ini";
-    SIni ini;
     ASSERT_TRUE(ini.SetFile(path.c_str(), true));
     EXPECT_EQ(ini.GetMode(), INI_FILE);
     EXPECT_EQ(ini.GetPath(), path.c_str());
-    EXPECT_TRUE(std::filesystem::exists(path));
     EXPECT_EQ(TempDir::Read(path), "");
+    EXPECT_TRUE(std::filesystem::exists(path));
     ASSERT_TRUE(ini.WriteString("s", "k", "v"));
     EXPECT_EQ(TempDir::Read(path), "[s]\r\nk=v\r\n");
+    SIni again; // create keeps an existing file
+    ASSERT_TRUE(again.SetFile(path.c_str(), true));
+    EXPECT_EQ(again.ReadString("s", "k"), "v");
 }
 
-TEST(IniModes, SetFileWithCreateKeepsAnExistingFile) {
-    TempDir dir;
-    std::string path = dir.Write("a.ini", "[s]\r\nk=v\r\n");
-    SIni ini;
-    ASSERT_TRUE(ini.SetFile(path.c_str(), true));
-    EXPECT_EQ(ini.ReadString("s", "k"), "v");
-}
-
-TEST(IniModes, SetFileWithCreateFailsInAMissingFolder) {
-    TempDir dir;
-    SIni ini;
-    EXPECT_FALSE(ini.SetFile((dir / "no/such/a.ini").c_str(), true));
-    EXPECT_EQ(ini.GetMode(), INI_NONE);
-}
-
-TEST(IniModes, FileIsReadAgainForEachCall) {
+TEST(IniModes, FileIsReadAgainForEachCallAndWritesLeaveNoTemporaryFile) {
     TempDir dir;
     std::string path = dir.Write("a.ini", "[s]\r\nk=1\r\n");
     SIni ini;
@@ -254,61 +233,40 @@ TEST(IniModes, FileIsReadAgainForEachCall) {
     EXPECT_EQ(ini.ReadString("s", "k"), "1");
     dir.Write("a.ini", "[s]\r\nk=2\r\n");
     EXPECT_EQ(ini.ReadString("s", "k"), "2");
-}
-
-TEST(IniModes, WriteToAVanishedFileFailsAndMakesNothing) {
-    TempDir dir;
-    std::string path = dir.Write("a.ini", "");
-    SIni ini;
-    ASSERT_TRUE(ini.SetFile(path.c_str(), false));
+    ASSERT_TRUE(ini.WriteString("s", "k", "3"));
+    ASSERT_TRUE(ini.WriteString("t", "k", "4"));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.Path()),
+                            std::filesystem::directory_iterator()),
+              1);
+    // A file that vanished is not made again.
     std::filesystem::remove(path);
     EXPECT_FALSE(ini.WriteString("s", "k", "v"));
     EXPECT_FALSE(std::filesystem::exists(path));
     EXPECT_EQ(ini.ReadString("s", "k"), "");
 }
 
-TEST(IniModes, FileWriteLeavesNoTemporaryFile) {
-    TempDir dir;
-    std::string path = dir.Write("a.ini", "[s]\r\nk=1\r\n");
-    SIni ini;
-    ASSERT_TRUE(ini.SetFile(path.c_str(), false));
-    ASSERT_TRUE(ini.WriteString("s", "k", "2"));
-    ASSERT_TRUE(ini.WriteString("t", "k", "3"));
-    int entries = 0;
-    for (const auto& entry : std::filesystem::directory_iterator(dir.Path())) {
-        (void)entry;
-        ++entries;
-    }
-    EXPECT_EQ(entries, 1);
-}
-
-TEST(IniModes, SourceIsTakenFromItsPosition) {
+TEST(IniModes, SourceIsTakenFromItsPositionAndReplacesTheOldImage) {
     SFileMem source;
     const char text[] = "MAGIC 1\r\n[s]\r\nk=v\r\n";
     source.Write(text, int(sizeof(text) - 1));
     source.Rewind();
     EXPECT_EQ(source.ReadLine(false), "MAGIC 1");
     SIni ini;
+    LoadMemory(ini, "[a]\r\nx=1\r\n");
     ASSERT_TRUE(ini.SetSource(&source));
     EXPECT_TRUE(ini.IsMemory());
     EXPECT_EQ(MemoryText(ini), "[s]\r\nk=v\r\n");
     EXPECT_EQ(ini.ReadString("s", "k"), "v");
+    EXPECT_EQ(ini.ReadString("a", "x"), "");
 }
 
-TEST(IniModes, SetSourceOfNullFailsAndKeepsTheMode) {
+TEST(IniModes, MemoryWritesNeverTouchTheFileAndNullSourceKeepsTheMode) {
     TempDir dir;
     std::string path = dir.Write("a.ini", "[s]\r\nk=v\r\n");
     SIni ini;
     ASSERT_TRUE(ini.SetFile(path.c_str(), false));
     EXPECT_FALSE(ini.SetSource(nullptr));
     EXPECT_EQ(ini.GetMode(), INI_FILE);
-}
-
-TEST(IniModes, MemoryWritesNeverTouchTheFile) {
-    TempDir dir;
-    std::string path = dir.Write("a.ini", "[s]\r\nk=v\r\n");
-    SIni ini;
-    ASSERT_TRUE(ini.SetFile(path.c_str(), false));
     SFilePath file;
     ASSERT_TRUE(file.Open(path.c_str(), false, false, true, false));
     ASSERT_TRUE(ini.SetSource(&file));
@@ -318,24 +276,6 @@ TEST(IniModes, MemoryWritesNeverTouchTheFile) {
     EXPECT_EQ(TempDir::Read(path), "[s]\r\nk=v\r\n");
 }
 
-TEST(IniModes, SetSourceReplacesTheOldImage) {
-    SIni ini;
-    LoadMemory(ini, "[a]\r\nx=1\r\n");
-    LoadMemory(ini, "[b]\r\ny=2\r\n");
-    EXPECT_EQ(ini.ReadString("a", "x"), "");
-    EXPECT_EQ(ini.ReadString("b", "y"), "2");
-}
-
-TEST(IniModes, ClearReturnsToNone) {
-    SIni ini;
-    LoadMemory(ini, "[s]\r\nk=v\r\n");
-    ini.Clear();
-    EXPECT_EQ(ini.GetMode(), INI_NONE);
-    EXPECT_EQ(ini.GetMemory().GetSize(), 0);
-    EXPECT_EQ(ini.ReadString("s", "k"), "");
-    EXPECT_FALSE(ini.WriteString("s", "k", "v"));
-}
-
 TEST(IniModes, NullNamesActAsEmptyNames) {
     SIni ini;
     LoadMemory(ini, "[]\r\n=x\r\n");
@@ -343,37 +283,6 @@ TEST(IniModes, NullNamesActAsEmptyNames) {
     EXPECT_TRUE(ini.WriteString(nullptr, "k", nullptr));
     EXPECT_EQ(MemoryText(ini), "[]\r\nk=\r\n=x\r\n");
 }
-
-// A temporary folder on a memory file system when the machine has one, else
-// in the usual temporary folder. Crash tests use it: a write there costs no
-// disk flush, so the killed writer gets through many writes in each round
-// and the kill lands at every step of a write.
-class MemoryTempDir {
-public:
-    MemoryTempDir() {
-        std::error_code error;
-        std::string base =
-            std::filesystem::is_directory("/dev/shm", error) && access("/dev/shm", W_OK) == 0
-                ? "/dev/shm"
-                : std::filesystem::temp_directory_path().string();
-        std::string pattern = base + "/melkora-XXXXXX";
-        if (mkdtemp(pattern.data()) != nullptr) {
-            path = pattern;
-        }
-    }
-    ~MemoryTempDir() {
-        std::error_code error;
-        std::filesystem::remove_all(path, error);
-    }
-    MemoryTempDir(const MemoryTempDir&) = delete;
-    MemoryTempDir& operator=(const MemoryTempDir&) = delete;
-
-    const std::string& Path() const { return path; }
-    std::string operator/(const std::string& name) const { return path + "/" + name; }
-
-private:
-    std::string path;
-};
 
 // A value is whole when it reads "<n>/<n>/<n>" with the same n three times.
 bool IsWholeValue(const std::string& value) {
@@ -390,7 +299,7 @@ TEST(IniCrash, KilledWriterLeavesAWholeFile) {
     MemoryTempDir dir;
     ASSERT_FALSE(dir.Path().empty());
     std::string path = dir / "a.ini";
-    const int keys = 8;
+    constexpr int keys = 8;
     {
         SIni ini;
         ASSERT_TRUE(ini.SetFile(path.c_str(), true));
@@ -402,12 +311,7 @@ TEST(IniCrash, KilledWriterLeavesAWholeFile) {
     std::uniform_int_distribution<int> delay(200, 4000);
     int newValuesSeen = 0;
     for (int round = 1; round <= 50; ++round) {
-        int ready[2];
-        ASSERT_EQ(pipe(ready), 0);
-        pid_t child = fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
-            close(ready[0]);
+        auto writer = [round, &path](const std::function<void()>& ready) {
             SIni ini;
             ini.SetFile(path.c_str(), false);
             for (int generation = round * 100000;; ++generation) {
@@ -415,24 +319,11 @@ TEST(IniCrash, KilledWriterLeavesAWholeFile) {
                 value = value + "/" + value + "/" + value;
                 for (int k = 0; k < keys; ++k) {
                     ini.WriteString("s", ("key" + std::to_string(k)).c_str(), value.c_str());
-                    if (ready[1] >= 0) {
-                        // One write is in: the parent starts its clock now.
-                        (void)write(ready[1], "r", 1);
-                        close(ready[1]);
-                        ready[1] = -1;
-                    }
+                    ready(); // one write is in: the clock starts now
                 }
             }
-            _exit(0);
-        }
-        close(ready[1]);
-        char signal = 0;
-        (void)read(ready[0], &signal, 1);
-        close(ready[0]);
-        usleep(useconds_t(delay(random)));
-        kill(child, SIGKILL);
-        int status = 0;
-        waitpid(child, &status, 0);
+        };
+        ASSERT_TRUE(RunAndKill(writer, delay(random)));
         SIni ini;
         ASSERT_TRUE(ini.SetFile(path.c_str(), false));
         for (int k = 0; k < keys; ++k) {

@@ -11,11 +11,13 @@
 #include <string>
 #include <sys/stat.h>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "foundation/file.h"
 #include "support/http_server.h"
 #include "support/temp_dir.h"
+#include "test_support.h"
 
 namespace {
 
@@ -104,40 +106,13 @@ std::vector<std::string> ReadRecord(const std::string& record, bool wait) {
     return lines;
 }
 
-// Sets an environment variable for one test and puts the old value back.
-class ScopedVariable {
-public:
-    ScopedVariable(const char* name, const char* value) : name(name) {
-        const char* old = getenv(name);
-        hadValue = old != nullptr;
-        oldValue = hadValue ? old : "";
-        if (value != nullptr) {
-            setenv(name, value, 1);
-        } else {
-            unsetenv(name);
-        }
-    }
-    ~ScopedVariable() {
-        if (hadValue) {
-            setenv(name, oldValue.c_str(), 1);
-        } else {
-            unsetenv(name);
-        }
-    }
-
-private:
-    const char* name;
-    bool hadValue;
-    std::string oldValue;
-};
-
 class NetworkTest : public ::testing::Test {
 protected:
     void SetUp() override {
         // A proxy set for the machine must not see the local server.
         for (const char* name :
              {"http_proxy", "HTTP_PROXY", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"}) {
-            proxies.emplace_back(new ScopedVariable(name, nullptr));
+            proxies.emplace_back(new ScopedEnv(name, nullptr));
         }
         ASSERT_TRUE(server.Start());
     }
@@ -148,66 +123,55 @@ protected:
 
     TestHttpServer server;
     RecordingNetwork network;
-    std::vector<std::unique_ptr<ScopedVariable>> proxies;
+    std::vector<std::unique_ptr<ScopedEnv>> proxies;
 };
 
 } // namespace
 
 using NetworkGetPage = NetworkTest;
 
-TEST_F(NetworkGetPage, ReadsBodiesWithAndWithoutLength) {
+TEST_F(NetworkGetPage, ReadsBodiesWithAndWithoutLengthUpToTheLimitAndThroughRedirects) {
     std::string body = Pattern(3000);
     server.Route("/length", TestHttpServer::Ok(body, true));
     server.Route("/close", TestHttpServer::Ok(body, false));
+    server.Route("/limit", TestHttpServer::Ok(Pattern(TEST_SIZE_LIMIT), false));
+    server.Route("/a", TestHttpServer::Redirect("/b"));
+    server.Route("/b", TestHttpServer::Redirect("/c"));
+    server.Route("/c", TestHttpServer::Ok("arrived"));
     EXPECT_EQ(std::string(network.GetPage(server.Url("/length").c_str(), "").c_str()), body);
     EXPECT_EQ(std::string(network.GetPage(server.Url("/close").c_str(), nullptr).c_str()), body);
+    EXPECT_EQ(network.GetPage(server.Url("/limit").c_str(), "").GetLength(), TEST_SIZE_LIMIT);
+    EXPECT_STREQ(network.GetPage(server.Url("/a").c_str(), "").c_str(), "arrived");
 }
 
 TEST_F(NetworkGetPage, AppendsTheQueryAndSendsTheAgent) {
     server.Route("/search", TestHttpServer::Ok("found"));
     EXPECT_STREQ(network.GetPage(server.Url("/search").c_str(), "q=abba&n=1").c_str(), "found");
     EXPECT_STREQ(network.GetPage(server.Url("/search").c_str(), "").c_str(), "found");
-    std::vector<std::string> targets = server.Targets();
-    ASSERT_EQ(targets.size(), 2u);
-    EXPECT_EQ(targets[0], "/search?q=abba&n=1");
-    EXPECT_EQ(targets[1], "/search");
+    EXPECT_EQ(server.Targets(), (std::vector<std::string>{"/search?q=abba&n=1", "/search"}));
     EXPECT_NE(server.LastHeaders().find("User-Agent: TAVORA\r\n"), std::string::npos);
 }
 
-TEST_F(NetworkGetPage, FailuresGiveTheEmptyString) {
+TEST_F(NetworkGetPage, FailuresGiveTheEmptyStringAndARedirectLoopStops) {
     server.Route("/empty", TestHttpServer::Ok(""));
     server.Route("/loop", TestHttpServer::Redirect("/loop"));
     server.Route("/big", TestHttpServer::Ok(Pattern(TEST_SIZE_LIMIT + 1), true));
     server.Route("/bigclose", TestHttpServer::Ok(Pattern(TEST_SIZE_LIMIT + 1), false));
     server.Route("/error", TestHttpServer::Status(500, "Internal Server Error"));
+    // clang-format off
     const std::string cases[] = {
-        server.Url("/missing"), server.Url("/empty"),    server.Url("/loop"),
-        server.Url("/big"),     server.Url("/bigclose"), server.Url("/error"),
-        ClosedPortUrl(),        "/etc/hostname",         "",
-        "file:///etc/hostname", "ftp://127.0.0.1/x",     "not an address",
-    };
+        server.Url("/missing"), server.Url("/empty"), server.Url("/big"), server.Url("/bigclose"),
+        server.Url("/error"), ClosedPortUrl(), "/etc/hostname", "", "file:///etc/hostname",
+        "ftp://127.0.0.1/x", "not an address"};
+    // clang-format on
     for (const std::string& url : cases) {
         EXPECT_STREQ(network.GetPage(url.c_str(), "").c_str(), "") << url;
     }
     EXPECT_STREQ(network.GetPage(nullptr, nullptr).c_str(), "");
-}
-
-TEST_F(NetworkGetPage, FollowsAFewRedirectsButNotALoop) {
-    server.Route("/a", TestHttpServer::Redirect("/b"));
-    server.Route("/b", TestHttpServer::Redirect("/c"));
-    server.Route("/c", TestHttpServer::Ok("arrived"));
-    server.Route("/loop", TestHttpServer::Redirect("/loop"));
-    EXPECT_STREQ(network.GetPage(server.Url("/a").c_str(), "").c_str(), "arrived");
     size_t before = server.Targets().size();
     EXPECT_STREQ(network.GetPage(server.Url("/loop").c_str(), "").c_str(), "");
     // The first request and at most five redirects.
     EXPECT_LE(server.Targets().size() - before, 1u + SNetwork::MAX_REDIRECTS);
-}
-
-TEST_F(NetworkGetPage, BodyAtTheSizeLimitIsKept) {
-    std::string body = Pattern(TEST_SIZE_LIMIT);
-    server.Route("/limit", TestHttpServer::Ok(body, false));
-    EXPECT_EQ(network.GetPage(server.Url("/limit").c_str(), "").GetLength(), TEST_SIZE_LIMIT);
 }
 
 TEST_F(NetworkGetPage, ZeroByteEndsTheTextOfItsBlock) {
@@ -240,21 +204,17 @@ TEST_F(NetworkDownload, BlocksCarryTotalOffsetAndCount) {
     std::string body = Pattern(1000);
     server.Route("/length", TestHttpServer::Ok(body, true));
     server.Route("/close", TestHttpServer::Ok(body, false));
-    const struct {
-        const char* path;
-        unsigned total;
-    } cases[] = {{"/length", 1000}, {"/close", 0}};
-    for (const auto& c : cases) {
+    for (auto [path, total] : {std::pair<const char*, unsigned>{"/length", 1000}, {"/close", 0}}) {
         RecordingNetwork recorder;
         SFileMem target;
         int user = 0;
-        EXPECT_TRUE(recorder.Download(&target, server.Url(c.path).c_str(), &user, 300)) << c.path;
+        EXPECT_TRUE(recorder.Download(&target, server.Url(path).c_str(), &user, 300)) << path;
         EXPECT_EQ(recorder.statuses, std::vector<int>{NET_OK});
         EXPECT_EQ(recorder.lastUser, &user);
         EXPECT_EQ(Contents(target), body);
         unsigned expectedOffset = 0;
         for (const BlockCall& block : recorder.blocks) {
-            EXPECT_EQ(block.total, c.total) << c.path;
+            EXPECT_EQ(block.total, total) << path;
             EXPECT_EQ(block.offset, expectedOffset);
             EXPECT_GE(block.count, 1u);
             EXPECT_LE(block.count, 300u);
@@ -264,35 +224,7 @@ TEST_F(NetworkDownload, BlocksCarryTotalOffsetAndCount) {
     }
 }
 
-TEST_F(NetworkDownload, BlockSizeBelowOneCountsAsOne) {
-    server.Route("/tiny", TestHttpServer::Ok("abc"));
-    SFileMem target;
-    EXPECT_TRUE(network.Download(&target, server.Url("/tiny").c_str(), nullptr, 0));
-    ASSERT_EQ(network.blocks.size(), 3u);
-    EXPECT_EQ(network.blocks[2].offset, 2u);
-    EXPECT_EQ(Contents(target), "abc");
-}
-
-TEST_F(NetworkDownload, SkippedBlocksAreNotWrittenButTheTransferCompletes) {
-    server.Route("/file", TestHttpServer::Ok(Pattern(500)));
-    network.answer = NET_BLOCK_SKIP;
-    SFileMem target;
-    EXPECT_TRUE(network.Download(&target, server.Url("/file").c_str(), nullptr, 100));
-    EXPECT_EQ(network.statuses, std::vector<int>{NET_OK});
-    EXPECT_EQ(target.GetSize(), 0);
-}
-
-TEST_F(NetworkDownload, AbortOnTheFirstBlockFailsTheTransfer) {
-    server.Route("/file", TestHttpServer::Ok(Pattern(5000)));
-    network.answer = NET_BLOCK_ABORT;
-    SFileMem target;
-    EXPECT_FALSE(network.Download(&target, server.Url("/file").c_str(), nullptr, 100));
-    EXPECT_EQ(network.statuses, std::vector<int>{NET_TRANSFER_FAILED});
-    EXPECT_EQ(network.blocks.size(), 1u);
-    EXPECT_EQ(target.GetSize(), 0);
-}
-
-TEST_F(NetworkDownload, EmptyBodyFinishesWithoutBlocks) {
+TEST_F(NetworkDownload, EmptyBodyHasNoBlocksAndBlockSizeBelowOneCountsAsOne) {
     server.Route("/empty", TestHttpServer::Ok("", true));
     server.Route("/emptyclose", TestHttpServer::Ok("", false));
     for (const char* path : {"/empty", "/emptyclose"}) {
@@ -303,13 +235,43 @@ TEST_F(NetworkDownload, EmptyBodyFinishesWithoutBlocks) {
         EXPECT_TRUE(recorder.blocks.empty());
         EXPECT_EQ(target.GetSize(), 0);
     }
+    server.Route("/tiny", TestHttpServer::Ok("abc"));
+    SFileMem target;
+    EXPECT_TRUE(network.Download(&target, server.Url("/tiny").c_str(), nullptr, 0));
+    ASSERT_EQ(network.blocks.size(), 3u);
+    EXPECT_EQ(network.blocks[2].offset, 2u);
+    EXPECT_EQ(Contents(target), "abc");
+}
+
+TEST_F(NetworkDownload, SkippedBlocksAreNotWrittenAndAbortFailsTheTransfer) {
+    server.Route("/file", TestHttpServer::Ok(Pattern(5000)));
+    // clang-format off
+    const std::tuple<int, bool, int> cases[] = {
+        {NET_BLOCK_SKIP, true, NET_OK}, {NET_BLOCK_ABORT, false, NET_TRANSFER_FAILED}};
+    // clang-format on
+    for (auto [answer, succeeds, status] : cases) {
+        RecordingNetwork recorder;
+        recorder.answer = answer;
+        SFileMem target;
+        EXPECT_EQ(recorder.Download(&target, server.Url("/file").c_str(), nullptr, 100), succeeds);
+        EXPECT_EQ(recorder.statuses, std::vector<int>{status});
+        EXPECT_EQ(recorder.blocks.size() == 1, answer == NET_BLOCK_ABORT); // abort stops at once
+        EXPECT_EQ(target.GetSize(), 0);
+    }
 }
 
 TEST_F(NetworkDownload, AddressesThatDoNotOpenReportNoSource) {
+    TempDir dir;
     server.Route("/loop", TestHttpServer::Redirect("/loop"));
     server.Route("/gone", TestHttpServer::Status(410, "Gone"));
-    const std::string cases[] = {server.Url("/missing"), server.Url("/loop"), server.Url("/gone"),
-                                 ClosedPortUrl(),        "/no/such/file",     ""};
+    const std::string cases[] = {server.Url("/missing"),
+                                 server.Url("/loop"),
+                                 server.Url("/gone"),
+                                 ClosedPortUrl(),
+                                 "/no/such/file",
+                                 "",
+                                 dir.Write("empty.bin", ""),
+                                 dir.MakeFolder("folder")};
     for (const std::string& url : cases) {
         RecordingNetwork recorder;
         SFileMem target;
@@ -319,25 +281,19 @@ TEST_F(NetworkDownload, AddressesThatDoNotOpenReportNoSource) {
     }
 }
 
-TEST_F(NetworkDownload, BodyOverTheSizeLimitFails) {
+TEST_F(NetworkDownload, OversizeOrStalledTransfersFailWithinTheTimeout) {
     server.Route("/big", TestHttpServer::Ok(Pattern(TEST_SIZE_LIMIT + 1), true));
     server.Route("/bigclose", TestHttpServer::Ok(Pattern(TEST_SIZE_LIMIT + 1), false));
-    for (const char* path : {"/big", "/bigclose"}) {
+    server.Route("/stall", TestHttpServer::Stalled("partial", 1000));
+    for (const char* path : {"/big", "/bigclose", "/stall"}) {
         RecordingNetwork recorder;
         SFileMem target;
+        auto start = std::chrono::steady_clock::now();
         EXPECT_FALSE(recorder.Download(&target, server.Url(path).c_str(), nullptr, 4096)) << path;
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(6));
         EXPECT_EQ(recorder.statuses, std::vector<int>{NET_TRANSFER_FAILED}) << path;
         EXPECT_LE(target.GetSize(), TEST_SIZE_LIMIT);
     }
-}
-
-TEST_F(NetworkDownload, StalledServerFailsWithinTheTimeout) {
-    server.Route("/stall", TestHttpServer::Stalled("partial", 1000));
-    SFileMem target;
-    auto start = std::chrono::steady_clock::now();
-    EXPECT_FALSE(network.Download(&target, server.Url("/stall").c_str(), nullptr, 100));
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(6));
-    EXPECT_EQ(network.statuses, std::vector<int>{NET_TRANSFER_FAILED});
 }
 
 TEST_F(NetworkDownload, LocalPathIsCopied) {
@@ -349,16 +305,6 @@ TEST_F(NetworkDownload, LocalPathIsCopied) {
     EXPECT_EQ(network.statuses, std::vector<int>{NET_OK});
     EXPECT_EQ(Contents(target), bytes);
     EXPECT_TRUE(network.blocks.empty()); // a copy does not go through the blocks
-}
-
-TEST_F(NetworkDownload, EmptyLocalFileOrFolderReportsNoSource) {
-    TempDir dir;
-    for (const std::string& path : {dir.Write("empty.bin", ""), dir.MakeFolder("folder")}) {
-        RecordingNetwork recorder;
-        SFileMem target;
-        EXPECT_FALSE(recorder.Download(&target, path.c_str(), nullptr, 100)) << path;
-        EXPECT_EQ(recorder.statuses, std::vector<int>{NET_NO_SOURCE});
-    }
 }
 
 using NetworkUpdateCheck = NetworkTest;
@@ -394,102 +340,80 @@ const char* const ASK = "Would you like to download and install the latest updat
 } // namespace
 
 TEST_F(NetworkUpdateCheck, ReplyAndVersionDecideTheOffer) {
-    const struct {
-        const char* reply;
-        const char* current;
-        bool offered;
-        const char* box; // shown when not quiet; null for none
-    } cases[] = {
-        {"OK\r\n1.0.4.0\r\n-s\r\nsetup.zip\r\n", "1.0.3.0", true, nullptr},
-        {"OK\n1.0.4.0\n-s\nsetup.zip\n", "1.0.3.0", true, nullptr},
-        {"OK\r\n1.0.3.0\r\n-s\r\nsetup.zip\r\n", "1.0.3.0", false, UP_TO_DATE},
-        {"OK\r\n2.0.0.0\r\n-s\r\nsetup.zip\r\n", "1.0.3.0", false, UP_TO_DATE},
+    // reply, offered, box shown when not quiet (null for none); the program is 1.0.3.0
+    // clang-format off
+    const std::tuple<const char*, bool, const char*> cases[] = {
+        {"OK\r\n1.0.4.0\r\n-s\r\nsetup.zip\r\n", true, nullptr},
+        {"OK\n1.0.4.0\n-s\nsetup.zip\n", true, nullptr},
+        {"OK\r\n1.0.3.0\r\n-s\r\nsetup.zip\r\n", false, UP_TO_DATE},
+        {"OK\r\n2.0.0.0\r\n-s\r\nsetup.zip\r\n", false, UP_TO_DATE},
         // Any other version of the same series is offered, even an older one.
-        {"OK\r\n1.0.2.0\r\n-s\r\nsetup.zip\r\n", "1.0.3.0", true, nullptr},
-        {"OK\r\n1.0.3\r\n", "1.0.3.0", true, nullptr},
-        {"OK\r\n", "1.0.3.0", false, UP_TO_DATE},
-        {"OK", "1.0.3.0", false, UP_TO_DATE},
-        {"ok\r\n1.0.4.0\r\n", "1.0.3.0", false, CONNECTION_FAILED},
-        {"ERROR\r\n1.0.4.0\r\n", "1.0.3.0", false, CONNECTION_FAILED},
-        {" OK\r\n1.0.4.0\r\n", "1.0.3.0", false, CONNECTION_FAILED},
-        {"", "1.0.3.0", false, CONNECTION_FAILED},
-        {"<html>502</html>", "1.0.3.0", false, CONNECTION_FAILED},
-    };
-    for (const auto& c : cases) {
-        server.Route("/check.php", TestHttpServer::Ok(c.reply));
-        std::string url = server.Url("/check.php?id=melkora");
+        {"OK\r\n1.0.2.0\r\n-s\r\nsetup.zip\r\n", true, nullptr}, {"OK\r\n1.0.3\r\n", true, nullptr},
+        {"OK\r\n", false, UP_TO_DATE}, {"OK", false, UP_TO_DATE},
+        {"ok\r\n1.0.4.0\r\n", false, CONNECTION_FAILED},
+        {"ERROR\r\n1.0.4.0\r\n", false, CONNECTION_FAILED},
+        {" OK\r\n1.0.4.0\r\n", false, CONNECTION_FAILED}, {"", false, CONNECTION_FAILED},
+        {"<html>502</html>", false, CONNECTION_FAILED},
+        {nullptr, false, CONNECTION_FAILED}}; // nothing listens
+    // clang-format on
+    for (auto [reply, offered, box] : cases) {
+        server.Route("/check.php", TestHttpServer::Ok(reply != nullptr ? reply : ""));
+        std::string url = reply != nullptr ? server.Url("/check.php?id=melkora") : ClosedPortUrl();
         BoxHook hook(NET_ANSWER_YES);
-        EXPECT_EQ(network.CheckForUpdates(nullptr, url.c_str(), c.current, true, false), c.offered)
-            << c.reply;
-        EXPECT_TRUE(boxCalls.empty()) << "quiet shows nothing: " << c.reply;
-        EXPECT_EQ(network.CheckForUpdates(nullptr, url.c_str(), c.current, false, false),
-                  c.offered);
-        if (c.box == nullptr) {
-            EXPECT_TRUE(boxCalls.empty()) << c.reply;
+        EXPECT_EQ(network.CheckForUpdates(nullptr, url.c_str(), "1.0.3.0", true, false), offered)
+            << reply;
+        EXPECT_TRUE(boxCalls.empty()) << "quiet shows nothing: " << reply;
+        EXPECT_EQ(network.CheckForUpdates(nullptr, url.c_str(), "1.0.3.0", false, false), offered);
+        if (box == nullptr) {
+            EXPECT_TRUE(boxCalls.empty()) << reply;
             continue;
         }
-        ASSERT_EQ(boxCalls.size(), 1u) << c.reply;
-        EXPECT_EQ(boxCalls[0].text, c.box);
+        ASSERT_EQ(boxCalls.size(), 1u) << reply;
+        EXPECT_EQ(boxCalls[0].text, box);
         EXPECT_EQ(boxCalls[0].caption, "Check for Updates");
         EXPECT_EQ(boxCalls[0].flags, NET_BOX_INFORMATION);
     }
     EXPECT_EQ(server.Targets().back(), "/check.php?id=melkora");
 }
 
-TEST_F(NetworkUpdateCheck, UnreachableServerSaysConnectionFailed) {
-    BoxHook hook(0);
-    std::string url = ClosedPortUrl();
-    EXPECT_FALSE(network.CheckForUpdates(nullptr, url.c_str(), "1.0.3.0", false, true));
-    ASSERT_EQ(boxCalls.size(), 1u);
-    EXPECT_EQ(boxCalls[0].text, CONNECTION_FAILED);
-}
-
-TEST_F(NetworkUpdateCheck, AnswerOtherThanYesStartsNothing) {
+TEST_F(NetworkUpdateCheck, OnlyYesStartsTheUpdaterAndOnlyWhenItIsInTheProgramFolder) {
     TempDir dir;
     std::string record = dir / "record.txt";
-    WriteRecorder(dir, SNetwork::UPDATER_NAME, record);
-    network.SetProgramPath((dir / "melkora").c_str());
-    server.Route("/check.php", TestHttpServer::Ok("OK\r\n1.0.4.0\r\n-s\r\nsetup.zip\r\n"));
-    BoxHook hook(7);
-    EXPECT_FALSE(
-        network.CheckForUpdates(nullptr, server.Url("/check.php").c_str(), "1.0.3.0", true, true));
-    ASSERT_EQ(boxCalls.size(), 1u);
-    EXPECT_EQ(boxCalls[0].text, ASK);
-    EXPECT_EQ(boxCalls[0].flags, NET_BOX_YES_NO);
-    EXPECT_TRUE(TempDir::Read(record).empty());
-}
-
-TEST_F(NetworkUpdateCheck, YesStartsTheUpdaterInTheProgramFolder) {
-    TempDir dir;
-    std::string record = dir / "record.txt";
-    WriteRecorder(dir, SNetwork::UPDATER_NAME, record);
     network.SetProgramPath((dir / "melkora").c_str());
     server.Route("/check.php", TestHttpServer::Ok(
                                    "OK\r\n1.0.4.0\r\n-s --mode 'two words'\r\nsetup file.zip\r\n"));
+    std::string url = server.Url("/check.php");
+    {
+        BoxHook hook(NET_ANSWER_YES);
+        EXPECT_FALSE(network.CheckForUpdates(nullptr, url.c_str(), "1.0.3.0", true, true));
+    }
+    WriteRecorder(dir, SNetwork::UPDATER_NAME, record);
+    {
+        BoxHook hook(7);
+        EXPECT_FALSE(network.CheckForUpdates(nullptr, url.c_str(), "1.0.3.0", true, true));
+        ASSERT_EQ(boxCalls.size(), 1u);
+        EXPECT_EQ(boxCalls[0].text, ASK);
+        EXPECT_EQ(boxCalls[0].flags, NET_BOX_YES_NO);
+        EXPECT_TRUE(TempDir::Read(record).empty());
+    }
     BoxHook hook(NET_ANSWER_YES);
-    EXPECT_TRUE(
-        network.CheckForUpdates(nullptr, server.Url("/check.php").c_str(), "1.0.3.0", true, true));
+    EXPECT_TRUE(network.CheckForUpdates(nullptr, url.c_str(), "1.0.3.0", true, true));
     std::vector<std::string> expected = {dir.Path(),       "-s",       "--mode", "two words",
                                          "setup file.zip", dir.Path(), "melkora"};
     EXPECT_EQ(ReadRecord(record, true), expected);
 }
 
-TEST_F(NetworkUpdateCheck, MissingUpdaterIsNoUpdate) {
-    TempDir dir;
-    network.SetProgramPath((dir / "melkora").c_str());
-    server.Route("/check.php", TestHttpServer::Ok("OK\r\n1.0.4.0\r\n-s\r\nsetup.zip\r\n"));
-    BoxHook hook(NET_ANSWER_YES);
-    EXPECT_FALSE(
-        network.CheckForUpdates(nullptr, server.Url("/check.php").c_str(), "1.0.3.0", true, true));
-}
-
-TEST(NetworkMail, SendMailPassesEachPartAsOneArgument) {
+TEST(NetworkMail, SendMailPassesEachPartAsOneArgumentAndLeavesOutEmptyOnes) {
     TempDir dir;
     std::string record = dir / "record.txt";
+    SNetwork network;
+    {
+        ScopedEnv pathVariable("PATH", dir.Path().c_str());
+        EXPECT_FALSE(network.SendMail("a@b.c", "s", "b", nullptr)); // no xdg-email
+    }
     WriteRecorder(dir, "bin/xdg-email", record);
     std::string path = dir.Path() + "/bin:" + (getenv("PATH") != nullptr ? getenv("PATH") : "");
-    ScopedVariable pathVariable("PATH", path.c_str());
-    SNetwork network;
+    ScopedEnv pathVariable("PATH", path.c_str());
     EXPECT_TRUE(network.SendMail("fan@example.org", "Song; rm -rf ~", "line one\nline two",
                                  "/music/a b.mp3"));
     std::vector<std::string> expected = {
@@ -499,47 +423,25 @@ TEST(NetworkMail, SendMailPassesEachPartAsOneArgument) {
     ASSERT_FALSE(lines.empty());
     lines[0] = dir.Path(); // the working folder is the test's own, whatever it is
     EXPECT_EQ(lines, expected);
-}
-
-TEST(NetworkMail, SendMailLeavesOutEmptyParts) {
-    TempDir dir;
-    std::string record = dir / "record.txt";
-    WriteRecorder(dir, "bin/xdg-email", record);
-    std::string path = dir.Path() + "/bin";
-    ScopedVariable pathVariable("PATH", path.c_str());
-    SNetwork network;
     EXPECT_TRUE(network.SendMail(nullptr, "Melkora Browser BOOK", "", "/tmp/book.zip"));
-    std::vector<std::string> lines = ReadRecord(record, false);
+    lines = ReadRecord(record, false);
     ASSERT_EQ(lines.size(), 6u);
     EXPECT_EQ(std::vector<std::string>(lines.begin() + 1, lines.end()),
               (std::vector<std::string>{"--utf8", "--subject", "Melkora Browser BOOK", "--attach",
                                         "/tmp/book.zip"}));
 }
 
-TEST(NetworkMail, SendMailWithoutXdgEmailDoesNothing) {
-    TempDir dir;
-    ScopedVariable pathVariable("PATH", dir.Path().c_str());
-    SNetwork network;
-    EXPECT_FALSE(network.SendMail("a@b.c", "s", "b", nullptr));
-}
-
 TEST(NetworkMail, MailtoAddressEncodesItsParts) {
-    const struct {
-        const char* to;
-        const char* subject;
-        const char* body;
-        const char* expected;
-    } cases[] = {
-        {"a@b.c", nullptr, "x y", "mailto:a@b.c?BODY=x%20y"},
-        {"a@b.c", "", "", "mailto:a@b.c"},
+    // clang-format off
+    const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
+        {"a@b.c", nullptr, "x y", "mailto:a@b.c?BODY=x%20y"}, {"a@b.c", "", "", "mailto:a@b.c"},
         {"a@b.c", nullptr, nullptr, "mailto:a@b.c"},
         {"a@b.c", "Hi there", nullptr, "mailto:a@b.c?SUBJECT=Hi%20there"},
         {"a@b.c", "S&T", "1+1=2", "mailto:a@b.c?SUBJECT=S%26T&BODY=1%2B1%3D2"},
-        {"", "s", "", "mailto:?SUBJECT=s"},
-        {nullptr, nullptr, nullptr, "mailto:"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_STREQ(SNetwork::MakeMailto(c.to, c.subject, c.body).c_str(), c.expected);
+        {"", "s", "", "mailto:?SUBJECT=s"}, {nullptr, nullptr, nullptr, "mailto:"}};
+    // clang-format on
+    for (auto [to, subject, body, expected] : cases) {
+        EXPECT_STREQ(SNetwork::MakeMailto(to, subject, body).c_str(), expected);
     }
 }
 
@@ -563,8 +465,9 @@ public:
 } // namespace
 
 TEST(NetworkDesktop, OpenUrlAndMailtoGoThroughTheLauncher) {
-    LauncherHook hook;
     SNetwork network;
+    EXPECT_FALSE(network.OpenUrl("no scheme and no such file")); // fails before any launcher
+    LauncherHook hook;
     EXPECT_TRUE(network.OpenUrl("https://example.org/page"));
     EXPECT_TRUE(network.SendMailto("a@b.c", "", "x y"));
     EXPECT_FALSE(network.OpenUrl(""));
@@ -573,31 +476,22 @@ TEST(NetworkDesktop, OpenUrlAndMailtoGoThroughTheLauncher) {
               (std::vector<std::string>{"https://example.org/page", "mailto:a@b.c?BODY=x%20y"}));
 }
 
-TEST(NetworkDesktop, OpenUrlWithoutAnAddressFailsEarly) {
-    SNetwork network;
-    EXPECT_FALSE(network.OpenUrl("no scheme and no such file"));
-}
-
-TEST(NetworkDesktop, ShutdownRunsTheConfiguredCommand) {
+TEST(NetworkDesktop, ShutdownRunsTheConfiguredCommandAndNothingWhenItIsBroken) {
     TempDir dir;
     std::string record = dir / "record.txt";
     std::string script = WriteRecorder(dir, "power off", record);
-    std::string command = "'" + script + "' --now 'a b'";
-    ScopedVariable variable("MELKORA_SHUTDOWN_COMMAND", command.c_str());
     SNetwork network;
+    for (const char* command : {"", "'unclosed", "/no/such/program"}) {
+        ScopedEnv variable("MELKORA_SHUTDOWN_COMMAND", command);
+        EXPECT_FALSE(network.Shutdown()) << command;
+    }
+    std::string command = "'" + script + "' --now 'a b'";
+    ScopedEnv variable("MELKORA_SHUTDOWN_COMMAND", command.c_str());
     EXPECT_TRUE(network.Shutdown());
     std::vector<std::string> lines = ReadRecord(record, false);
     ASSERT_EQ(lines.size(), 3u);
     EXPECT_EQ(lines[1], "--now");
     EXPECT_EQ(lines[2], "a b");
-}
-
-TEST(NetworkDesktop, ShutdownWithAnEmptyOrBrokenCommandDoesNothing) {
-    SNetwork network;
-    for (const char* command : {"", "'unclosed", "/no/such/program"}) {
-        ScopedVariable variable("MELKORA_SHUTDOWN_COMMAND", command);
-        EXPECT_FALSE(network.Shutdown()) << command;
-    }
 }
 
 namespace {
@@ -636,21 +530,19 @@ TEST(NetworkDesktop, WorkAreaComesFromTheInstalledHook) {
 }
 
 TEST(NetworkSystem, OsKindFollowsTheVersionTable) {
-    struct Case {
-        int platform, major, minor, kind;
-    };
-    const Case cases[] = {
-        {1, 4, 0, 1},  {1, 4, 10, 3}, {1, 4, 90, 4}, {2, 4, 0, 2},  {2, 5, 0, 5},
-        {2, 5, 1, 6},  {2, 5, 2, 6},  {2, 6, 0, 7},  {2, 7, 0, 8},  {2, 5, 3, 255},
-        {1, 4, 1, 255}, {2, 6, 1, 255}, {OS_PLATFORM_LINUX, 6, 1, 255}, {0, 0, 0, 255},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(GetOsKindOf(c.platform, c.major, c.minor), c.kind)
-            << c.platform << " " << c.major << "." << c.minor;
+    // clang-format off
+    const std::tuple<int, int, int, int> cases[] = {
+        {1, 4, 0, 1}, {1, 4, 10, 3}, {1, 4, 90, 4}, {2, 4, 0, 2}, {2, 5, 0, 5}, {2, 5, 1, 6},
+        {2, 5, 2, 6}, {2, 6, 0, 7}, {2, 7, 0, 8}, {2, 5, 3, 255}, {1, 4, 1, 255}, {2, 6, 1, 255},
+        {OS_PLATFORM_LINUX, 6, 1, 255}, {0, 0, 0, 255}};
+    // clang-format on
+    for (auto [platform, major, minor, kind] : cases) {
+        EXPECT_EQ(GetOsKindOf(platform, major, minor), kind)
+            << platform << " " << major << "." << minor;
     }
 }
 
-TEST(NetworkSystem, OsVersionIsTheKernelRelease) {
+TEST(NetworkSystem, OsVersionIsTheKernelReleaseAndNamesNoWindowsKind) {
     int platform = -1;
     int major = -1;
     int minor = -1;

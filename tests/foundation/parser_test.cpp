@@ -33,24 +33,21 @@ void PrintTo(const ParseCase& c, std::ostream* out) {
 
 class ParseTable : public testing::TestWithParam<ParseCase> {};
 
-TEST_P(ParseTable, GivesTokensInOrder) {
+TEST_P(ParseTable, GivesTokensInOrderToItselfOrAfterWhatATargetHolds) {
     const ParseCase& c = GetParam();
     SStringParser parser(c.input);
     EXPECT_EQ(parser.Parse(c.separators, c.flags, c.quote), c.result);
     EXPECT_EQ(TokensOf(parser.GetTokens()), c.tokens);
     EXPECT_EQ(parser.GetCount(), int(c.tokens.size()));
-}
 
-TEST_P(ParseTable, GivesTheSameTokensToATarget) {
-    const ParseCase& c = GetParam();
-    SStringParser parser(c.input);
+    SStringParser other(c.input);
     SStringArray target;
     target.Add("kept");
-    EXPECT_EQ(parser.Parse(c.separators, c.flags, c.quote, &target), c.result);
+    EXPECT_EQ(other.Parse(c.separators, c.flags, c.quote, &target), c.result);
     Tokens expected = {"kept"};
     expected.insert(expected.end(), c.tokens.begin(), c.tokens.end());
     EXPECT_EQ(TokensOf(target), expected);
-    EXPECT_EQ(parser.GetCount(), 0);
+    EXPECT_EQ(other.GetCount(), 0);
 }
 
 const unsigned Q = SStringParser::PARSE_QUOTES;
@@ -123,7 +120,7 @@ const ParseCase refusedCases[] = {
 };
 INSTANTIATE_TEST_SUITE_P(Refused, ParseTable, testing::ValuesIn(refusedCases));
 
-TEST(StringParser, ParseForgetsTheTokensOfTheLastParse) {
+TEST(StringParser, ParseForgetsTheLastTokensAndClearPutsTheSetupBack) {
     SStringParser parser("a,b,c");
     ASSERT_EQ(parser.Parse(","), 3);
     parser = "x";
@@ -132,10 +129,7 @@ TEST(StringParser, ParseForgetsTheTokensOfTheLastParse) {
     parser = "\"open";
     EXPECT_EQ(parser.Parse(",", SStringParser::PARSE_QUOTES), -1);
     EXPECT_EQ(parser.GetCount(), 0);
-}
-
-TEST(StringParser, ClearPutsTheSetupBack) {
-    SStringParser parser("'a';'b'");
+    parser = "'a';'b'";
     ASSERT_EQ(parser.Parse(";", QEU, '\''), 2);
     EXPECT_EQ(parser.GetSeparators(), ";");
     parser.Clear();
@@ -160,7 +154,7 @@ TEST(StringParser, ReadsTokensAsNumbersAndFlags) {
     EXPECT_FALSE(parser.GetBool(-1));
 }
 
-TEST(StringParser, OutOfRangeTokensAreEmpty) {
+TEST(StringParser, OutOfRangeTokensAreEmptyAndFindTokenGivesTheFirstMatch) {
     SStringParser parser("a,b");
     ASSERT_EQ(parser.Parse(","), 2);
     EXPECT_TRUE(parser.GetToken(2).IsEmpty());
@@ -169,10 +163,7 @@ TEST(StringParser, OutOfRangeTokensAreEmpty) {
     EXPECT_EQ(parser.GetTokenRef(-1), nullptr);
     *parser.GetTokenRef(1) = "z";
     EXPECT_EQ(parser.GetToken(1), "z");
-}
-
-TEST(StringParser, FindTokenGivesTheFirstMatch) {
-    SStringParser parser("Red,green,red,Blue");
+    parser = "Red,green,red,Blue";
     ASSERT_EQ(parser.Parse(","), 4);
     EXPECT_EQ(parser.FindToken("red", true), 2);
     EXPECT_EQ(parser.FindToken("red", false), 0);

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <tuple>
 #include <unistd.h>
 
 #include "foundation/array.h"
@@ -30,6 +31,7 @@ struct PathCase {
 };
 
 // Every form in the default mode (trailing separator on).
+// clang-format off
 const PathCase PATH_CASES[] = {
     {"/", PATH_LOCAL, "/", "", "", "/", "", 2},
     {"/a/b.mp3", PATH_LOCAL, "/", "a/", "b.mp3", "/a/b.mp3", "/a/", 3},
@@ -52,21 +54,19 @@ const PathCase PATH_CASES[] = {
     {"//host/share/x", PATH_UNC, "//host/", "share/", "x", "//host/share/x", "//host/share/", 3},
     {"//host/share/", PATH_UNC, "//host/", "share/", "", "//host/share/", "//host/", 3},
     {"//host", PATH_UNC, "//host/", "", "", "//host", "", 2},
-    {"http://x/y/z.htm", PATH_URL, "http://x/", "y/", "z.htm", "http://x/y/z.htm", "http://x/y/",
-     3},
-    {"http://x\\y\\z.htm", PATH_URL, "http://x/", "y/", "z.htm", "http://x/y/z.htm", "http://x/y/",
-     3},
+    {"http://x/y/z.htm", PATH_URL, "http://x/", "y/", "z.htm", "http://x/y/z.htm",
+     "http://x/y/", 3},
+    {"http://x\\y\\z.htm", PATH_URL, "http://x/", "y/", "z.htm", "http://x/y/z.htm",
+     "http://x/y/", 3},
     {"http://x", PATH_URL, "http://x/", "", "", "http://x", "", 2},
     {"http://x/", PATH_URL, "http://x/", "", "", "http://x/", "", 2},
     // Refused texts.
     {"", PATH_INVALID, "", "", "", "", "", 0},
     {"http://x/y?z", PATH_INVALID, "", "", "", "", "", 0},
-    {"a*b", PATH_INVALID, "", "", "", "", "", 0},
-    {"/a\tb", PATH_INVALID, "", "", "", "", "", 0},
-    {"/a\"b", PATH_INVALID, "", "", "", "", "", 0},
-    {"/a<b>", PATH_INVALID, "", "", "", "", "", 0},
-    {"a:b://c", PATH_INVALID, "", "", "", "", "", 0},
-};
+    {"a*b", PATH_INVALID, "", "", "", "", "", 0}, {"/a\tb", PATH_INVALID, "", "", "", "", "", 0},
+    {"/a\"b", PATH_INVALID, "", "", "", "", "", 0}, {"/a<b>", PATH_INVALID, "", "", "", "", "", 0},
+    {"a:b://c", PATH_INVALID, "", "", "", "", "", 0}};
+// clang-format on
 
 TEST(PathForms, TypeAndPartsOfEveryForm) {
     for (const PathCase& test : PATH_CASES) {
@@ -86,13 +86,6 @@ TEST(PathForms, TypeAndPartsOfEveryForm) {
     }
 }
 
-TEST(PathForms, NullTextIsInvalidAndClearsEarlierPath) {
-    SPath path("/a/b");
-    EXPECT_FALSE(path.Set(nullptr));
-    EXPECT_FALSE(path.IsValid());
-    EXPECT_STREQ(path.GetFullPath().c_str(), "");
-}
-
 TEST(PathForms, RelativeTextsStartAtTheCurrentFolder) {
     std::string here = CurrentFolder();
     EXPECT_STREQ(SPath("a/b.mp3").GetFullPath().c_str(), (here + "/a/b.mp3").c_str());
@@ -105,7 +98,7 @@ TEST(PathForms, RelativeTextsStartAtTheCurrentFolder) {
     EXPECT_STREQ(up.GetFullPath().c_str(), parent.empty() ? "/" : parent.c_str());
 }
 
-TEST(PathForms, SetFolderAddsTheSeparator) {
+TEST(PathForms, SetFolderAddsTheSeparatorAndNullTextClearsEarlierPath) {
     SPath path;
     EXPECT_TRUE(path.SetFolder("/a/b"));
     EXPECT_STREQ(path.GetFullPath().c_str(), "/a/b/");
@@ -114,6 +107,10 @@ TEST(PathForms, SetFolderAddsTheSeparator) {
     EXPECT_STREQ(path.GetFullPath().c_str(), "/a/b/");
     EXPECT_FALSE(path.SetFolder(""));
     EXPECT_FALSE(path.SetFolder("a*"));
+    path.Set("/a/b");
+    EXPECT_FALSE(path.Set(nullptr));
+    EXPECT_FALSE(path.IsValid());
+    EXPECT_STREQ(path.GetFullPath().c_str(), "");
 }
 
 struct NameCase {
@@ -123,12 +120,12 @@ struct NameCase {
     const char* extensionDotLow; // withDot true, lowerCase true
 };
 
+// clang-format off
 const NameCase NAME_CASES[] = {
     {"/x/y.TXT", "y", "TXT", ".txt"}, {"/a/x.tar.gz", "x.tar", "gz", ".gz"},
-    {"/a/noext", "noext", "", ""},    {"/a/.bashrc", "", "bashrc", ".bashrc"},
-    {"/a/x.", "x", "", ""},           {"/a/b/", "", "", ""},
-    {"/a.b/c", "c", "", ""},
-};
+    {"/a/noext", "noext", "", ""}, {"/a/.bashrc", "", "bashrc", ".bashrc"}, {"/a/x.", "x", "", ""},
+    {"/a/b/", "", "", ""}, {"/a.b/c", "c", "", ""}};
+// clang-format on
 
 TEST(PathNames, TitleAndExtension) {
     for (const NameCase& test : NAME_CASES) {
@@ -150,17 +147,17 @@ struct TrailingCase {
     const char* lastFolder;
 };
 
+// clang-format off
 const TrailingCase TRAILING_CASES[] = {
     {"/a/b/", true, "a/b/", "/a/b/", "/a/b/", "/a/", "b/"},
     {"/a/b/", false, "a/b", "/a/b", "/a/b", "/a", "b"},
     {"/a/b/c.mp3", true, "a/b/", "/a/b/", "/a/b/c.mp3", "/a/b/", "b/"},
     {"/a/b/c.mp3", false, "a/b", "/a/b", "/a/b/c.mp3", "/a/b", "b"},
-    {"/a/", false, "a", "/a", "/a", "/", "a"},
-    {"/", false, "", "/", "/", "", ""},
+    {"/a/", false, "a", "/a", "/a", "/", "a"}, {"/", false, "", "/", "/", "", ""},
     {"/c.mp3", false, "", "/", "/c.mp3", "/", ""},
     {"//host/share/", false, "share", "//host/share", "//host/share", "//host/", "share"},
-    {"http://x/y/z/", false, "y/z", "http://x/y/z", "http://x/y/z", "http://x/y", "z"},
-};
+    {"http://x/y/z/", false, "y/z", "http://x/y/z", "http://x/y/z", "http://x/y", "z"}};
+// clang-format on
 
 TEST(PathTrailingSeparator, FolderTextsFollowTheMode) {
     for (const TrailingCase& test : TRAILING_CASES) {
@@ -180,14 +177,10 @@ TEST(PathTrailingSeparator, FolderTextsFollowTheMode) {
     }
 }
 
-TEST(PathTrailingSeparator, SetReturnsTheOldMode) {
-    SPath path("/a/");
-    EXPECT_TRUE(path.SetTrailingSeparator(false));
-    EXPECT_FALSE(path.SetTrailingSeparator(true));
-}
-
-TEST(PathTrailingSeparator, AssignTakesTheOthersFullPathAsItReads) {
+TEST(PathTrailingSeparator, SetReturnsTheOldModeAndAssignTakesTheFullPathAsItReads) {
     SPath folder("/a/b/");
+    EXPECT_TRUE(folder.SetTrailingSeparator(false));
+    EXPECT_FALSE(folder.SetTrailingSeparator(true));
     SPath copy;
     copy.Assign(folder);
     EXPECT_TRUE(copy.IsFolder());
@@ -221,27 +214,19 @@ TEST(PathParts, PartsListRootFoldersAndName) {
     EXPECT_EQ(parts.GetCount(), 0);
 }
 
-struct SliceCase {
-    int start;
-    int count;
-    bool dropName;
-    char separator;
-    const char* expected;
-};
-
 TEST(PathParts, SliceOfAFilePath) {
-    const SliceCase cases[] = {
+    // start, count, drop the name, separator, slice
+    // clang-format off
+    const std::tuple<int, int, bool, char, const char*> cases[] = {
         {1, -1, false, '/', "a/b/c.mp3"}, {0, -1, false, '\\', "\\a\\b\\c.mp3"},
-        {1, 2, false, '\\', "a\\b\\"},    {1, -1, true, '/', "a/b/"},
-        {3, 5, false, '/', "c.mp3"},      {3, 1, true, '/', ""},
-        {-1, 2, false, '/', ""},          {1, 0, false, '/', ""},
-        {4, -1, false, '/', ""},          {0, 1, false, '/', "/"},
-    };
+        {1, 2, false, '\\', "a\\b\\"}, {1, -1, true, '/', "a/b/"}, {3, 5, false, '/', "c.mp3"},
+        {3, 1, true, '/', ""}, {-1, 2, false, '/', ""}, {1, 0, false, '/', ""},
+        {4, -1, false, '/', ""}, {0, 1, false, '/', "/"}};
+    // clang-format on
     SPath path("/a/b/c.mp3");
-    for (const SliceCase& test : cases) {
-        SCOPED_TRACE(std::to_string(test.start) + "," + std::to_string(test.count));
-        EXPECT_STREQ(path.GetSlice(test.start, test.count, test.dropName, test.separator).c_str(),
-                     test.expected);
+    for (auto [start, count, dropName, separator, expected] : cases) {
+        EXPECT_STREQ(path.GetSlice(start, count, dropName, separator).c_str(), expected)
+            << start << "," << count;
     }
 }
 

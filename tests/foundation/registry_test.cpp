@@ -5,7 +5,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <optional>
 #include <random>
 #include <string>
 #include <string_view>
@@ -13,38 +12,11 @@
 #include <unistd.h>
 
 #include "support/temp_dir.h"
+#include "test_support.h"
 
 namespace {
 
 const char KEY[] = "Software\\Test Vendor\\Test Program\\1.0";
-
-// Sets an environment variable for the life of the object, then puts the
-// old value back.
-class ScopedEnv {
-public:
-    ScopedEnv(const char* name, const char* value) : name(name) {
-        const char* old = std::getenv(name);
-        if (old != nullptr) {
-            saved = old;
-        }
-        if (value != nullptr) {
-            setenv(name, value, 1);
-        } else {
-            unsetenv(name);
-        }
-    }
-    ~ScopedEnv() {
-        if (saved) {
-            setenv(name, saved->c_str(), 1);
-        } else {
-            unsetenv(name);
-        }
-    }
-
-private:
-    const char* name;
-    std::optional<std::string> saved;
-};
 
 // Each test gets a settings folder of its own.
 class Registry : public ::testing::Test {
@@ -54,32 +26,18 @@ protected:
     std::string storePath = dir / "registry.ini";
 };
 
-TEST_F(Registry, StringsRoundTrip) {
-    const char* texts[] = {
-        "",
-        "plain",
-        "/home/user/Music",
-        "with \"quotes\" and \\backslashes\\",
-        "line\r\nbreaks\tand\x01control\x7f",
-        "[not a section]",
-        "\"Name\"=dword:00000001",
-        "caf\xc3\xa9 \xe2\x80\xa2 UTF-8",
-        " blanks around ",
-    };
-    for (const char* text : texts) {
+TEST_F(Registry, TextNumbersAndBytesRoundTrip) {
+    for (const char* text :
+         {"", "plain", "/home/user/Music", "with \"quotes\" and \\backslashes\\",
+          "line\r\nbreaks\tand\x01control\x7f", "[not a section]", "\"Name\"=dword:00000001",
+          "caf\xc3\xa9 \xe2\x80\xa2 UTF-8", " blanks around "}) {
         ASSERT_TRUE(SRegistry::WriteString(HKEY_CURRENT_USER, KEY, "Value", text)) << text;
         EXPECT_EQ(SRegistry::ReadString(HKEY_CURRENT_USER, KEY, "Value"), text);
     }
-}
-
-TEST_F(Registry, NumbersRoundTrip) {
     for (uint32_t value : {0u, 1u, 50u, 0x00FF8040u, 0xFF000000u, 0xFFFFFFFFu}) {
         ASSERT_TRUE(SRegistry::WriteInt(HKEY_CURRENT_USER, KEY, "Number", value));
         EXPECT_EQ(SRegistry::ReadInt(HKEY_CURRENT_USER, KEY, "Number"), value);
     }
-}
-
-TEST_F(Registry, BinaryRoundTrips) {
     const unsigned char data[] = {0, 1, 0x7f, 0x80, 0xff, '\r', '\n', '"', '\\'};
     ASSERT_TRUE(SRegistry::WriteBinary(HKEY_CURRENT_USER, KEY, "Blob", data, int(sizeof(data))));
     unsigned char out[16] = {};
@@ -88,13 +46,12 @@ TEST_F(Registry, BinaryRoundTrips) {
               int(sizeof(data)));
     EXPECT_EQ(std::string(reinterpret_cast<char*>(out), sizeof(data)),
               std::string(reinterpret_cast<const char*>(data), sizeof(data)));
-
     ASSERT_TRUE(SRegistry::WriteBinary(HKEY_CURRENT_USER, KEY, "Empty", nullptr, 0));
     EXPECT_EQ(SRegistry::ReadBinary(HKEY_CURRENT_USER, KEY, "Empty", out, 16), 0);
     EXPECT_FALSE(SRegistry::WriteBinary(HKEY_CURRENT_USER, KEY, "Bad", nullptr, 3));
 }
 
-TEST_F(Registry, ValuesOfOneKeyStaySeparate) {
+TEST_F(Registry, ValuesOfOneKeyStaySeparateAndDeleteRemovesOnlyOne) {
     ASSERT_TRUE(SRegistry::WriteString(HKEY_CURRENT_USER, KEY, "A", "first"));
     ASSERT_TRUE(SRegistry::WriteInt(HKEY_CURRENT_USER, KEY, "B", 7));
     ASSERT_TRUE(SRegistry::WriteString(HKEY_CURRENT_USER, KEY, nullptr, "default"));
@@ -104,6 +61,10 @@ TEST_F(Registry, ValuesOfOneKeyStaySeparate) {
     EXPECT_EQ(SRegistry::ReadString(HKEY_CURRENT_USER, KEY, nullptr), "default");
     EXPECT_EQ(SRegistry::ReadString(HKEY_CURRENT_USER, KEY, "@"), "");
     EXPECT_EQ(SRegistry::ReadString(HKEY_CURRENT_USER, "Software\\Other", "A"), "other");
+    EXPECT_TRUE(SRegistry::DeleteValue(HKEY_CURRENT_USER, KEY, "a"));
+    EXPECT_TRUE(SRegistry::DeleteValue(HKEY_CURRENT_USER, KEY, "absent"));
+    EXPECT_EQ(SRegistry::ReadString(HKEY_CURRENT_USER, KEY, "A"), "");
+    EXPECT_EQ(SRegistry::ReadInt(HKEY_CURRENT_USER, KEY, "B"), 7u);
 }
 
 TEST_F(Registry, NamesIgnoreCase) {
@@ -133,28 +94,22 @@ TEST_F(Registry, StoreFileHasTheDocumentedForm) {
                                         "@=\"d\"\n");
 }
 
-TEST_F(Registry, MissingValuesReadAsEmptyOrZero) {
+TEST_F(Registry, MissingValuesReadAsZeroAndBadKeysOrRootsWriteNothing) {
     EXPECT_EQ(SRegistry::ReadString(HKEY_CURRENT_USER, KEY, "Folder"), "");
     EXPECT_EQ(SRegistry::ReadInt(HKEY_CURRENT_USER, KEY, "Volume"), 0u);
     EXPECT_EQ(SRegistry::ReadBinary(HKEY_CURRENT_USER, KEY, "Blob", nullptr, 0), -1);
+    EXPECT_FALSE(SRegistry::WriteInt(HKEY_CURRENT_USER, "", "Volume", 1));
+    EXPECT_FALSE(SRegistry::WriteString(HKEY_CURRENT_USER, nullptr, "Folder", "x"));
+    const HKEY unknown = 0x12345678u;
+    EXPECT_FALSE(SRegistry::WriteInt(unknown, KEY, "Volume", 1));
+    EXPECT_EQ(SRegistry::ReadInt(unknown, KEY, "Volume"), 0u);
+    EXPECT_EQ(SRegistry::GetStorePath(unknown), "");
+    EXPECT_FALSE(std::filesystem::exists(storePath));
     ASSERT_TRUE(SRegistry::WriteInt(HKEY_CURRENT_USER, KEY, "Volume", 5));
     EXPECT_EQ(SRegistry::ReadString(HKEY_CURRENT_USER, KEY, "Folder"), "");
     EXPECT_EQ(SRegistry::ReadInt(HKEY_CURRENT_USER, "Software\\Missing", "Volume"), 0u);
     EXPECT_EQ(SRegistry::ReadInt(HKEY_CURRENT_USER, nullptr, "Volume"), 0u);
     EXPECT_EQ(SRegistry::ReadInt(HKEY_CURRENT_USER, "", "Volume"), 0u);
-}
-
-TEST_F(Registry, EmptySubKeyWriteFailsAndTouchesNothing) {
-    EXPECT_FALSE(SRegistry::WriteInt(HKEY_CURRENT_USER, "", "Volume", 1));
-    EXPECT_FALSE(SRegistry::WriteString(HKEY_CURRENT_USER, nullptr, "Folder", "x"));
-    EXPECT_FALSE(std::filesystem::exists(storePath));
-}
-
-TEST_F(Registry, UnknownRootFails) {
-    const HKEY unknown = 0x12345678u;
-    EXPECT_FALSE(SRegistry::WriteInt(unknown, KEY, "Volume", 1));
-    EXPECT_EQ(SRegistry::ReadInt(unknown, KEY, "Volume"), 0u);
-    EXPECT_EQ(SRegistry::GetStorePath(unknown), "");
 }
 
 TEST_F(Registry, RootsHaveTheirOwnStores) {
@@ -184,15 +139,6 @@ TEST_F(Registry, ReadsHandOverStoredBytesWhateverTheType) {
     const char bytes[] = {'h', 'i', 0, 'x'};
     ASSERT_TRUE(SRegistry::WriteBinary(HKEY_CURRENT_USER, KEY, "Blob", bytes, 4));
     EXPECT_EQ(SRegistry::ReadString(HKEY_CURRENT_USER, KEY, "Blob"), "hi");
-}
-
-TEST_F(Registry, DeleteValueRemovesOnlyThatValue) {
-    ASSERT_TRUE(SRegistry::WriteInt(HKEY_CURRENT_USER, KEY, "A", 1));
-    ASSERT_TRUE(SRegistry::WriteInt(HKEY_CURRENT_USER, KEY, "B", 2));
-    EXPECT_TRUE(SRegistry::DeleteValue(HKEY_CURRENT_USER, KEY, "a"));
-    EXPECT_TRUE(SRegistry::DeleteValue(HKEY_CURRENT_USER, KEY, "absent"));
-    EXPECT_EQ(SRegistry::ReadInt(HKEY_CURRENT_USER, KEY, "A"), 0u);
-    EXPECT_EQ(SRegistry::ReadInt(HKEY_CURRENT_USER, KEY, "B"), 2u);
 }
 
 TEST_F(Registry, WriteMakesTheFolderAndLeavesNoTemporaryFile) {
@@ -353,37 +299,6 @@ TEST_F(Registry, WritersInTwoProcessesLoseNoValue) {
     }
 }
 
-// A temporary folder on a memory file system when the machine has one, else
-// in the usual temporary folder. Crash tests use it: a write there costs no
-// disk flush, so the killed writer gets through many writes in each round
-// and the kill lands at every step of a write.
-class MemoryTempDir {
-public:
-    MemoryTempDir() {
-        std::error_code error;
-        std::string base =
-            std::filesystem::is_directory("/dev/shm", error) && access("/dev/shm", W_OK) == 0
-                ? "/dev/shm"
-                : std::filesystem::temp_directory_path().string();
-        std::string pattern = base + "/melkora-XXXXXX";
-        if (mkdtemp(pattern.data()) != nullptr) {
-            path = pattern;
-        }
-    }
-    ~MemoryTempDir() {
-        std::error_code error;
-        std::filesystem::remove_all(path, error);
-    }
-    MemoryTempDir(const MemoryTempDir&) = delete;
-    MemoryTempDir& operator=(const MemoryTempDir&) = delete;
-
-    const std::string& Path() const { return path; }
-    std::string operator/(const std::string& name) const { return path + "/" + name; }
-
-private:
-    std::string path;
-};
-
 // The child writes keys 0..keys-1 in turn, each round with the next
 // generation: text "<g>/<g>/<g>" and the number g. Every read after a kill
 // must find, for each key, a whole value of one generation.
@@ -392,7 +307,7 @@ TEST(RegistryCrash, KilledWriterLeavesEveryValueWhole) {
     ASSERT_FALSE(dir.Path().empty());
     ScopedEnv config("MELKORA_CONFIG_HOME", dir.Path().c_str());
     std::string storePath = dir / "registry.ini";
-    const int keys = 6;
+    constexpr int keys = 6;
     for (int k = 0; k < keys; ++k) {
         std::string name = "Text" + std::to_string(k);
         ASSERT_TRUE(SRegistry::WriteString(HKEY_CURRENT_USER, KEY, name.c_str(), "0/0/0"));
@@ -404,12 +319,7 @@ TEST(RegistryCrash, KilledWriterLeavesEveryValueWhole) {
     uint32_t lastSeen[keys] = {};
     int changes = 0;
     for (int round = 1; round <= 210; ++round) {
-        int ready[2];
-        ASSERT_EQ(pipe(ready), 0);
-        pid_t child = fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) {
-            close(ready[0]);
+        auto writer = [round](const std::function<void()>& ready) {
             for (uint32_t generation = uint32_t(round) * 100000;; ++generation) {
                 std::string value = std::to_string(generation);
                 value = value + "/" + value + "/" + value;
@@ -418,25 +328,11 @@ TEST(RegistryCrash, KilledWriterLeavesEveryValueWhole) {
                                            ("Text" + std::to_string(k)).c_str(), value.c_str());
                     SRegistry::WriteInt(HKEY_CURRENT_USER, KEY,
                                         ("Number" + std::to_string(k)).c_str(), generation);
-                    if (ready[1] >= 0) {
-                        // One value is in: the parent starts its clock now.
-                        (void)write(ready[1], "r", 1);
-                        close(ready[1]);
-                        ready[1] = -1;
-                    }
+                    ready(); // one value is in: the clock starts now
                 }
             }
-            _exit(0);
-        }
-        close(ready[1]);
-        char signal = 0;
-        (void)read(ready[0], &signal, 1);
-        close(ready[0]);
-        usleep(useconds_t(delay(random)));
-        kill(child, SIGKILL);
-        int status = 0;
-        waitpid(child, &status, 0);
-
+        };
+        ASSERT_TRUE(RunAndKill(writer, delay(random)));
         std::string text = TempDir::Read(storePath);
         ASSERT_EQ(text.rfind("MELKORA REGISTRY 1\n", 0), 0u) << "round " << round;
         ASSERT_EQ(text.back(), '\n') << "round " << round;

@@ -1,13 +1,17 @@
 #include "foundation/string.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <cstdio>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
+
+using ::testing::ElementsAre;
 
 std::string Text(const SString& s) {
     return std::string(s.c_str(), s.GetLength());
@@ -33,19 +37,37 @@ int Rounded(int length, int step) {
     return (length + 1) / step * step + step;
 }
 
+std::string AllBytes() {
+    std::string bytes;
+    for (int i = 1; i < 256; i++) {
+        bytes += static_cast<char>(i);
+    }
+    return bytes;
+}
+
 } // namespace
 
 TEST(StringGrowth, CapacityRoundsUpAndSkipsExactMultiples) {
-    const struct {
-        int length;
-        int capacity;
-    } cases[] = {{0, 16}, {14, 16}, {15, 32}, {16, 32}, {30, 32}, {31, 48}, {-5, 16}};
-    for (const auto& c : cases) {
+    // clang-format off
+    const std::pair<int, int> cases[] = {
+        {0, 16}, {14, 16}, {15, 32}, {16, 32}, {30, 32}, {31, 48}, {-5, 16}};
+    // clang-format on
+    for (auto [length, capacity] : cases) {
         SString s;
-        s.SetSize(c.length, false);
-        EXPECT_EQ(s.GetCapacity(), c.capacity) << c.length;
-        EXPECT_EQ(s.GetLength(), c.length < 0 ? 0 : c.length);
+        s.SetSize(length, false);
+        EXPECT_EQ(s.GetCapacity(), capacity) << length;
+        EXPECT_EQ(s.GetLength(), length < 0 ? 0 : length);
         EXPECT_EQ(s.GetBuffer()[s.GetLength()], 0);
+    }
+    for (int length : {0, 22, 23, 24, 47, 100}) {
+        SUniString u;
+        u.SetSize(length, false);
+        EXPECT_EQ(u.GetCapacity(), Rounded(length, 24)) << length;
+    }
+    SString appended("");
+    for (int i = 1; i <= 100; i++) {
+        appended.AppendChar('x');
+        ASSERT_EQ(appended.GetCapacity(), Rounded(i, 16)) << i;
     }
 }
 
@@ -57,34 +79,10 @@ TEST(StringGrowth, CapacityNeverShrinksAndKeepCarriesText) {
     s.SetSize(3, true);
     EXPECT_EQ(s.GetCapacity(), 112);
     EXPECT_STREQ(s.c_str(), "abc");
+    s.SetLength(5, '.'); // only the added characters are filled
+    EXPECT_EQ(Text(s), "abc..");
     s = "x";
     EXPECT_EQ(s.GetCapacity(), 112);
-}
-
-TEST(StringGrowth, AppendKeepsCapacityRounding) {
-    SString s("");
-    for (int i = 1; i <= 100; i++) {
-        s.AppendChar('x');
-        ASSERT_EQ(s.GetCapacity(), Rounded(i, 16)) << i;
-    }
-    EXPECT_EQ(s.GetLength(), 100);
-}
-
-TEST(StringGrowth, SetLengthFillsOnlyAddedCharacters) {
-    SString s("ab");
-    s.SetLength(5, '.');
-    EXPECT_EQ(Text(s), "ab...");
-    s.SetLength(1, '.');
-    EXPECT_EQ(Text(s), "a");
-}
-
-TEST(StringGrowth, UniStringGrowsInStepsOf24) {
-    const int lengths[] = {0, 22, 23, 24, 47, 100};
-    for (int length : lengths) {
-        SUniString s;
-        s.SetSize(length, false);
-        EXPECT_EQ(s.GetCapacity(), Rounded(length, 24)) << length;
-    }
 }
 
 TEST(StringLifetime, NullTextGivesBufferDefaultGivesNone) {
@@ -93,45 +91,36 @@ TEST(StringLifetime, NullTextGivesBufferDefaultGivesNone) {
     EXPECT_STREQ(none.c_str(), "");
     SString fromNull(static_cast<const char*>(nullptr));
     ASSERT_NE(fromNull.GetBuffer(), nullptr);
-    EXPECT_EQ(fromNull.GetLength(), 0);
     EXPECT_EQ(fromNull.GetCapacity(), 16);
     EXPECT_EQ(Text(SString(3)), "   ");
     EXPECT_EQ(Text(SString(-2)), "");
 }
 
-TEST(StringLifetime, UserWordsFollowOnlyCopyFrom) {
+TEST(StringLifetime, UserWordsFollowOnlyCopyFromAndMoveTakesBuffer) {
     SString a("text");
     a.userA = 7;
     a.userB = 9;
-    SString copy(a);
-    EXPECT_EQ(copy.userA, 0u);
+    EXPECT_EQ(SString(a).userA, 0u);
     SString assigned("x");
     assigned.userA = 3;
     assigned = a;
     EXPECT_EQ(assigned.userA, 3u);
     SString full;
     full.CopyFrom(a, false);
-    EXPECT_EQ(Text(full), "text");
     EXPECT_EQ(full.userB, 9u);
     SString textOnly;
     textOnly.CopyFrom(a, true);
+    EXPECT_EQ(Text(textOnly), "text");
     EXPECT_EQ(textOnly.userB, 0u);
-    a.Empty();
-    EXPECT_EQ(a.GetBuffer(), nullptr);
-    EXPECT_EQ(a.GetCapacity(), 0);
-    EXPECT_EQ(a.userA, 7u);
-}
 
-TEST(StringLifetime, MoveTakesBuffer) {
-    SString a("moving");
     const char* buffer = a.GetBuffer();
-    SString b(std::move(a));
-    EXPECT_EQ(b.GetBuffer(), buffer);
+    SString moved(std::move(a));
+    EXPECT_EQ(moved.GetBuffer(), buffer);
     EXPECT_EQ(a.GetBuffer(), nullptr); // NOLINT: the moved-from state is part of the contract
-    EXPECT_EQ(a.GetLength(), 0);
-    SString c;
-    c = std::move(b);
-    EXPECT_EQ(Text(c), "moving");
+    EXPECT_EQ(a.userA, 7u);
+    moved.Empty();
+    EXPECT_EQ(moved.GetBuffer(), nullptr);
+    EXPECT_EQ(moved.GetCapacity(), 0);
 }
 
 TEST(StringLifetime, TextFromInsideItselfSurvivesReallocation) {
@@ -146,137 +135,100 @@ TEST(StringLifetime, TextFromInsideItselfSurvivesReallocation) {
     EXPECT_EQ(s.GetLength(), 39);
     s = s.c_str() + 30;
     EXPECT_EQ(Text(s), "abcdebcde");
+    s.Format("%s-%s", s.c_str(), s.c_str());
+    EXPECT_EQ(Text(s), "abcdebcde-abcdebcde");
 }
 
-TEST(StringAccess, SetAtZeroTruncates) {
+TEST(StringAccess, SetAtZeroTruncatesAndOutOfRangeIsIgnored) {
     SString s("abcd");
     s.SetAt(2, 0);
-    EXPECT_EQ(Text(s), "ab");
     EXPECT_EQ(s.GetLength(), 2);
     s.SetAt(5, 'x');
     s.SetAt(-1, 'x');
     EXPECT_EQ(Text(s), "ab");
-    EXPECT_EQ(s.GetAt(1), 'b');
     EXPECT_EQ(s.GetAt(2), 0);
     EXPECT_EQ(SString().GetAt(0), 0);
 }
 
-TEST(StringAccess, CompareReducesToSign) {
-    EXPECT_EQ(SString("abc").Compare("abd"), -1);
-    EXPECT_EQ(SString("abd").Compare("abc"), 1);
-    EXPECT_EQ(SString("abc").Compare("abc"), 0);
-    EXPECT_EQ(SString().Compare(""), 0);
+TEST(StringAccess, CompareIsUnsignedBytesAndCaseBlindOnlyOnAscii) {
+    // clang-format off
+    const std::tuple<const char*, const char*, int, int> cases[] = {
+        {"abc", "abd", -1, -1}, {"abd", "abc", 1, 1}, {"", "", 0, 0},
+        {"\xC3\xA9", "z", 1, 1}, // bytes compare unsigned
+        {"Hello World", "hELLO wORLD", -1, 0}, {"\u00C4BC", "\u00C4bc", -1, 0},
+        {"\u00C9", "\u00E9", -1, -1}, {"a", "B", 1, -1},
+        {"[", "a", -1, -1}}; // "[" sorts before letters folded down
+    // clang-format on
+    for (auto [a, b, compare, noCase] : cases) {
+        EXPECT_EQ(SString(a).Compare(b), compare) << a << " " << b;
+        EXPECT_EQ(SString(a).CompareNoCase(b), noCase) << a << " " << b;
+    }
     EXPECT_EQ(SString("a").Compare(nullptr), 1);
-    EXPECT_EQ(SString("\xC3\xA9").Compare("z"), 1); // bytes compare unsigned
-    EXPECT_TRUE(SString("ab") == SString("ab"));
-    EXPECT_TRUE(SString("ab") != "abc");
-}
-
-TEST(StringAccess, CaseBlindOnlyOnAsciiLetters) {
-    EXPECT_EQ(SString("Hello World").CompareNoCase("hELLO wORLD"), 0);
-    EXPECT_EQ(SString("\xC3\x84"
-                      "BC")
-                  .CompareNoCase("\xC3\x84"
-                                 "bc"),
-              0);                                                // "ÄBC", "Äbc"
-    EXPECT_NE(SString("\xC3\x89").CompareNoCase("\xC3\xA9"), 0); // "É", "é"
-    EXPECT_EQ(SString("a").CompareNoCase("B"), -1);
-    EXPECT_EQ(SString("[").CompareNoCase("a"), -1); // "[" sorts before letters folded down
-    EXPECT_EQ(Text(SString("stra\xC3\x9F"
-                           "e \xC3\xA9")
-                       .Upper()),
-              "STRA\xC3\x9F"
-              "E \xC3\xA9");
+    EXPECT_EQ(Text(SString("stra\u00DFe \u00E9").Upper()), "STRA\u00DFE \u00E9");
     EXPECT_EQ(Text(SString("MiXeD \xC3\x89").Lower()), "mixed \xC3\x89");
 }
 
 TEST(StringSearch, FindStaysInsideTheRange) {
     SString s("abcabc");
-    EXPECT_EQ(s.Find('c'), 2);
-    EXPECT_EQ(s.Find('c', 3), 5);
-    EXPECT_EQ(s.Find('c', 0, 2), -1);
-    EXPECT_EQ(s.Find('a', 6), -1);
-    EXPECT_EQ(s.Find('a', -1), -1);
-    EXPECT_EQ(s.FindNot('a'), 1);
-    EXPECT_EQ(SString("aaa").FindNot('a'), -1);
-    EXPECT_EQ(s.Find("bc", 0, 3, true), 3);
-    EXPECT_EQ(s.Find("bc", 2, 3), -1); // "cab" cannot hold it
-    EXPECT_EQ(s.Find("bc", 2), 4);
-    EXPECT_EQ(s.Find("bc", 2, -1, true), 6);
-    EXPECT_EQ(s.Find(""), -1);
-    EXPECT_EQ(s.Find(static_cast<const char*>(nullptr)), -1);
-    EXPECT_EQ(s.FindNoCase("CA"), 2);
-    EXPECT_EQ(s.FindNoCase("CA", 3), -1);
-    EXPECT_EQ(s.FindNoCase(""), -1);
-    EXPECT_EQ(SString().Find('a'), -1);
+    EXPECT_THAT((std::vector<int>{s.Find('c'), s.Find('c', 3), s.Find('c', 0, 2), s.Find('a', 6),
+                                  s.Find('a', -1), s.FindNot('a'), SString("aaa").FindNot('a'),
+                                  SString().Find('a')}),
+                ElementsAre(2, 5, -1, -1, -1, 1, -1, -1));
+    // "cab" cannot hold "bc"; with after, the result is just past the match.
+    EXPECT_THAT((std::vector<int>{s.Find("bc", 0, 3, true), s.Find("bc", 2, 3), s.Find("bc", 2),
+                                  s.Find("bc", 2, -1, true), s.Find(""),
+                                  s.Find(static_cast<const char*>(nullptr)), s.FindNoCase("CA"),
+                                  s.FindNoCase("CA", 3), s.FindNoCase("")}),
+                ElementsAre(3, -1, 4, 6, -1, -1, 2, -1, -1));
 }
 
 TEST(StringSearch, ReverseFindStartsFromTheGivenIndex) {
     SString s("abcabc");
-    EXPECT_EQ(s.ReverseFind('a'), 3);
-    EXPECT_EQ(s.ReverseFind('a', 2), 0);
-    EXPECT_EQ(s.ReverseFind('a', 6), -1);
-    EXPECT_EQ(s.ReverseFind('a', -2), -1);
-    EXPECT_EQ(SString("").ReverseFind('a'), -1);
+    EXPECT_THAT((std::vector<int>{s.ReverseFind('a'), s.ReverseFind('a', 2), s.ReverseFind('a', 6),
+                                  s.ReverseFind('a', -2), SString("").ReverseFind('a')}),
+                ElementsAre(3, 0, -1, -1, -1));
     // The first listed character that is found wins, not the last position.
-    EXPECT_EQ(s.ReverseFindAny(-1, 2, 'a', 'c'), 3);
-    EXPECT_EQ(s.ReverseFindAny(-1, 2, 'x', 'b'), 4);
-    EXPECT_EQ(s.ReverseFindAny(-1, 1, 'x'), -1);
+    EXPECT_THAT((std::vector<int>{s.ReverseFindAny(-1, 2, 'a', 'c'),
+                                  s.ReverseFindAny(-1, 2, 'x', 'b'), s.ReverseFindAny(-1, 1, 'x')}),
+                ElementsAre(3, 4, -1));
 }
 
 TEST(StringRanges, PiecesClampTheirCounts) {
     SString s("abcdef");
-    const struct {
-        int start;
-        int count;
-        const char* expected;
-    } mids[] = {{2, 2, "cd"}, {2, -1, "cdef"}, {2, 100, "cdef"}, {6, 1, ""},
-                {-1, 2, ""},  {0, 0, ""},      {5, -7, "f"}};
-    for (const auto& m : mids) {
-        EXPECT_EQ(Text(s.Mid(m.start, m.count)), m.expected) << m.start << "," << m.count;
+    // clang-format off
+    const std::tuple<int, int, const char*> mids[] = {
+        {2, 2, "cd"}, {2, -1, "cdef"}, {2, 100, "cdef"}, {6, 1, ""}, {-1, 2, ""}, {0, 0, ""},
+        {5, -7, "f"}};
+    // clang-format on
+    for (auto [start, count, expected] : mids) {
+        EXPECT_EQ(Text(s.Mid(start, count)), expected) << start << "," << count;
     }
-    EXPECT_EQ(Text(s.Left(-1)), "");
-    EXPECT_EQ(Text(s.Left(100)), "abcdef");
-    EXPECT_EQ(Text(s.Right(2)), "ef");
-    EXPECT_EQ(Text(s.Right(0)), "");
-    EXPECT_EQ(Text(s.Right(9)), "abcdef");
-    EXPECT_EQ(Text(s.Between(1, 3)), "bc");
-    EXPECT_EQ(Text(s.Between(3, 3)), "");
-    EXPECT_EQ(Text(s.Between(4, 1)), "");
-    EXPECT_EQ(Text(s.Between(4, 50)), "ef");
-    EXPECT_EQ(Text(SString().Left(3)), "");
-}
-
-TEST(StringPieces, CharacterSplits) {
-    SString s("key=value=more");
-    EXPECT_EQ(Text(s.AfterChar('=')), "value=more");
-    EXPECT_EQ(Text(s.BeforeChar('=')), "key");
-    EXPECT_EQ(Text(s.AfterChar('#')), "");
-    EXPECT_EQ(Text(s.BeforeChar('#')), "");
-    EXPECT_EQ(Text(s.BeforeCharOrAll('#')), "key=value=more");
-    EXPECT_EQ(Text(SString("end=").AfterChar('=')), "");
+    SString kv("key=value=more");
+    EXPECT_THAT((std::vector<std::string>{Text(s.Left(-1)), Text(s.Left(100)), Text(s.Right(2)),
+                                          Text(s.Right(0)), Text(s.Right(9)), Text(s.Between(1, 3)),
+                                          Text(s.Between(3, 3)), Text(s.Between(4, 1)),
+                                          Text(s.Between(4, 50)), Text(SString().Left(3))}),
+                ElementsAre("", "abcdef", "ef", "", "abcdef", "bc", "", "", "ef", ""));
+    EXPECT_THAT((std::vector<std::string>{Text(kv.AfterChar('=')), Text(kv.BeforeChar('=')),
+                                          Text(kv.AfterChar('#')), Text(kv.BeforeChar('#')),
+                                          Text(kv.BeforeCharOrAll('#')),
+                                          Text(SString("end=").AfterChar('='))}),
+                ElementsAre("value=more", "key", "", "", "key=value=more", ""));
 }
 
 TEST(StringPieces, GetLineCutsAtEachLineEnd) {
-    const struct {
-        const char* text;
-        int start;
-        const char* line;
-        int next;
-    } cases[] = {
+    // clang-format off
+    const std::tuple<const char*, int, const char*, int> cases[] = {
         {"ab\r\ncd", 0, "ab", 4}, {"ab\r\ncd", 4, "cd", 6}, {"ab\rcd", 0, "ab", 3},
-        {"ab\ncd", 0, "ab", 3},   {"ab\n\rcd", 0, "ab", 3}, {"ab\n\rcd", 3, "", 4},
-        {"abc", 1, "bc", 3},      {"abc", 3, "", 3},        {"abc", -1, "", 3},
-        {"ab\r", 0, "ab", 3},     {"", 0, "", 0},
-    };
-    for (const auto& c : cases) {
+        {"ab\ncd", 0, "ab", 3}, {"ab\n\rcd", 0, "ab", 3}, {"ab\n\rcd", 3, "", 4},
+        {"abc", 1, "bc", 3}, {"abc", 3, "", 3}, {"abc", -1, "", 3}, {"ab\r", 0, "ab", 3},
+        {"", 0, "", 0}};
+    // clang-format on
+    for (auto [text, start, line, expectedNext] : cases) {
         int next = -99;
-        EXPECT_EQ(Text(SString(c.text).GetLine(c.start, &next)), c.line) << c.text << c.start;
-        EXPECT_EQ(next, c.next) << c.text << c.start;
+        EXPECT_EQ(Text(SString(text).GetLine(start, &next)), line) << text << start;
+        EXPECT_EQ(next, expectedNext) << text << start;
     }
-}
-
-TEST(StringPieces, LineCountsAndLongestLine) {
     EXPECT_EQ(SString("a\r\nb\r\n").CountLines(), 3);
     EXPECT_EQ(SString("a\nb\rc").CountLines(), 1);
     EXPECT_EQ(SString("").CountLines(), 1);
@@ -285,39 +237,30 @@ TEST(StringPieces, LineCountsAndLongestLine) {
 }
 
 TEST(StringGetWord, WordsAndGaps) {
-    const struct {
-        const char* text;
-        int start;
-        bool keepBlanks;
-        const char* word;
-        int next;
-    } cases[] = {
-        {"  ab cd", 0, false, "ab", 4}, {"  ab cd", 0, true, "  ", 2},
-        {"ab cd", 2, false, "cd", 5},   {"ab cd", 1, false, "b", 2},
-        {"ab \t\r\n", 2, false, "", 6}, {"ab \t\r\nx", 2, true, " \t\r\n", 6},
-        {"ab", -1, false, "", 2},       {"ab", 7, false, "", 2},
-        {"", 0, false, "", 0},
-    };
-    for (const auto& c : cases) {
+    // clang-format off
+    const std::tuple<const char*, int, bool, const char*, int> cases[] = {
+        {"  ab cd", 0, false, "ab", 4}, {"  ab cd", 0, true, "  ", 2}, {"ab cd", 2, false, "cd", 5},
+        {"ab cd", 1, false, "b", 2}, {"ab \t\r\n", 2, false, "", 6},
+        {"ab \t\r\nx", 2, true, " \t\r\n", 6}, {"ab", -1, false, "", 2}, {"ab", 7, false, "", 2},
+        {"", 0, false, "", 0}};
+    // clang-format on
+    for (auto [text, start, keepBlanks, word, expectedNext] : cases) {
         int next = -99;
-        EXPECT_EQ(Text(SString(c.text).GetWord(c.start, &next, c.keepBlanks)), c.word)
-            << c.text << c.start;
-        EXPECT_EQ(next, c.next) << c.text << c.start;
+        EXPECT_EQ(Text(SString(text).GetWord(start, &next, keepBlanks)), word) << text << start;
+        EXPECT_EQ(next, expectedNext) << text << start;
     }
 }
 
 TEST(StringEditing, InsertFollowsPositionRules) {
-    const struct {
-        const char* text;
-        int pos;
-        int count;
-        const char* expected;
-    } chars[] = {{"ab", -1, 1, "abx"},  {"ab", 2, 1, "abx"}, {"ab", 3, 1, "ab"},
-                 {"ab", 0, 3, "xxxab"}, {"ab", 0, 0, "ab"},  {"", 0, 2, "xx"}};
-    for (const auto& c : chars) {
-        SString s(c.text);
-        s.Insert('x', c.pos, c.count);
-        EXPECT_EQ(Text(s), c.expected) << c.text << c.pos << c.count;
+    // clang-format off
+    const std::tuple<const char*, int, int, const char*> chars[] = {
+        {"ab", -1, 1, "abx"}, {"ab", 2, 1, "abx"}, {"ab", 3, 1, "ab"}, {"ab", 0, 3, "xxxab"},
+        {"ab", 0, 0, "ab"}, {"", 0, 2, "xx"}};
+    // clang-format on
+    for (auto [text, pos, count, expected] : chars) {
+        SString s(text);
+        s.Insert('x', pos, count);
+        EXPECT_EQ(Text(s), expected) << text << pos << count;
     }
     SString s("ab");
     s.Insert("cd", 1, 2);
@@ -349,100 +292,72 @@ TEST(StringEditing, DeleteAndReplaceReportWhatChanged) {
 }
 
 TEST(StringEditing, ReplaceRangeGrowsAndShrinks) {
-    const struct {
-        const char* with;
-        int start;
-        int count;
-        const char* expected;
-    } cases[] = {{"XYZ", 1, 1, "aXYZcd"}, {"X", 1, 3, "aX"},    {"X", 4, 0, "abcdX"},
-                 {"X", 5, 0, "abcd"},     {"X", -3, 1, "Xbcd"}, {"", 0, -1, ""},
-                 {nullptr, 1, 2, "ad"}};
-    for (const auto& c : cases) {
+    // clang-format off
+    const std::tuple<const char*, int, int, const char*> cases[] = {
+        {"XYZ", 1, 1, "aXYZcd"}, {"X", 1, 3, "aX"}, {"X", 4, 0, "abcdX"}, {"X", 5, 0, "abcd"},
+        {"X", -3, 1, "Xbcd"}, {"", 0, -1, ""}, {nullptr, 1, 2, "ad"}};
+    // clang-format on
+    for (auto [with, start, count, expected] : cases) {
         SString s("abcd");
-        s.ReplaceRange(c.with, c.start, c.count);
-        EXPECT_EQ(Text(s), c.expected) << c.start << "," << c.count;
+        s.ReplaceRange(with, start, count);
+        EXPECT_EQ(Text(s), expected) << start << "," << count;
     }
 }
 
 TEST(StringEditing, ReplaceAllNeverRescansInsertedText) {
-    const struct {
-        const char* text;
-        const char* find;
-        const char* with;
-        int start;
-        int count;
-        bool matchCase;
-        const char* expected;
-        int replaced;
-    } cases[] = {
+    using Case =
+        std::tuple<const char*, const char*, const char*, int, int, bool, const char*, int>;
+    // clang-format off
+    const Case cases[] = {
         {"aaa", "a", "aa", 0, -1, true, "aaaaaa", 3},
         {"Hello hello", "hello", "bye", 0, -1, false, "bye bye", 2},
         {"Hello hello", "hello", "bye", 0, -1, true, "Hello bye", 1},
         {"a-a-a", "a", "b", 1, 3, true, "a-b-a", 1},
         {"abab", "ab", "x", 0, 3, true, "xab", 1}, // a match may not cross the range end
-        {"banana", "a", "", 0, -1, true, "bnn", 3},
-        {"banana", "", "x", 0, -1, true, "banana", 0},
+        {"banana", "a", "", 0, -1, true, "bnn", 3}, {"banana", "", "x", 0, -1, true, "banana", 0},
         {"banana", "a", "x", 6, -1, true, "banana", 0},
-        {"\xC3\x89t\xC3\xA9", "\xC3\xA9", "e", 0, -1, false, "\xC3\x89te", 1},
-    };
-    for (const auto& c : cases) {
-        SString s(c.text);
-        EXPECT_EQ(s.ReplaceAll(c.find, c.with, c.start, c.count, c.matchCase), c.replaced)
-            << c.text << " " << c.find;
-        EXPECT_EQ(Text(s), c.expected) << c.text << " " << c.find;
+        {"\xC3\x89t\xC3\xA9", "\xC3\xA9", "e", 0, -1, false, "\xC3\x89te", 1}};
+    // clang-format on
+    for (auto [text, find, with, start, count, matchCase, expected, replaced] : cases) {
+        SString s(text);
+        EXPECT_EQ(s.ReplaceAll(find, with, start, count, matchCase), replaced) << text << find;
+        EXPECT_EQ(Text(s), expected) << text << " " << find;
     }
 }
 
-TEST(StringEditing, QuotesAndConcatenation) {
-    const struct {
-        const char* text;
-        bool quoted;
-        const char* after;
-    } cases[] = {{"\"ab\"", true, "ab"},
-                 {"\"a\"b\"", false, "\"a\"b\""},
-                 {"\"", false, "\""},
-                 {"\"\"", true, ""},
-                 {"'x'", false, "'x'"}};
-    for (const auto& c : cases) {
-        SString s(c.text);
-        EXPECT_EQ(s.Unquote(), c.quoted) << c.text;
-        EXPECT_EQ(Text(s), c.after);
+TEST(StringEditing, UnquoteNeedsOneMatchingPairAndConcatenationKeepsOrder) {
+    // clang-format off
+    const std::tuple<const char*, bool, const char*> cases[] = {
+        {"\"ab\"", true, "ab"}, {"\"a\"b\"", false, "\"a\"b\""}, {"\"", false, "\""},
+        {"\"\"", true, ""}, {"'x'", false, "'x'"}};
+    // clang-format on
+    for (auto [text, quoted, after] : cases) {
+        SString s(text);
+        EXPECT_EQ(s.Unquote(), quoted) << text;
+        EXPECT_EQ(Text(s), after);
     }
     EXPECT_TRUE(SString("'x'").IsQuoted('\''));
-    EXPECT_EQ(Text("ab" + SString("cd") + 'e' + "f"), "abcdef");
-    SString s;
-    s += "x";
-    s += SString("y");
-    s += 'z';
+    SString s = "ab" + SString("cd") + 'e';
+    s += SString("f");
     s.Append("1234", 2);
-    EXPECT_EQ(Text(s), "xyz12");
+    EXPECT_EQ(Text(s), "abcdef12");
 }
 
 TEST(StringTrim, CountsAndBlanks) {
-    const struct {
-        const char* text;
-        bool right;
-        int count;
-        bool blanksOnly;
-        const char* expected;
-        int result;
-    } cases[] = {
-        {"abcd", true, 2, false, "ab", 0},      {"abcd", true, 10, false, "", 0},
-        {"ab \t ", true, -1, false, "ab", 3},   {"ab \t ", true, -1, true, "ab \t", 1},
-        {"abcd", true, 0, false, "abcd", 0},    {"abcd", false, 1, false, "bcd", 0},
-        {"abcd", false, 9, false, "", 0},       {" \t ab", false, -1, false, "ab", 3},
-        {"\t ab", false, -1, true, "\t ab", 0}, {"", false, -1, false, "", 0},
-    };
-    for (const auto& c : cases) {
-        SString s(c.text);
-        int result =
-            c.right ? s.TrimRight(c.count, c.blanksOnly) : s.TrimLeft(c.count, c.blanksOnly);
-        EXPECT_EQ(result, c.result) << c.text << c.count;
-        EXPECT_EQ(Text(s), c.expected) << c.text << c.count;
+    // clang-format off
+    const std::tuple<const char*, bool, int, bool, const char*, int> cases[] = {
+        {"abcd", true, 2, false, "ab", 0}, {"abcd", true, 10, false, "", 0},
+        {"ab \t ", true, -1, false, "ab", 3}, {"ab \t ", true, -1, true, "ab \t", 1},
+        {"abcd", true, 0, false, "abcd", 0}, {"abcd", false, 1, false, "bcd", 0},
+        {"abcd", false, 9, false, "", 0}, {" \t ab", false, -1, false, "ab", 3},
+        {"\t ab", false, -1, true, "\t ab", 0}, {"", false, -1, false, "", 0}};
+    // clang-format on
+    for (auto [text, right, count, blanksOnly, expected, result] : cases) {
+        SString s(text);
+        EXPECT_EQ(right ? s.TrimRight(count, blanksOnly) : s.TrimLeft(count, blanksOnly), result)
+            << text << count;
+        EXPECT_EQ(Text(s), expected) << text << count;
     }
-}
-
-TEST(StringTrim, TrimLeavesTabsWhenBlanksOnly) {
     SString tabs("\t\t");
     tabs.Trim(-1, -1, true);
     EXPECT_EQ(Text(tabs), "\t\t");
@@ -454,106 +369,62 @@ TEST(StringTrim, TrimLeavesTabsWhenBlanksOnly) {
 }
 
 TEST(StringNumeric, IsNumericAndIsInteger) {
-    const struct {
-        const char* text;
-        bool numeric;
-        bool integer;
-    } cases[] = {
-        {"1.", false, false}, {".5", true, false},   {"-", false, false},     {"1-2", false, false},
-        {"-5", true, true},   {" -5", false, false}, {"-5 ", true, true},     {" 12\t", true, true},
-        {"", false, false},   {" \t", false, false}, {"1.2.3", false, false}, {"12a", false, false},
-        {"-.5", true, false}, {"--5", false, false}, {"0", true, true},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(SString(c.text).IsNumeric(), c.numeric) << "'" << c.text << "'";
-        EXPECT_EQ(SString(c.text).IsInteger(), c.integer) << "'" << c.text << "'";
+    // clang-format off
+    const std::tuple<const char*, bool, bool> cases[] = {
+        {"1.", false, false}, {".5", true, false}, {"-", false, false}, {"1-2", false, false},
+        {"-5", true, true}, {" -5", false, false}, {"-5 ", true, true}, {" 12\t", true, true},
+        {"", false, false}, {" \t", false, false}, {"1.2.3", false, false}, {"12a", false, false},
+        {"-.5", true, false}, {"--5", false, false}, {"0", true, true}};
+    // clang-format on
+    for (auto [text, numeric, integer] : cases) {
+        EXPECT_EQ(SString(text).IsNumeric(), numeric) << "'" << text << "'";
+        EXPECT_EQ(SString(text).IsInteger(), integer) << "'" << text << "'";
     }
 }
 
 TEST(StringNumeric, ParseHexPrefixesAndLimits) {
-    const struct {
-        const char* text;
-        uint64_t value;
-    } cases[] = {
-        {"12", 18},
-        {"0", 0},
-        {"#ff", 255},
-        {"0x", 0},
-        {"0xFF", 255},
-        {"0XfF", 255},
-        {"#", 0},
-        {"", 0},
-        {"01", 0},
-        {"012", 0},
-        {"#FfA", 0xFFA},
-        {"0x1g", 0},
-        {"-1", 0},
-        {" 1", 0},
-        {"#0x1", 0},
-        {"ffffffffffffffff", UINT64_MAX},
-        {"1ffffffffffffffff", 0},
-        {"0x0123456789abcdef", 0x0123456789abcdefULL},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(SString(c.text).ParseHex(), c.value) << "'" << c.text << "'";
+    // clang-format off
+    const std::pair<const char*, uint64_t> cases[] = {
+        {"12", 18}, {"0", 0}, {"#ff", 255}, {"0x", 0}, {"0xFF", 255}, {"0XfF", 255}, {"#", 0},
+        {"", 0}, {"01", 0}, {"012", 0}, {"#FfA", 0xFFA}, {"0x1g", 0}, {"-1", 0}, {" 1", 0},
+        {"#0x1", 0}, {"ffffffffffffffff", UINT64_MAX}, {"1ffffffffffffffff", 0},
+        {"0x0123456789abcdef", 0x0123456789abcdefULL}};
+    // clang-format on
+    for (auto [text, value] : cases) {
+        EXPECT_EQ(SString(text).ParseHex(), value) << "'" << text << "'";
     }
 }
 
 TEST(StringRemoveNumbering, ThreeStateScan) {
-    const struct {
-        const char* text;
-        const char* expected;
-    } cases[] = {
-        {"12 - Song", "Song"},
-        {"12abc", "bc"},
-        {"Song", "Song"},
-        {"12", "12"},
-        {"12 - ", "12 - "},
-        {"1.Intro", "Intro"},
-        {"07-08 Track", "08 Track"},
-        {"3 .-x", "x"},
-        {"", ""},
-        {"9 ", "9 "},
-    };
-    for (const auto& c : cases) {
-        SString s(c.text);
+    // clang-format off
+    const std::pair<const char*, const char*> cases[] = {
+        {"12 - Song", "Song"}, {"12abc", "bc"}, {"Song", "Song"}, {"12", "12"}, {"12 - ", "12 - "},
+        {"1.Intro", "Intro"}, {"07-08 Track", "08 Track"}, {"3 .-x", "x"}, {"", ""}, {"9 ", "9 "}};
+    // clang-format on
+    for (auto [text, expected] : cases) {
+        SString s(text);
         s.RemoveNumbering();
-        EXPECT_EQ(Text(s), c.expected) << c.text;
+        EXPECT_EQ(Text(s), expected) << text;
     }
 }
 
 TEST(StringJustify, AlignsEachLineToTheWidth) {
-    const struct {
-        const char* text;
-        int align;
-        int width;
-        bool wrap;
-        const char* expected;
-    } cases[] = {
-        {"ab cd ef", 0, 5, true, "ab cd\r\nef   "},
-        {"ab cd ef", 2, 5, true, "ab cd\r\n   ef"},
-        {"ab cd ef", 1, 5, true, "ab cd\r\n ef  "},
-        {"ab cd ef", 0, 5, false, "ab cd"},
+    // clang-format off
+    const std::tuple<const char*, int, int, bool, const char*> cases[] = {
+        {"ab cd ef", 0, 5, true, "ab cd\r\nef   "}, {"ab cd ef", 2, 5, true, "ab cd\r\n   ef"},
+        {"ab cd ef", 1, 5, true, "ab cd\r\n ef  "}, {"ab cd ef", 0, 5, false, "ab cd"},
         {"a bb ccc dddd", 3, 10, true, "a  bb  ccc\r\ndddd      "},
-        {"abcdefgh", 0, 3, true, "abc\r\ndef\r\ngh "},
-        {"ab\r\nabcd", 0, 0, true, "ab  \r\nabcd"},
-        {"a\r\n\r\nb", 0, -1, true, "a\r\n \r\nb"},
-        {"\tab", 0, 8, true, "    ab  "},
+        {"abcdefgh", 0, 3, true, "abc\r\ndef\r\ngh "}, {"ab\r\nabcd", 0, 0, true, "ab  \r\nabcd"},
+        {"a\r\n\r\nb", 0, -1, true, "a\r\n \r\nb"}, {"\tab", 0, 8, true, "    ab  "},
         {"  ab  ", 2, 4, true, "  ab"},
         // Resuming uses offsets in the trimmed line, so indented text repeats.
-        {"  ab cd", 0, 2, true, "ab\r\nb \r\ncd"},
-    };
-    for (const auto& c : cases) {
-        SString s(c.text);
-        s.Justify(c.align, c.width, c.wrap);
-        EXPECT_EQ(Text(s), c.expected) << c.text << " align " << c.align << " width " << c.width;
+        {"  ab cd", 0, 2, true, "ab\r\nb \r\ncd"}, {"", 0, 0, true, ""}};
+    // clang-format on
+    for (auto [text, align, width, wrap, expected] : cases) {
+        SString s(text);
+        s.Justify(align, width, wrap);
+        EXPECT_EQ(Text(s), expected) << text << " align " << align << " width " << width;
     }
-}
-
-TEST(StringJustify, NothingToDoWithoutText) {
-    SString empty("");
-    empty.Justify(0, 0, true);
-    EXPECT_EQ(Text(empty), "");
     SString none;
     none.Justify(1, 5, true);
     EXPECT_EQ(Text(none), "");
@@ -566,66 +437,41 @@ TEST(StringUrl, EncodeKeepsOnlyLettersDigitsDashUnderscore) {
     EXPECT_EQ(Text(SString("+").UrlEncode(true)), "%2B");
 }
 
-TEST(StringUrl, DecodeDropsAShortEscapeAtTheEnd) {
-    const struct {
-        const char* text;
-        bool plus;
-        const char* expected;
-    } cases[] = {
-        {"a%20b", false, "a b"}, {"a+b", true, "a b"},    {"a+b", false, "a+b"},
+TEST(StringUrl, DecodeDropsAShortEscapeAtTheEndAndEveryByteRoundTrips) {
+    // clang-format off
+    const std::tuple<const char*, bool, const char*> cases[] = {
+        {"a%20b", false, "a b"}, {"a+b", true, "a b"}, {"a+b", false, "a+b"},
         {"%7e%7E", false, "~~"}, {"abc%4", false, "abc"}, {"abc%", false, "abc"},
-        {"%41%", false, "A"},    {"%4!", false, "a"},     {"", false, ""},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(Text(SString(c.text).UrlDecode(c.plus)), c.expected) << c.text;
+        {"%41%", false, "A"}, {"%4!", false, "a"}, {"", false, ""}};
+    // clang-format on
+    for (auto [text, plus, expected] : cases) {
+        EXPECT_EQ(Text(SString(text).UrlDecode(plus)), expected) << text;
     }
-    SString zero = SString("a%00b").UrlDecode(false);
-    EXPECT_EQ(zero.GetLength(), 3);
-}
-
-TEST(StringUrl, EveryByteSurvivesTheRoundTrip) {
-    std::string bytes;
-    for (int i = 1; i < 256; i++) {
-        bytes += static_cast<char>(i);
-    }
+    EXPECT_EQ(SString("a%00b").UrlDecode(false).GetLength(), 3);
+    const std::string bytes = AllBytes();
     for (bool plus : {false, true}) {
-        SString original(bytes.c_str());
-        EXPECT_EQ(Text(original.UrlEncode(plus).UrlDecode(plus)), bytes) << plus;
+        EXPECT_EQ(Text(SString(bytes.c_str()).UrlEncode(plus).UrlDecode(plus)), bytes) << plus;
     }
 }
 
-TEST(StringBase64, EndsInExactlyOneEqualsSign) {
-    const struct {
-        const char* text;
-        const char* encoded;
-    } cases[] = {{"a", "YQ="},
-                 {"ab", "YWI="},
-                 {"abc", "YWJj="},
-                 {"abcd", "YWJjZA="},
-                 {"Melkora", "TWVsa29yYQ="}};
-    for (const auto& c : cases) {
-        SString s(c.text);
+TEST(StringBase64, EndsInExactlyOneEqualsSignAndRoundTrips) {
+    // clang-format off
+    const std::pair<const char*, const char*> cases[] = {
+        {"a", "YQ="}, {"ab", "YWI="}, {"abc", "YWJj="}, {"abcd", "YWJjZA="},
+        {"Melkora", "TWVsa29yYQ="}, {"", ""}};
+    // clang-format on
+    for (auto [text, encoded] : cases) {
+        SString s(text);
         s.EncodeBase64();
-        EXPECT_EQ(Text(s), c.encoded);
+        EXPECT_EQ(Text(s), encoded);
         s.DecodeBase64();
-        EXPECT_EQ(Text(s), c.text);
+        EXPECT_EQ(Text(s), text);
     }
-    SString empty("");
-    empty.EncodeBase64();
-    EXPECT_EQ(Text(empty), "");
     SString sign("=");
     sign.DecodeBase64();
     EXPECT_EQ(Text(sign), "");
-}
-
-TEST(StringBase64, TextWithoutPlusOrSlashRoundTrips) {
-    const char* texts[] = {"Artist - Album (1999)",
-                           "C:\\Music\\Folder",
-                           "x",
-                           "12345678901",
-                           "\xC3\xA9t\xC3\xA9 \xE2\x80\xA2 caf\xC3\xA9",
-                           "line\r\nnext"};
-    for (const char* text : texts) {
+    for (const char* text : {"Artist - Album (1999)", "C:\\Music\\Folder", "x", "12345678901",
+                             "\xC3\xA9t\xC3\xA9 \xE2\x80\xA2 caf\xC3\xA9", "line\r\nnext"}) {
         SString s(text);
         s.EncodeBase64();
         ASSERT_EQ(s.Find('+'), -1) << text;
@@ -636,17 +482,16 @@ TEST(StringBase64, TextWithoutPlusOrSlashRoundTrips) {
 }
 
 TEST(StringBase64, PlusAndSlashDecodeToTheKeptValues) {
-    const struct {
-        const char* text;
-        const char* encoded;
-        const char* decoded;
-    } cases[] = {{">>>", "Pj4+=", ">>/"}, {"???", "Pz8/=", "??3"}};
-    for (const auto& c : cases) {
-        SString s(c.text);
+    // clang-format off
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {">>>", "Pj4+=", ">>/"}, {"???", "Pz8/=", "??3"}};
+    // clang-format on
+    for (auto [text, encoded, decoded] : cases) {
+        SString s(text);
         s.EncodeBase64();
-        EXPECT_EQ(Text(s), c.encoded);
+        EXPECT_EQ(Text(s), encoded);
         s.DecodeBase64();
-        EXPECT_EQ(Text(s), c.decoded);
+        EXPECT_EQ(Text(s), decoded);
     }
 }
 
@@ -654,7 +499,6 @@ TEST(StringFormat, LongStringsAndManyArguments) {
     std::string big(100000, 'x');
     SString s;
     s.Format("[%s]", big.c_str());
-    EXPECT_EQ(s.GetLength(), 100002);
     EXPECT_EQ(Text(s), "[" + big + "]");
     EXPECT_GE(s.GetCapacity(), 100003);
 
@@ -686,9 +530,6 @@ TEST(StringFormat, BoundsAndMeasuredLength) {
     EXPECT_EQ(s.GetLength(), 70000);
     s.Format("ab%cde", 0);
     EXPECT_EQ(s.GetLength(), 2);
-    s = "abc";
-    s.Format("%s-%s", s.c_str(), s.c_str());
-    EXPECT_EQ(Text(s), "abc-abc");
     SString wide("");
     wide.SetSize(200, false);
     wide.Format("x");
@@ -698,50 +539,37 @@ TEST(StringFormat, BoundsAndMeasuredLength) {
     EXPECT_EQ(Text(SString::FromInt(INT_MIN)), "-2147483648");
 }
 
-TEST(StringUnicode, Utf8ToUtf16) {
-    const struct {
-        const char* utf8;
-        std::u16string utf16;
-    } cases[] = {
-        {"A\xC3\xA9\xE2\x82\xAC", u"A\u00E9\u20AC"},
-        {"\xF0\x9F\x98\x80", u"\xD83D\xDE00"},
+TEST(StringUnicode, Utf8ToUtf16ReplacesEachBadSequence) {
+    // clang-format off
+    const std::pair<const char*, std::u16string> cases[] = {
+        {"A\xC3\xA9\xE2\x82\xAC", u"A\u00E9\u20AC"}, {"\xF0\x9F\x98\x80", u"\xD83D\xDE00"},
         {"\xC3", u"\xFFFD"}, // cut short
-        {"\xE2\x82"
-         "A",
-         u"\xFFFD"
-         "A"},                                             // one U+FFFD for the valid prefix
-        {"\xC0\x80", u"\xFFFD\xFFFD"},                     // overlong
-        {"\xED\xA0\x80", u"\xFFFD\xFFFD\xFFFD"},           // encoded surrogate
+        {"\xE2\x82" "A", u"\xFFFD" "A"}, // one U+FFFD for the valid prefix
+        {"\xC0\x80", u"\xFFFD\xFFFD"}, // overlong
+        {"\xED\xA0\x80", u"\xFFFD\xFFFD\xFFFD"}, // encoded surrogate
         {"\xF4\x90\x80\x80", u"\xFFFD\xFFFD\xFFFD\xFFFD"}, // past U+10FFFF
-        {"\x80x\xFF", u"\xFFFDx\xFFFD"},
-        {"", u""},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(Units(Utf8ToUtf16(c.utf8)), c.utf16) << c.utf8;
-        EXPECT_EQ(Units(SUniString(c.utf8)), c.utf16) << c.utf8;
+        {"\x80x\xFF", u"\xFFFDx\xFFFD"}, {"", u""}};
+    // clang-format on
+    for (const auto& [utf8, utf16] : cases) {
+        EXPECT_EQ(Units(Utf8ToUtf16(utf8)), utf16) << utf8;
+        EXPECT_EQ(Units(SUniString(utf8)), utf16) << utf8;
     }
     EXPECT_EQ(Units(Utf8ToUtf16("abc", 2)), u"ab");
     EXPECT_EQ(Units(Utf8ToUtf16(nullptr)), u"");
 }
 
-TEST(StringUnicode, Utf16ToUtf8) {
-    const struct {
-        std::u16string utf16;
-        const char* utf8;
-    } cases[] = {
-        {u"A\u00E9\u20AC", "A\xC3\xA9\xE2\x82\xAC"},
-        {u"\xD83D\xDE00", "\xF0\x9F\x98\x80"},
-        {u"\xD800"
-         "A",
-         "\xEF\xBF\xBD"
-         "A"},                         // lone high surrogate
-        {u"\xDC00", "\xEF\xBF\xBD"},   // lone low surrogate
+TEST(StringUnicode, Utf16ToUtf8ReplacesLoneSurrogates) {
+    // clang-format off
+    const std::pair<std::u16string, const char*> cases[] = {
+        {u"A\u00E9\u20AC", "A\xC3\xA9\xE2\x82\xAC"}, {u"\xD83D\xDE00", "\xF0\x9F\x98\x80"},
+        {u"\xD800" "A", "\xEF\xBF\xBD" "A"}, // lone high surrogate
+        {u"\xDC00", "\xEF\xBF\xBD"}, // lone low surrogate
         {u"x\xD83D", "x\xEF\xBF\xBD"}, // high surrogate at the end
-        {u"\xDE00\xD83D", "\xEF\xBF\xBD\xEF\xBF\xBD"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(Text(Utf16ToUtf8(c.utf16.c_str(), static_cast<int>(c.utf16.size()))), c.utf8);
-        EXPECT_EQ(Text(SString(c.utf16.c_str())), c.utf8);
+        {u"\xDE00\xD83D", "\xEF\xBF\xBD\xEF\xBF\xBD"}};
+    // clang-format on
+    for (const auto& [utf16, utf8] : cases) {
+        EXPECT_EQ(Text(Utf16ToUtf8(utf16.c_str(), static_cast<int>(utf16.size()))), utf8);
+        EXPECT_EQ(Text(SString(utf16.c_str())), utf8);
     }
     // A pair cut by the count is not joined with what lies beyond it.
     EXPECT_EQ(Text(Utf16ToUtf8(u"\xD83D\xDE00", 1)), "\xEF\xBF\xBD");
@@ -753,7 +581,6 @@ TEST(StringUnicode, Utf32AndWideCopies) {
     EXPECT_EQ(Text(SString(text)), "\xE2\x82\xAC\xF0\x9F\x98\x80\xEF\xBF\xBD\xEF\xBF\xBD"
                                    "a");
     EXPECT_EQ(Text(SString(static_cast<const wchar_t*>(nullptr))), "");
-
     EXPECT_FALSE(SString().ToWide());
     auto wide = SString("\xC3\xA9\xF0\x9F\x98\x80").ToWide();
     ASSERT_TRUE(wide);
@@ -763,15 +590,13 @@ TEST(StringUnicode, Utf32AndWideCopies) {
     EXPECT_EQ(empty[0], u'\0');
 }
 
-TEST(StringUnicode, ValidUtf8RoundTripsThroughUtf16) {
-    const char* texts[] = {"plain",        "caf\xC3\xA9",      "\xE2\x80\xA2 \xF0\x9F\x8E\xB5",
-                           "\xEF\xBF\xBF", "\xF4\x8F\xBF\xBF", ""};
-    for (const char* text : texts) {
+TEST(StringUnicode, ValidUtf8RoundTripsThroughUtf16AndInvalidComesBackValid) {
+    for (const char* text : {"plain", "caf\xC3\xA9", "\xE2\x80\xA2 \xF0\x9F\x8E\xB5",
+                             "\xEF\xBF\xBF", "\xF4\x8F\xBF\xBF", ""}) {
         ASSERT_TRUE(IsValidUtf8(text)) << text;
         EXPECT_EQ(Text(Utf8ToUtf16(text).ToString()), text);
     }
-    const char* invalid[] = {"\xC3", "\xC0\xAF", "\xED\xBF\xBF", "\xF8\x88\x80\x80\x80", "a\xFE"};
-    for (const char* text : invalid) {
+    for (const char* text : {"\xC3", "\xC0\xAF", "\xED\xBF\xBF", "\xF8\x88\x80\x80\x80", "a\xFE"}) {
         EXPECT_FALSE(IsValidUtf8(text)) << text;
         EXPECT_TRUE(IsValidUtf8(Utf8ToUtf16(text).ToString().c_str())) << text;
     }
@@ -786,7 +611,6 @@ TEST(StringUnicode, UniStringCopiesAndFills) {
     copy = copy.GetBuffer() + 1; // from inside itself
     EXPECT_EQ(Units(copy), u"b--");
     copy = "\xC3\xA9";
-    EXPECT_EQ(Units(copy), u"\u00E9");
     SUniString moved(std::move(copy));
     EXPECT_EQ(copy.GetBuffer(), nullptr); // NOLINT: the moved-from state is part of the contract
     EXPECT_EQ(Text(moved.ToString()), "\xC3\xA9");
@@ -796,22 +620,16 @@ TEST(StringUnicode, UniStringCopiesAndFills) {
 }
 
 TEST(StringWindows1252, HighBytesMapToTheirCharacters) {
-    const struct {
-        const char* bytes;
-        const char* utf8;
-    } cases[] = {
+    // clang-format off
+    const std::pair<const char*, const char*> cases[] = {
         {"\x95", "\xE2\x80\xA2"}, {"\x80", "\xE2\x82\xAC"}, {"\x92", "\xE2\x80\x99"},
-        {"\x9F", "\xC5\xB8"},     {"\x81", "\xEF\xBF\xBD"}, {"\x9D", "\xEF\xBF\xBD"},
-        {"\xE9", "\xC3\xA9"},     {"\xA0", "\xC2\xA0"},     {"plain", "plain"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(Text(Windows1252ToUtf8(c.bytes)), c.utf8);
+        {"\x9F", "\xC5\xB8"}, {"\x81", "\xEF\xBF\xBD"}, {"\x9D", "\xEF\xBF\xBD"},
+        {"\xE9", "\xC3\xA9"}, {"\xA0", "\xC2\xA0"}, {"plain", "plain"}};
+    // clang-format on
+    for (auto [bytes, utf8] : cases) {
+        EXPECT_EQ(Text(Windows1252ToUtf8(bytes)), utf8);
     }
-    std::string all;
-    for (int i = 1; i < 256; i++) {
-        all += static_cast<char>(i);
-    }
-    SString converted = Windows1252ToUtf8(all.c_str());
+    SString converted = Windows1252ToUtf8(AllBytes().c_str());
     EXPECT_TRUE(IsValidUtf8(converted.c_str(), converted.GetLength()));
     EXPECT_EQ(Text(Windows1252ToUtf8("a\0b", 3)), std::string("a\0b", 3));
 }
