@@ -130,16 +130,17 @@ TEST_F(PlaylistStoreTest, AppendCutsTheRootAndTurnsSeparators) {
     SStringArray files;
     files.Add((dir / "Artist/Album/01 Song.mp3").c_str());
     files.Add((dir / "top.mp3").c_str());
-    // Not under the root (a temporary folder two levels down): cut all the same.
-    files.Add("/a/b/c/x.mp3");
+    // Beside the root, not under it: cut by the root's depth all the same.
+    std::string beside = std::filesystem::path(dir.Path()).parent_path().string() + "/Other/x.mp3";
+    files.Add(beside.c_str());
     store.AppendFiles(files);
     ASSERT_TRUE(store.SavePlaylist());
     Names entries = Texts(store.GetEntries());
     ASSERT_EQ(entries.size(), 3u);
     EXPECT_EQ(entries[0], "Artist\\Album\\01 Song.mp3");
     EXPECT_EQ(entries[1], "top.mp3");
-    EXPECT_EQ(entries[2], "c\\x.mp3");
-    EXPECT_EQ(ListFile("Playlist"), "Artist\\Album\\01 Song.mp3\r\ntop.mp3\r\nc\\x.mp3\r\n");
+    EXPECT_EQ(entries[2], "x.mp3");
+    EXPECT_EQ(ListFile("Playlist"), "Artist\\Album\\01 Song.mp3\r\ntop.mp3\r\nx.mp3\r\n");
     EXPECT_EQ(store.GetEntryPath(0), (dir / "Artist/Album/01 Song.mp3").c_str());
     EXPECT_EQ(store.GetEntryPath(3), "");
 }
