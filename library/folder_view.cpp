@@ -104,10 +104,10 @@ bool PFolderView::NavigateFolder(const char* relative, const char* selectName,
     }
     selectedRow = -1;
     focusThumbs = wantThumbs;
-    if (!wantThumbs && selectName != nullptr && selectName[0] != 0) {
-        SelectName(selectName);
+    // Selecting a name fills the panes; otherwise they are filled empty.
+    if (wantThumbs || selectName == nullptr || selectName[0] == 0 || !SelectName(selectName)) {
+        ShowSelection();
     }
-    ShowSelection();
     statusText = folder;
     return true;
 }

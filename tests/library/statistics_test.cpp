@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <string>
+#include <thread>
 #include <unistd.h>
 
 #include "support/temp_dir.h"
@@ -139,6 +140,33 @@ TEST(FolderCounts, PluralFromTwoOn) {
     EXPECT_EQ(FormatFolderCounts(1, 2, 0), "<b>1</b> song, <b>2</b> videos & <b>0</b> radio");
     EXPECT_EQ(FormatFolderCounts(65535, 1, 3),
               "<b>65535</b> songs, <b>1</b> video & <b>3</b> radios");
+}
+
+} // namespace
+
+namespace {
+
+// The worker counts while another thread may count too: the walk keeps no
+// shared state, so both tables come out whole and equal.
+TEST(Statistics, TwoThreadsCountTheSameTreeAlike) {
+    TempDir dir;
+    for (int i = 0; i < 40; ++i) {
+        dir.Write("F" + std::to_string(i % 7) + "/S" + std::to_string(i % 3) + "/" +
+                      std::to_string(i) + ".mp3",
+                  "");
+    }
+    PStatsTable first;
+    PStatsTable second;
+    std::thread worker([&] { first = CountLibrary(dir.Path().c_str()); });
+    second = CountLibrary(dir.Path().c_str());
+    worker.join();
+    ASSERT_EQ(first.GetCount(), second.GetCount());
+    EXPECT_EQ(first.GetCount(), 1 + 7 + 21);
+    for (int i = 0; i < first.GetCount(); ++i) {
+        EXPECT_EQ(*first.paths.GetAt(i), second.paths.GetAt(i)->c_str());
+        EXPECT_EQ(first.songs[size_t(i)], second.songs[size_t(i)]);
+    }
+    EXPECT_EQ(first.totalSongs, 40u);
 }
 
 } // namespace
