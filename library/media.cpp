@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <string>
+#include <sys/stat.h>
 
 #include "foundation/array.h"
 #include "foundation/disk.h"
@@ -152,6 +153,62 @@ SString FindFileNoCase(const char* folder, const char* name) {
         }
     }
     return SString("");
+}
+
+SString PFileNameCache::Find(const char* folder, const char* name) {
+    SString base = WithSlash(folder);
+    if (base.IsEmpty() || name == nullptr || name[0] == 0 || strchr(name, '/') != nullptr) {
+        return SString("");
+    }
+    SString exact = base + name;
+    if (SDisk().IsFile(exact.c_str())) {
+        return exact;
+    }
+    struct stat status;
+    if (stat(base.c_str(), &status) != 0) {
+        return SString("");
+    }
+    std::string key(base.c_str());
+    auto found = folders.find(key);
+    bool fresh = found != folders.end() && found->second.settled &&
+                 found->second.modified.tv_sec == status.st_mtim.tv_sec &&
+                 found->second.modified.tv_nsec == status.st_mtim.tv_nsec;
+    if (!fresh) {
+        if (folders.size() >= MAX_FOLDERS) {
+            folders.clear();
+        }
+        Listing& listing = folders[key];
+        listing.modified = status.st_mtim;
+        // The file system stamps changes with a coarse clock, so a change
+        // made in the same tick as the last one keeps the time unchanged.
+        // A listing is only trusted again when the folder had been still
+        // for a second before it was read.
+        struct timespec now;
+        clock_gettime(CLOCK_REALTIME, &now);
+        listing.settled = now.tv_sec - status.st_mtim.tv_sec > 1;
+        listing.names.clear();
+        SStringArray files;
+        SDisk().Enumerate(&files, (base + "*").c_str(), ENUM_FILES);
+        for (const SString* file : files) {
+            std::string onDisk(file->c_str() + base.GetLength());
+            std::string lower = onDisk;
+            for (char& c : lower) {
+                c = c >= 'A' && c <= 'Z' ? char(c + 32) : c;
+            }
+            // The first in listing order wins, as in FindFileNoCase.
+            listing.names.emplace(lower, onDisk);
+        }
+        found = folders.find(key);
+    }
+    std::string lower(name);
+    for (char& c : lower) {
+        c = c >= 'A' && c <= 'Z' ? char(c + 32) : c;
+    }
+    auto match = found->second.names.find(lower);
+    if (match == found->second.names.end()) {
+        return SString("");
+    }
+    return base + match->second.c_str();
 }
 
 SString FindCompanion(const char* folder, const char* extension) {

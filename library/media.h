@@ -3,6 +3,10 @@
 // address inside a radio file.
 #pragma once
 
+#include <ctime>
+#include <string>
+#include <unordered_map>
+
 #include "foundation/string.h"
 
 class SStringArray;
@@ -38,6 +42,26 @@ SString FindCompanion(const char* folder, const char* extension);
 // A file named name in folder, exact first and then case-blind; empty when
 // there is none.
 SString FindFileNoCase(const char* folder, const char* name);
+
+// Case-blind lookups of file names, each folder listed once and listed
+// again only when its modification time changes (an entry added, removed
+// or renamed). Finding the covers of a folder's subfolders asks the same
+// folders many times. One thread per object.
+class PFileNameCache {
+public:
+    // As FindFileNoCase.
+    SString Find(const char* folder, const char* name);
+
+private:
+    struct Listing {
+        struct timespec modified;
+        bool settled; // the folder was unchanged for a while before the listing
+        std::unordered_map<std::string, std::string> names; // lower case -> as on disk
+    };
+    // Folders kept at most; past it the cache starts again.
+    static constexpr size_t MAX_FOLDERS = 16;
+    std::unordered_map<std::string, Listing> folders;
+};
 
 // The address a player is given for a file: for an ASX radio file (asx,
 // wax, wvx) the first <ref href="..."> inside it, for a PLS list its first

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 #include <cstring>
+#include <utility>
+#include <vector>
 
 #include "foundation/disk.h"
 #include "foundation/file.h"
@@ -64,34 +66,42 @@ void PCovers::SetDefaultCover(const SImage* image) {
     }
 }
 
-SString PCovers::FindCover(const char* folder) const {
-    SString name = FolderName(folder);
-    if (name.IsEmpty()) {
-        return SString("");
+std::vector<SString> PCovers::FindCoverFiles(const char* folder) const {
+    std::vector<SString> found;
+    SPath path;
+    if (folder == nullptr || !path.SetFolder(folder)) {
+        return found;
     }
-    for (const char* extension : {".png", ".jpg"}) {
-        SString found = FindCompanion(folder, extension);
-        if (!found.IsEmpty()) {
-            return found;
+    SString name = path.GetLastFolder(true);
+    SString parent = path.GetParent();
+    if (name.IsEmpty() || parent.IsEmpty()) {
+        return found;
+    }
+    auto add = [&found](SString file) {
+        if (!file.IsEmpty()) {
+            found.push_back(std::move(file));
         }
+    };
+    for (const char* extension : {".png", ".jpg"}) {
+        add(fileNames.Find(parent.c_str(), (name + extension).c_str()));
     }
     if (!root.IsEmpty() && sharedNames.Find(name.c_str()) >= 0) {
         for (const char* extension : {".png", ".jpg"}) {
-            SString found = FindFileNoCase(root.c_str(), (name + extension).c_str());
-            if (!found.IsEmpty()) {
-                return found;
-            }
+            add(fileNames.Find(root.c_str(), (name + extension).c_str()));
         }
     }
+    SString inside = path.GetFullPath();
     for (const char* inner : INNER_NAMES) {
         for (const char* extension : INNER_EXTENSIONS) {
-            SString found = FindFileNoCase(folder, (SString(inner) + extension).c_str());
-            if (!found.IsEmpty()) {
-                return found;
-            }
+            add(fileNames.Find(inside.c_str(), (SString(inner) + extension).c_str()));
         }
     }
-    return SString("");
+    return found;
+}
+
+SString PCovers::FindCover(const char* folder) const {
+    std::vector<SString> found = FindCoverFiles(folder);
+    return found.empty() ? SString("") : found.front();
 }
 
 bool PCovers::LoadCover(SImage* image, const char* folder) const {
@@ -100,29 +110,10 @@ bool PCovers::LoadCover(SImage* image, const char* folder) const {
     }
     // A cover that fails to decode passes to the next place in the order.
     bool own = false;
-    SString name = FolderName(folder);
-    if (!name.IsEmpty()) {
-        const char* firstTwo[] = {".png", ".jpg"};
-        for (const char* extension : firstTwo) {
-            if (!own) {
-                own = LoadScaledFile(*image, FindCompanion(folder, extension));
-            }
-        }
-        if (!own && !root.IsEmpty() && sharedNames.Find(name.c_str()) >= 0) {
-            for (const char* extension : firstTwo) {
-                if (!own) {
-                    SString path = FindFileNoCase(root.c_str(), (name + extension).c_str());
-                    own = LoadScaledFile(*image, path);
-                }
-            }
-        }
-        for (const char* inner : INNER_NAMES) {
-            for (const char* extension : INNER_EXTENSIONS) {
-                if (!own) {
-                    SString path = FindFileNoCase(folder, (SString(inner) + extension).c_str());
-                    own = LoadScaledFile(*image, path);
-                }
-            }
+    for (const SString& file : FindCoverFiles(folder)) {
+        if (LoadScaledFile(*image, file)) {
+            own = true;
+            break;
         }
     }
     if (!own) {

@@ -5,9 +5,12 @@
 // "<folder>/<title>.txt".
 #pragma once
 
+#include <vector>
+
 #include "foundation/array.h"
 #include "foundation/image.h"
 #include "foundation/string.h"
+#include "library/media.h"
 
 // Side of every cover, in points.
 constexpr int COVER_SIDE = 150;
@@ -15,7 +18,9 @@ constexpr int COVER_SIDE = 150;
 constexpr int TRACK_HAS_TEXT = 5;
 constexpr int TRACK_NO_TEXT = -1;
 
-// PCovers: finds and loads folder covers for one collection.
+// PCovers: finds and loads folder covers for one collection. It keeps the
+// folders' file names between calls (see PFileNameCache), so one object
+// serves one thread.
 class PCovers {
 public:
     PCovers() = default;
@@ -47,8 +52,12 @@ public:
     bool LoadCover(SImage* image, const char* folder) const;
 
 private:
+    // Every cover file of the folder that exists, in the order above.
+    std::vector<SString> FindCoverFiles(const char* folder) const;
+
     SString root;
     SStringArray sharedNames;
+    mutable PFileNameCache fileNames;
     SImage defaultCover;
 };
 

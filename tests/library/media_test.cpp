@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <filesystem>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 #include "foundation/array.h"
@@ -115,6 +118,33 @@ TEST(PlayableAddress, RadioFilesGiveTheirStream) {
     EXPECT_TRUE(GetPlayableAddress(empty.c_str()).IsEmpty());
     EXPECT_TRUE(GetPlayableAddress((dir / "missing.wvx").c_str()).IsEmpty());
     EXPECT_EQ(GetPlayableAddress("/music/a.mp3"), "/music/a.mp3");
+}
+
+} // namespace
+
+namespace {
+
+// Sets a folder's modification time well into the past, as for a folder of
+// an old collection.
+void MakeOld(const std::string& folder) {
+    struct timespec times[2] = {{1000000000, 0}, {1000000000, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, folder.c_str(), times, 0), 0);
+}
+
+TEST(FileNameCache, FindsWithoutCaseAndSeesChangesToTheFolder) {
+    TempDir dir;
+    std::string folder = dir.MakeFolder("Album");
+    dir.Write("Album/COVER.JPG", "x");
+    MakeOld(folder);
+    PFileNameCache cache;
+    EXPECT_EQ(cache.Find(folder.c_str(), "cover.jpg"), (dir / "Album/COVER.JPG").c_str());
+    EXPECT_EQ(cache.Find((folder + "/").c_str(), "COVER.JPG"), (dir / "Album/COVER.JPG").c_str());
+    EXPECT_EQ(cache.Find(folder.c_str(), "front.jpg"), "");
+    std::filesystem::rename(dir / "Album/COVER.JPG", dir / "Album/Front.Jpg");
+    EXPECT_EQ(cache.Find(folder.c_str(), "cover.jpg"), "");
+    EXPECT_EQ(cache.Find(folder.c_str(), "front.jpg"), (dir / "Album/Front.Jpg").c_str());
+    EXPECT_EQ(cache.Find((dir / "missing").c_str(), "a.jpg"), "");
+    EXPECT_EQ(cache.Find(folder.c_str(), "../Album/Front.Jpg"), "");
 }
 
 } // namespace
