@@ -183,6 +183,11 @@ void PPlayQueue::ClearNowPlaying() {
 }
 
 void PPlayQueue::OnTrackEnded() {
+    // An end reported after the queue was stopped belongs to nothing; it
+    // must never reach the shutdown below.
+    if (index == -1) {
+        return;
+    }
     if (queue.GetCount() == 1) {
         if (repeat) {
             host.Seek(0);

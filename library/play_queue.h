@@ -92,7 +92,7 @@ public:
     // Empties the queue; false when it was empty already.
     bool StopPlaying();
     bool SeekSeconds(int seconds);
-    // Called at a track's natural end.
+    // Called at a track's natural end; ignored when nothing plays.
     void OnTrackEnded();
 
 private:

@@ -182,6 +182,10 @@ TEST_F(PlayQueueTest, ShutdownFollowsTheEndOfTheQueueOnly) {
     queue.OnTrackEnded();
     EXPECT_EQ(Take(), (Events{"skip c.mp3", "stop", "shutdown"}));
 
+    // A late end after the queue stopped does nothing at all.
+    queue.OnTrackEnded();
+    EXPECT_EQ(Take(), Events{});
+
     queue.SetShutdown(false);
     queue.SetPlayQueue(&list);
     queue.OnTrackEnded();
