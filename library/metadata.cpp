@@ -1,0 +1,222 @@
+#include "library/metadata.h"
+
+#include <cstdio>
+#include <cstring>
+#include <utility>
+#include <vector>
+
+#include "foundation/disk.h"
+#include "foundation/file.h"
+#include "foundation/ini.h"
+#include "foundation/parser.h"
+#include "foundation/path.h"
+#include "library/media.h"
+
+namespace {
+
+// The names other players give the cover inside an album's folder.
+constexpr const char* INNER_NAMES[] = {"cover", "folder", "front", "albumart"};
+constexpr const char* INNER_EXTENSIONS[] = {".jpg", ".jpeg", ".png"};
+
+SString FolderName(const char* folder) {
+    SPath path;
+    if (folder == nullptr || !path.SetFolder(folder)) {
+        return SString("");
+    }
+    return path.GetLastFolder(true);
+}
+
+SString WithSlash(const char* folder) {
+    SString text(folder != nullptr ? folder : "");
+    if (text.GetLength() > 0 && text.GetAt(text.GetLength() - 1) != '/') {
+        text += "/";
+    }
+    return text;
+}
+
+bool LoadScaledFile(SImage& image, const SString& path) {
+    if (path.IsEmpty()) {
+        return false;
+    }
+    SFilePath file;
+    return file.Open(path.c_str(), false, false, true, true) &&
+           image.LoadScaled(&file, COVER_SIDE, COVER_SIDE);
+}
+
+} // namespace
+
+void PCovers::SetRoot(const char* newRoot) {
+    root = WithSlash(newRoot);
+}
+
+void PCovers::SetSharedNames(const char* setting) {
+    sharedNames.DeleteAll();
+    sharedNames.SetFlags(SORT_NOCASE);
+    SStringParser parser(setting != nullptr ? setting : "");
+    if (parser.IsEmpty()) {
+        return;
+    }
+    parser.Parse(";", SStringParser::PARSE_QUOTES, '"', &sharedNames);
+}
+
+void PCovers::SetDefaultCover(const SImage* image) {
+    defaultCover.Empty();
+    if (image != nullptr && image->IsValid()) {
+        defaultCover.CopyFrom(image);
+    }
+}
+
+std::vector<SString> PCovers::FindCoverFiles(const char* folder) const {
+    std::vector<SString> found;
+    SPath path;
+    if (folder == nullptr || !path.SetFolder(folder)) {
+        return found;
+    }
+    SString name = path.GetLastFolder(true);
+    SString parent = path.GetParent();
+    if (name.IsEmpty() || parent.IsEmpty()) {
+        return found;
+    }
+    auto add = [&found](SString file) {
+        if (!file.IsEmpty()) {
+            found.push_back(std::move(file));
+        }
+    };
+    for (const char* extension : {".png", ".jpg"}) {
+        add(fileNames.Find(parent.c_str(), (name + extension).c_str()));
+    }
+    if (!root.IsEmpty() && sharedNames.Find(name.c_str()) >= 0) {
+        for (const char* extension : {".png", ".jpg"}) {
+            add(fileNames.Find(root.c_str(), (name + extension).c_str()));
+        }
+    }
+    SString inside = path.GetFullPath();
+    for (const char* inner : INNER_NAMES) {
+        for (const char* extension : INNER_EXTENSIONS) {
+            add(fileNames.Find(inside.c_str(), (SString(inner) + extension).c_str()));
+        }
+    }
+    return found;
+}
+
+SString PCovers::FindCover(const char* folder) const {
+    std::vector<SString> found = FindCoverFiles(folder);
+    return found.empty() ? SString("") : found.front();
+}
+
+bool PCovers::LoadCover(SImage* image, const char* folder) const {
+    if (image == nullptr) {
+        return false;
+    }
+    // A cover that fails to decode passes to the next place in the order.
+    bool own = false;
+    for (const SString& file : FindCoverFiles(folder)) {
+        if (LoadScaledFile(*image, file)) {
+            own = true;
+            break;
+        }
+    }
+    if (!own) {
+        if (defaultCover.IsValid()) {
+            image->CopyFrom(&defaultCover);
+        } else {
+            image->Create(COVER_SIDE, COVER_SIDE, PIXEL_FORMAT_24RGB);
+            image->Fill(0xFFFFFFFF);
+        }
+    }
+    if (image->GetWidth() != COVER_SIDE || image->GetHeight() != COVER_SIDE) {
+        image->Resize(COVER_SIDE, COVER_SIDE);
+    }
+    if (image->HasAlpha()) {
+        image->FlattenAlpha();
+    }
+    return own;
+}
+
+SString CutSiteLink(const char* site) {
+    SString link(site != nullptr ? site : "");
+    if (strncmp(link.c_str(), "http://www.", 11) == 0) {
+        link.Delete(0, 11);
+    }
+    if (strncmp(link.c_str(), "http://", 7) == 0) {
+        link.Delete(0, 7);
+    }
+    return link;
+}
+
+SString ComposeCoverCaption(const char* folder) {
+    SString caption = FolderName(folder);
+    SString ini = FindCompanion(folder, ".ini");
+    if (ini.IsEmpty()) {
+        return caption;
+    }
+    SIni file;
+    if (!file.SetFile(ini.c_str(), false)) {
+        return caption;
+    }
+    SString site = file.ReadString("", "site");
+    if (!site.IsEmpty()) {
+        caption += "\n\n<link>";
+        caption += CutSiteLink(site.c_str());
+        caption += "</link>";
+    }
+    return caption;
+}
+
+bool WriteSite(const char* folder, const char* site) {
+    SString ini = FindCompanion(folder, ".ini");
+    if (ini.IsEmpty()) {
+        SPath path;
+        if (folder == nullptr || !path.SetFolder(folder)) {
+            return false;
+        }
+        ini = path.GetParent() + path.GetLastFolder(true) + ".ini";
+    }
+    SIni file;
+    return file.SetFile(ini.c_str(), true) && file.WriteString("", "site", site);
+}
+
+SString GetFolderPage(const char* folder) {
+    SString page = FindCompanion(folder, ".mht");
+    return page.IsEmpty() ? FindCompanion(folder, ".htm") : page;
+}
+
+SString GetTrackTextPath(const char* trackPath) {
+    SPath path(trackPath);
+    if (!path.HasName()) {
+        return SString("");
+    }
+    return path.GetFolderPath() + path.GetTitle() + ".txt";
+}
+
+SString LoadTrackText(const char* trackPath) {
+    SString path = GetTrackTextPath(trackPath);
+    SFileMem file;
+    if (path.IsEmpty() || !file.LoadFile(path.c_str())) {
+        return SString("");
+    }
+    SString text;
+    text.Assign(file.GetData() != nullptr ? file.GetData() : "", file.GetSize());
+    return text;
+}
+
+bool SaveTrackText(const char* trackPath, const char* text, int& dataWord, bool* saved) {
+    SString path = GetTrackTextPath(trackPath);
+    bool done = false;
+    int word = dataWord;
+    if (!path.IsEmpty()) {
+        if (text == nullptr || text[0] == 0) {
+            done = std::remove(path.c_str()) == 0 || !SDisk().Exists(path.c_str());
+            word = TRACK_NO_TEXT;
+        } else {
+            done = WriteFileAtomic(path.c_str(), text, int(strlen(text)));
+            word = done ? TRACK_HAS_TEXT : dataWord;
+        }
+    }
+    if (saved != nullptr) {
+        *saved = done;
+    }
+    bool changed = word != dataWord;
+    dataWord = word;
+    return changed;
+}
