@@ -381,8 +381,7 @@ bool IsIniName(const char* name) {
 }
 
 // Takes fd and closes it; path ends in "/".
-void PurgeFolder(int fd, std::string& path, bool viaLink, Chain& chain, Walker& walker,
-                 int& deleted) {
+void PurgeFolder(int fd, bool viaLink, Chain& chain, Walker& walker, int& deleted) {
     if (viaLink && chain.Loops(fd)) {
         close(fd);
         return;
@@ -402,7 +401,6 @@ void PurgeFolder(int fd, std::string& path, bool viaLink, Chain& chain, Walker& 
             folders.push_back(linked ? 'L' : 'D');
             folders.append(name, strlen(name) + 1);
         });
-    size_t pathLength = path.size();
     for (size_t at = 0; at < folders.size();) {
         bool isLink = folders[at] == 'L';
         const char* name = folders.data() + at + 1;
@@ -412,10 +410,7 @@ void PurgeFolder(int fd, std::string& path, bool viaLink, Chain& chain, Walker& 
         if (child < 0) {
             continue;
         }
-        path.append(name, length);
-        path.push_back('/');
-        PurgeFolder(child, path, isLink, chain, walker, deleted);
-        path.resize(pathLength);
+        PurgeFolder(child, isLink, chain, walker, deleted);
     }
     chain.Pop();
     close(fd);
@@ -438,6 +433,6 @@ int PurgeEmptyIni(const char* root) {
     int deleted = 0;
     Chain chain;
     Walker walker(true);
-    PurgeFolder(fd, path, false, chain, walker, deleted);
+    PurgeFolder(fd, false, chain, walker, deleted);
     return deleted;
 }
