@@ -14,22 +14,26 @@ void SetColor(cairo_t* cr, uint32_t color) {
                          ((color >> 16) & 0xFF) / 255.0);
 }
 
-// Draws the source rectangle of surface stretched over the target.
+// Draws the source rectangle of surface stretched over the target. The cell
+// is cut out first, so that filtering never reads its neighbours.
 void DrawCell(cairo_t* cr, cairo_surface_t* surface, const SRect& source, const SRect& target) {
     if (source.IsEmpty() || target.IsEmpty()) {
         return;
     }
+    cairo_surface_t* cell = cairo_surface_create_for_rectangle(
+        surface, source.left, source.top, source.Width(), source.Height());
     cairo_save(cr);
     cairo_rectangle(cr, target.left, target.top, target.Width(), target.Height());
     cairo_clip(cr);
     cairo_translate(cr, target.left, target.top);
     cairo_scale(cr, static_cast<double>(target.Width()) / source.Width(),
                 static_cast<double>(target.Height()) / source.Height());
-    cairo_set_source_surface(cr, surface, -source.left, -source.top);
+    cairo_set_source_surface(cr, cell, 0, 0);
     cairo_pattern_set_filter(cairo_get_source(cr), CAIRO_FILTER_BILINEAR);
     cairo_pattern_set_extend(cairo_get_source(cr), CAIRO_EXTEND_PAD);
     cairo_paint(cr);
     cairo_restore(cr);
+    cairo_surface_destroy(cell);
 }
 
 // A copy of image with keyColor made clear and alpha applied.
