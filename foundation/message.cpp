@@ -336,8 +336,13 @@ bool PostMessage(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam) {
     if (row->threadId == 0 || FindIn(row->targets, hwnd) == row->targets.end()) {
         return false;
     }
+    // The owner waits only after finding its queue empty, so only the post
+    // that fills an empty queue needs to wake it.
+    bool wasEmpty = row->queue.empty();
     row->queue.push_back(SMessage{hwnd, message, wParam, lParam, GetMessageClock()});
-    g_main_context_wakeup(row->context);
+    if (wasEmpty) {
+        g_main_context_wakeup(row->context);
+    }
     return true;
 }
 
@@ -352,8 +357,11 @@ bool PostThreadMessage(unsigned threadId, unsigned message, WPARAM wParam, LPARA
         }
         std::lock_guard<std::mutex> lock(row->mutex);
         if (row->threadId == threadId) {
+            bool wasEmpty = row->queue.empty();
             row->queue.push_back(SMessage{0, message, wParam, lParam, GetMessageClock()});
-            g_main_context_wakeup(row->context);
+            if (wasEmpty) {
+                g_main_context_wakeup(row->context);
+            }
             return true;
         }
     }
@@ -395,9 +403,15 @@ bool PeekMessage(SMessage* message, bool remove, unsigned first, unsigned last) 
     if (row == nullptr || message == nullptr) {
         return false;
     }
-    // Let the platform's pending events in first, as a peek on the original
-    // platform does.
-    for (int i = 0; i < 64 && g_main_context_iteration(row->context, FALSE); ++i) {
+    // The platform's pending events are let in when the queue has nothing
+    // to give, and every 32nd peek in any case, so that a busy queue does
+    // not starve them; a poll of the context costs a system call.
+    thread_local unsigned peeks = 0;
+    if ((++peeks % 32) != 0 && Take(row, message, remove, first, last)) {
+        return true;
+    }
+    for (int i = 0; i < 64 && g_main_context_pending(row->context); ++i) {
+        g_main_context_iteration(row->context, FALSE);
     }
     return Take(row, message, remove, first, last);
 }
