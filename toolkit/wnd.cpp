@@ -276,6 +276,7 @@ void SWnd::DestroyTree() {
     UnregisterTarget(own);
     handle = 0;
     children.clear();
+    dataBlocks.clear();
     caretShown = false;
     moveActive = false;
 }

@@ -44,6 +44,17 @@ void ReleaseCapture();
 // hwnd) leave tracking; TME_NONCLIENT for the frame.
 bool TrackMouseEvent(unsigned flags, HWND hwnd);
 
+// A data block built by SM_DATA_ALLOC, SM_DATA_SET_WORD and
+// SM_DATA_FINISH; SM_DATA_READY hands it (wParam) to the window itself.
+struct SDataBlock {
+    uintptr_t tag = 0;
+    int size = 0;           // as asked
+    uint32_t value = 0;     // given by SM_DATA_FINISH
+    std::vector<uint8_t> bytes; // size padded to a multiple of 4 (4 more when
+                                // already one) plus 16; the first 4 hold the
+                                // word of SM_DATA_SET_WORD, high byte first
+};
+
 class SWnd {
 public:
     SWnd();
@@ -258,6 +269,7 @@ private:
     void HandleScroll(int bar, WPARAM wParam);
     void HandleDrop(WPARAM wParam);
     void PaintCaret(cairo_t* cr);
+    bool HandleDataBlock(unsigned message, WPARAM wParam, LPARAM lParam, LRESULT* result);
 
     // Identity.
     unsigned threadId = 0;
@@ -331,4 +343,5 @@ private:
     bool toolTip = false;
     int alpha = 255;
     void* font = nullptr;
+    std::vector<std::unique_ptr<SDataBlock>> dataBlocks; // a free row is null
 };

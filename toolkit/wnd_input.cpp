@@ -250,6 +250,10 @@ bool SWnd::PreMessage(unsigned message, WPARAM* wParam, LPARAM* lParam, LRESULT*
     case WM_DROPFILES:
         HandleDrop(*wParam);
         return true;
+    case SM_DATA_ALLOC:
+    case SM_DATA_SET_WORD:
+    case SM_DATA_FINISH:
+        return HandleDataBlock(message, *wParam, *lParam, result);
     default:
         return true;
     }
@@ -433,4 +437,46 @@ void SWnd::SetScrollSteps(int bar, int line, int page, int grid) {
     lineStep[bar] = line;
     pageStep[bar] = page;
     scrollGrid[bar] = std::max(grid, 1);
+}
+
+bool SWnd::HandleDataBlock(unsigned message, WPARAM wParam, LPARAM lParam, LRESULT* result) {
+    *result = 0;
+    if (message == SM_DATA_ALLOC) {
+        if (lParam < 0 || lParam > (1 << 28)) {
+            return false;
+        }
+        auto block = std::make_unique<SDataBlock>();
+        block->tag = wParam;
+        block->size = static_cast<int>(lParam);
+        block->bytes.assign(static_cast<size_t>((lParam / 4 + 1) * 4 + 16), 0);
+        size_t row = 0;
+        while (row < dataBlocks.size() && dataBlocks[row] != nullptr) {
+            ++row;
+        }
+        if (row == dataBlocks.size()) {
+            dataBlocks.push_back(nullptr);
+        }
+        dataBlocks[row] = std::move(block);
+        *result = static_cast<LRESULT>(row + 1);
+        return false;
+    }
+    size_t row = static_cast<size_t>(wParam) - 1;
+    if (wParam == 0 || row >= dataBlocks.size() || dataBlocks[row] == nullptr) {
+        return false;
+    }
+    uint32_t value = static_cast<uint32_t>(lParam);
+    if (message == SM_DATA_SET_WORD) {
+        uint8_t* bytes = dataBlocks[row]->bytes.data();
+        bytes[0] = static_cast<uint8_t>(value >> 24);
+        bytes[1] = static_cast<uint8_t>(value >> 16);
+        bytes[2] = static_cast<uint8_t>(value >> 8);
+        bytes[3] = static_cast<uint8_t>(value);
+        *result = 1;
+        return false;
+    }
+    std::unique_ptr<SDataBlock> block = std::move(dataBlocks[row]);
+    block->value = value;
+    SendMessage(handle, SM_DATA_READY, reinterpret_cast<WPARAM>(block.get()), 0);
+    *result = 1;
+    return false;
 }

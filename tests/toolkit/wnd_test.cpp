@@ -425,4 +425,61 @@ TEST_F(WndCore, ChildrenAreFoundByTypeAndSiblingsExcludeThemselves) {
     EXPECT_EQ(top.GetOrphans(&orphans), 1) << "the hidden helper window does not count";
 }
 
+class DataWnd : public RecordingWnd {
+public:
+    std::vector<std::pair<uint32_t, std::vector<uint8_t>>> ready;
+    LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
+        if (message == SM_DATA_READY) {
+            auto* block = reinterpret_cast<SDataBlock*>(wParam);
+            ready.emplace_back(block->value, block->bytes);
+        }
+        return RecordingWnd::OnMessage(message, wParam, lParam);
+    }
+};
+
+TEST_F(WndCore, DataBlocksTakeTheFirstFreeRowAndArriveWhenFinished) {
+    DataWnd wnd;
+    SRect bounds = Rect(0, 0, 10, 10);
+    ASSERT_TRUE(wnd.Create("data", 0, 0, &bounds, 0));
+    HWND hwnd = wnd.GetHandle();
+    EXPECT_EQ(SendMessage(hwnd, SM_DATA_ALLOC, 9, 5), 1);
+    EXPECT_EQ(SendMessage(hwnd, SM_DATA_ALLOC, 9, 8), 2);
+    EXPECT_EQ(SendMessage(hwnd, SM_DATA_SET_WORD, 1, 0x11223344), 1);
+    EXPECT_EQ(SendMessage(hwnd, SM_DATA_FINISH, 1, 42), 1);
+    ASSERT_EQ(wnd.ready.size(), 1u);
+    EXPECT_EQ(wnd.ready[0].first, 42u);
+    EXPECT_EQ(wnd.ready[0].second.size(), 8u + 16u) << "5 pads to 8";
+    EXPECT_EQ(wnd.ready[0].second[0], 0x11);
+    EXPECT_EQ(wnd.ready[0].second[3], 0x44);
+    EXPECT_EQ(SendMessage(hwnd, SM_DATA_ALLOC, 9, 0), 1) << "row 1 is free again";
+    EXPECT_EQ(SendMessage(hwnd, SM_DATA_FINISH, 2, 0), 1);
+    EXPECT_EQ(wnd.ready[1].second.size(), 12u + 16u) << "a multiple of 4 gets 4 more";
+    EXPECT_EQ(SendMessage(hwnd, SM_DATA_FINISH, 2, 0), 0) << "finished rows are gone";
+    EXPECT_EQ(SendMessage(hwnd, SM_DATA_SET_WORD, 0, 0), 0);
+    EXPECT_EQ(SendMessage(hwnd, SM_DATA_SET_WORD, 99, 0), 0);
+}
+
+int classCalls = 0;
+LRESULT CountingClass(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_USER) {
+        ++classCalls;
+        return 77;
+    }
+    return DefWindowProc(hwnd, message, wParam, lParam);
+}
+
+TEST_F(WndCore, ControlOfARegisteredClassEndsInItsClassProcedure) {
+    RecordingWnd top, control;
+    SRect bounds = Rect(0, 0, 100, 100);
+    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    EXPECT_FALSE(control.CreateControl("NoSuchClass", "", WS_VISIBLE, 0, &bounds, &top, 5));
+    ASSERT_TRUE(RegisterWindowClass("CountingClass", CountingClass));
+    ASSERT_TRUE(control.CreateControl("CountingClass", "", WS_VISIBLE, 0, &bounds, &top, 5));
+    EXPECT_EQ(control.GetId(), 5u);
+    classCalls = 0;
+    EXPECT_EQ(SendMessage(control.GetHandle(), WM_USER, 0, 0), 77);
+    EXPECT_EQ(classCalls, 1);
+    EXPECT_EQ(control.Count(WM_USER), 1) << "the object saw it first";
+}
+
 } // namespace
