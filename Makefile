@@ -43,7 +43,7 @@ $(ASAN_BUILD)/CMakeCache.txt:
 test-asan: $(ASAN_BUILD)/CMakeCache.txt
 	cmake --build $(ASAN_BUILD) -j $(JOBS)
 	ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
-	    ctest --test-dir $(ASAN_BUILD) --output-on-failure -j $(JOBS)
+	    LSAN_OPTIONS=suppressions=$(CURDIR)/tests/support/lsan.supp ctest --test-dir $(ASAN_BUILD) --output-on-failure -j $(JOBS)
 
 # Only the threaded tests are built with ThreadSanitizer: the queues,
 # SThread and workers posting to windows.

@@ -21,7 +21,7 @@ LRESULT SThread::_SWnd::HandleMessage(HWND, unsigned message, WPARAM wParam, LPA
         if (owner->inLoop.load()) {
             owner->OnPostToWorker(static_cast<unsigned>(wParam), value);
         }
-        owner->FreeValue(value);
+        delete value; // values to the worker are owned by their message alone
         return 0;
     case SM_THREAD_END:
         owner->JoinThread();
@@ -100,6 +100,10 @@ void SThread::ThreadProcedure() {
     {
         _SWnd port(this);
         workerWindow.store(&port);
+        {
+            std::lock_guard<std::mutex> lock(workerMutex);
+            workerHandle = port.handle;
+        }
         workerReady.store(true);
         bool goOn = Run();
         running.store(false);
@@ -114,6 +118,15 @@ void SThread::ThreadProcedure() {
         OnLoopEnd();
         workerReady.store(false);
         workerWindow.store(nullptr);
+        // Values posted to the worker after its loop ended are freed unread.
+        {
+            std::lock_guard<std::mutex> lock(workerMutex);
+            workerHandle = 0;
+        }
+        SMessage message;
+        while (PeekMessage(&message, true, SM_THREAD_POST_WORKER, SM_THREAD_POST_WORKER)) {
+            delete reinterpret_cast<SValue*>(message.lParam);
+        }
     }
     OnThreadEnd();
     bool notify = !wait && stopRequested.load() == 0;
@@ -156,13 +169,16 @@ bool SThread::Post(unsigned id, unsigned value) {
 }
 
 bool SThread::PostToWorker(unsigned id, const SValue* value) {
-    _SWnd* port = workerWindow.load();
-    if (port == nullptr || value == nullptr) {
+    if (value == nullptr) {
+        return false;
+    }
+    std::lock_guard<std::mutex> lock(workerMutex);
+    if (workerHandle == 0) {
         return false;
     }
     SValue* copy = new SValue;
     copy->Assign(*value);
-    if (PostMessage(port->handle, SM_THREAD_POST_WORKER, id, reinterpret_cast<LPARAM>(copy))) {
+    if (PostMessage(workerHandle, SM_THREAD_POST_WORKER, id, reinterpret_cast<LPARAM>(copy))) {
         return true;
     }
     delete copy;

@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <memory>
+#include <mutex>
 #include <thread>
 
 #include "foundation/message.h"
@@ -101,6 +102,10 @@ private:
     std::atomic<bool> running{false};
     std::atomic<bool> active{false};
     std::atomic<_SWnd*> workerWindow{nullptr};
+    // The worker port's handle for PostToWorker; guarded so that no value
+    // is queued after the worker has drained its port.
+    std::mutex workerMutex;
+    HWND workerHandle = 0;
     std::atomic<bool> workerReady{false};
     std::atomic<bool> inLoop{false};
     std::atomic<int> stopRequested{0};
