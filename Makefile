@@ -2,18 +2,20 @@
 #
 #   make            build into build/ (programs in build/bin/)
 #   make test       install what is missing, build, run the whole suite,
-#                   then build and run it again under ASan and UBSan
+#                   then build and run it again under ASan and UBSan, and the
+#                   threaded tests under ThreadSanitizer
 #   make fuzz       build the libFuzzer targets and run each for FUZZ_SECONDS
 #   make run        start the desktop program on a demo collection
 
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
+TSAN_BUILD ?= build-tsan
 FUZZ_BUILD ?= build-fuzz
 JOBS       ?= $(shell nproc)
 FUZZ_SECONDS ?= 300
 GENERATOR  := $(shell command -v ninja >/dev/null 2>&1 && echo "-G Ninja")
 
-.PHONY: all build deps test test-fast test-asan fuzz fuzz-build run format clean
+.PHONY: all build deps test test-fast test-asan test-tsan fuzz fuzz-build run format clean
 
 all: build
 
@@ -30,6 +32,7 @@ test: deps
 	$(MAKE) build
 	ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
 	$(MAKE) test-asan
+	$(MAKE) test-tsan
 
 test-fast: build
 	ctest --test-dir $(BUILD) --output-on-failure -j $(JOBS)
@@ -40,7 +43,17 @@ $(ASAN_BUILD)/CMakeCache.txt:
 test-asan: $(ASAN_BUILD)/CMakeCache.txt
 	cmake --build $(ASAN_BUILD) -j $(JOBS)
 	ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
-	    ctest --test-dir $(ASAN_BUILD) --output-on-failure -j $(JOBS)
+	    LSAN_OPTIONS=suppressions=$(CURDIR)/tests/support/lsan.supp ctest --test-dir $(ASAN_BUILD) --output-on-failure -j $(JOBS)
+
+# Only the threaded tests are built with ThreadSanitizer: the queues,
+# SThread and workers posting to windows.
+$(TSAN_BUILD)/CMakeCache.txt:
+	cmake -S . -B $(TSAN_BUILD) $(GENERATOR) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DMELKORA_TSAN=ON \
+	    -DMELKORA_BENCH=OFF
+
+test-tsan: $(TSAN_BUILD)/CMakeCache.txt
+	cmake --build $(TSAN_BUILD) -j $(JOBS) --target thread_tests
+	TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 $(TSAN_BUILD)/bin/thread_tests
 
 $(FUZZ_BUILD)/CMakeCache.txt:
 	CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) $(GENERATOR) -DCMAKE_BUILD_TYPE=RelWithDebInfo \
@@ -61,4 +74,4 @@ format:
 	git ls-files '*.h' '*.cpp' | xargs clang-format -i
 
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD)
+	rm -rf $(BUILD) $(ASAN_BUILD) $(TSAN_BUILD) $(FUZZ_BUILD)

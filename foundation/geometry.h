@@ -1,4 +1,4 @@
-// SPoint and SRect: plain integer geometry in pixels, shared by the window
+// SPoint, SSize and SRect: plain integer geometry in pixels, shared by the window
 // core, the placement settings and the drawing code. A rectangle holds its
 // left and top edges inside and its right and bottom edges outside, so the
 // width is right - left.
@@ -9,6 +9,13 @@ struct SPoint {
     int y = 0;
 
     bool operator==(const SPoint& other) const = default;
+};
+
+struct SSize {
+    int width = 0;
+    int height = 0;
+
+    bool operator==(const SSize& other) const = default;
 };
 
 struct SRect {

@@ -1,6 +1,7 @@
 #include "foundation/keyboard.h"
 
 #include <array>
+#include <atomic>
 
 namespace {
 
@@ -81,4 +82,17 @@ int SKeyboard::GetKeyCode(const char* text) {
         }
     }
     return -1;
+}
+
+namespace {
+std::atomic<SKeyboard::ModifierSource> modifierSource{nullptr};
+} // namespace
+
+unsigned SKeyboard::GetModifiers() {
+    ModifierSource source = modifierSource.load();
+    return source != nullptr ? source() : 0;
+}
+
+void SKeyboard::SetModifierSource(ModifierSource source) {
+    modifierSource.store(source);
 }

@@ -23,6 +23,10 @@ public:
     // a null, empty or unknown name.
     static int GetKeyCode(const char* text);
 
-    // Reading which modifiers are held needs the platform: the window core
-    // provides it.
+    // The modifier keys held now: MODIFIER_CTRL and MODIFIER_SHIFT bits.
+    // Reading them needs the platform: the window core installs the source
+    // (SetModifierSource); without one nothing is held.
+    static unsigned GetModifiers();
+    using ModifierSource = unsigned (*)();
+    static void SetModifierSource(ModifierSource source);
 };

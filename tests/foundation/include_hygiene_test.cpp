@@ -16,8 +16,8 @@ const char* const kPlatformIncludes[] = {
     "<curl/", "<png.h>", "<jpeglib.h>", "<zlib.h>", "<gst/", "<webkit", "<X11/",
 };
 
-// The folders whose headers are public to the layers above; the platform
-// folder of the toolkit is the one place allowed to include them.
+// The folders whose headers are public to the layers above; the GTK
+// platform of the toolkit is the one place allowed to include them.
 const char* const kLayers[] = {"foundation", "toolkit", "dialogs", "controls", "editors",
                                "library",    "pages",   "panels",  "app"};
 
@@ -32,7 +32,7 @@ std::vector<std::string> FindLeaks(const std::filesystem::path& root, int& heade
         }
         for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
             std::string path = entry.path().string();
-            if (entry.path().extension() != ".h" || path.find("/platform/") != std::string::npos) {
+            if (entry.path().extension() != ".h" || path.find("/platform/gtk/") != std::string::npos) {
                 continue;
             }
             ++headersRead;
@@ -59,6 +59,53 @@ TEST(IncludeHygiene, PublicHeadersIncludeNoPlatformLibrary) {
     int headersRead = 0;
     std::vector<std::string> leaks = FindLeaks(MELKORA_SOURCE_DIR, headersRead);
     ASSERT_GT(headersRead, 0) << "no header found under " << MELKORA_SOURCE_DIR;
+    std::string report;
+    for (const std::string& leak : leaks) {
+        report += leak + "\n";
+    }
+    EXPECT_TRUE(leaks.empty()) << report;
+}
+
+// Windowing headers (GTK, GDK, X11) in any source or header outside the GTK
+// platform folder.
+std::vector<std::string> FindWindowingIncludes(const std::filesystem::path& root, int& filesRead) {
+    const char* const windowing[] = {"<gtk/", "<gdk/", "<X11/", "<gdkx"};
+    std::vector<std::string> leaks;
+    filesRead = 0;
+    for (const char* layer : kLayers) {
+        std::filesystem::path folder = root / layer;
+        if (!std::filesystem::is_directory(folder)) {
+            continue;
+        }
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+            std::string path = entry.path().string();
+            std::string extension = entry.path().extension().string();
+            if ((extension != ".h" && extension != ".cpp") ||
+                path.find("/toolkit/platform/gtk/") != std::string::npos) {
+                continue;
+            }
+            ++filesRead;
+            std::ifstream in(entry.path());
+            std::string line;
+            while (std::getline(in, line)) {
+                if (line.rfind("#include", 0) != 0) {
+                    continue;
+                }
+                for (const char* include : windowing) {
+                    if (line.find(include) != std::string::npos) {
+                        leaks.push_back(path + ": " + line);
+                    }
+                }
+            }
+        }
+    }
+    return leaks;
+}
+
+TEST(IncludeHygiene, OnlyTheGtkPlatformIncludesWindowingHeaders) {
+    int filesRead = 0;
+    std::vector<std::string> leaks = FindWindowingIncludes(MELKORA_SOURCE_DIR, filesRead);
+    ASSERT_GT(filesRead, 0);
     std::string report;
     for (const std::string& leak : leaks) {
         report += leak + "\n";

@@ -1,0 +1,26 @@
+#!/usr/bin/env bash
+# Times the window core on the headless platform: SendMessage and
+# PostMessage throughput (posting on the owner's thread, and from another
+# thread to a window whose loop drains it), and the time to create a
+# 1000 x 800 window with 500 bordered, coloured children and to paint it
+# once (one double-buffered frame). Prints the medians of RUNS runs.
+#
+#   bench/messages/run.sh [RUNS]          (default 7)
+#
+# Environment:
+#   BUILD   build folder holding bin/bench_messages (default build/); the
+#           target is built there first
+set -euo pipefail
+
+repo=$(cd "$(dirname "$0")/../.." && pwd)
+build=${BUILD:-$repo/build}
+"$repo/scripts/install-deps.sh" >&2
+runs=${1:-7}
+
+if [ ! -f "$build/CMakeCache.txt" ]; then
+    cmake -S "$repo" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >&2
+fi
+cmake --build "$build" -j2 --target bench_messages >&2
+
+echo "runs: $runs; medians"
+MELKORA_CONFIG_HOME=$(mktemp -d) "$build/bin/bench_messages" "$runs"

@@ -1,0 +1,174 @@
+// The way in from the platform: input of a top-level surface is routed to
+// the window of the tree under the pointer (or the capture, or the focus)
+// and posted, so that it passes through the thread's loop.
+#include "toolkit/platform/events.h"
+
+#include <cairo.h>
+
+#include "toolkit/wnd.h"
+#include "toolkit/wnd_internal.h"
+
+namespace {
+
+// The non-client form of a client mouse message, 0 when there is none.
+unsigned NonClientOf(unsigned message) {
+    switch (message) {
+    case WM_MOUSEMOVE: return WM_NCMOUSEMOVE;
+    case WM_LBUTTONDOWN: return WM_NCLBUTTONDOWN;
+    case WM_LBUTTONUP: return WM_NCLBUTTONUP;
+    case WM_RBUTTONDOWN: return WM_NCRBUTTONDOWN;
+    case WM_RBUTTONUP: return WM_NCRBUTTONUP;
+    case WM_MBUTTONDOWN: return WM_NCMBUTTONDOWN;
+    case WM_MBUTTONUP: return WM_NCMBUTTONUP;
+    default: return 0;
+    }
+}
+
+void EndTracking(HWND keep, bool nonClient) {
+    ThreadWindowState& state = ThreadState();
+    HWND& tracked = nonClient ? state.trackedNonClient : state.tracked;
+    if (tracked != 0 && tracked != keep) {
+        HWND old = tracked;
+        tracked = 0;
+        PostMessage(old, nonClient ? WM_NCMOUSELEAVE : WM_MOUSELEAVE, 0, 0);
+    }
+}
+
+} // namespace
+
+void PlatformMouse(HWND top, unsigned message, int x, int y, unsigned keyFlags) {
+    SWnd* topWnd = SWnd::FromHandle(top);
+    if (topWnd == nullptr) {
+        return;
+    }
+    SPoint screen{x, y};
+    topWnd->ClientToScreen(&screen);
+    HWND target = GetCapture();
+    bool nonClient = false;
+    if (target == 0) {
+        target = topWnd->ChildFromPoint(SPoint{x, y});
+        SWnd* wnd = SWnd::FromHandle(target);
+        if (wnd != nullptr) {
+            SPoint inner = screen;
+            wnd->ScreenToClient(&inner);
+            nonClient = !wnd->GetClientRect().Contains(inner);
+        }
+    }
+    SWnd* wnd = SWnd::FromHandle(target);
+    if (wnd == nullptr) {
+        return;
+    }
+    EndTracking(nonClient ? 0 : target, false);
+    EndTracking(nonClient ? target : 0, true);
+    if (message == WM_MOUSEMOVE) {
+        SendMessage(target, WM_SETCURSOR, target, 0);
+    }
+    if (nonClient && NonClientOf(message) != 0) {
+        PostMessage(target, NonClientOf(message), 0, MakePointParam(screen.x, screen.y));
+        return;
+    }
+    SPoint client = screen;
+    wnd->ScreenToClient(&client);
+    PostMessage(target, message, keyFlags, MakePointParam(client.x, client.y));
+}
+
+void PlatformMouseLeave(HWND top) {
+    ThreadWindowState& state = ThreadState();
+    for (HWND* tracked : {&state.tracked, &state.trackedNonClient}) {
+        SWnd* wnd = SWnd::FromHandle(*tracked);
+        if (wnd != nullptr && wnd->GetTopWindow() == top && GetCapture() == 0) {
+            EndTracking(0, tracked == &state.trackedNonClient);
+        }
+    }
+}
+
+void PlatformKey(HWND top, unsigned message, unsigned code) {
+    HWND target = GetFocus();
+    SWnd* focus = SWnd::FromHandle(target);
+    if (focus == nullptr || focus->GetTopWindow() != top) {
+        target = top;
+    }
+    PostMessage(target, message, code, 0);
+}
+
+void PlatformFocus(HWND top, bool gained) {
+    SWnd* focus = SWnd::FromHandle(GetFocus());
+    if (gained) {
+        if (focus == nullptr || focus->GetTopWindow() != top) {
+            SetFocus(top);
+        }
+    } else if (focus != nullptr && focus->GetTopWindow() == top) {
+        SetFocus(0);
+    }
+}
+
+void PlatformResized(HWND top, int width, int height, unsigned kind) {
+    SWnd* wnd = SWnd::FromHandle(top);
+    if (wnd == nullptr) {
+        return;
+    }
+    SRect rect = wnd->GetRect();
+    if (kind == SIZE_MINIMIZED) {
+        wnd->Minimize();
+        return;
+    }
+    if (kind == SIZE_MAXIMIZED && !wnd->IsMaximized()) {
+        wnd->Maximize();
+    }
+    if (kind == SIZE_RESTORED && (wnd->IsMaximized() || wnd->IsMinimized())) {
+        wnd->Restore(false);
+    }
+    if (rect.Width() != width || rect.Height() != height) {
+        wnd->MoveWindow(SRect{rect.left, rect.top, rect.left + width, rect.top + height});
+    }
+}
+
+void PlatformMoved(HWND top, int x, int y) {
+    SWnd* wnd = SWnd::FromHandle(top);
+    if (wnd == nullptr) {
+        return;
+    }
+    SRect rect = wnd->GetRect();
+    if (rect.left != x || rect.top != y) {
+        wnd->MoveWindow(SRect{x, y, x + rect.Width(), y + rect.Height()}, false);
+    }
+}
+
+void PlatformClose(HWND top) {
+    SendMessage(top, WM_CLOSE, 0, 0);
+}
+
+void PlatformPaint(HWND top, cairo_t* cr, int width, int height) {
+    SWnd* wnd = SWnd::FromHandle(top);
+    if (wnd == nullptr || cr == nullptr || width <= 0 || height <= 0) {
+        return;
+    }
+    // Double buffering: the whole tree goes into one off-screen picture,
+    // which lands on the target in one operation.
+    cairo_surface_t* buffer = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
+    cairo_t* back = cairo_create(buffer);
+    cairo_set_source_rgb(back, 1, 1, 1);
+    cairo_paint(back);
+    wnd->PaintTree(back);
+    cairo_destroy(back);
+    cairo_save(cr);
+    cairo_set_source_surface(cr, buffer, 0, 0);
+    cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
+    cairo_paint(cr);
+    cairo_restore(cr);
+    cairo_surface_destroy(buffer);
+}
+
+void PlatformDropFiles(HWND top, int x, int y, SStringArray* files) {
+    SWnd* topWnd = SWnd::FromHandle(top);
+    if (topWnd == nullptr || files == nullptr) {
+        return;
+    }
+    SWnd* wnd = SWnd::FromHandle(topWnd->ChildFromPoint(SPoint{x, y}));
+    while (wnd != nullptr && (wnd->GetExStyle() & WS_EX_ACCEPTFILES) == 0) {
+        wnd = wnd->GetParentWnd();
+    }
+    if (wnd != nullptr) {
+        SendMessage(wnd->GetHandle(), WM_DROPFILES, reinterpret_cast<WPARAM>(files), 0);
+    }
+}

@@ -1,0 +1,29 @@
+// The way in from a platform: each implementation turns its events into
+// these calls, on the thread that owns the top-level window. Points are in
+// the top-level's client coordinates.
+#pragma once
+
+#include "foundation/message.h"
+
+class SStringArray;
+typedef struct _cairo cairo_t;
+
+// A mouse message (WM_MOUSEMOVE, WM_LBUTTONDOWN...) at a point, with the
+// MK_* key flags; the toolkit finds the window under it (or the capture).
+void PlatformMouse(HWND top, unsigned message, int x, int y, unsigned keyFlags);
+// The pointer left the surface.
+void PlatformMouseLeave(HWND top);
+// WM_KEYDOWN, WM_KEYUP, WM_SYSKEYDOWN with a virtual key code, or WM_CHAR
+// with a character code; to the focus window.
+void PlatformKey(HWND top, unsigned message, unsigned code);
+void PlatformFocus(HWND top, bool gained);
+// The surface's client area changed; kind is SIZE_RESTORED, SIZE_MINIMIZED
+// or SIZE_MAXIMIZED.
+void PlatformResized(HWND top, int width, int height, unsigned kind);
+void PlatformMoved(HWND top, int x, int y);
+// The user asked to close the surface.
+void PlatformClose(HWND top);
+// Draws the whole window tree of top onto cr (width by height pixels).
+void PlatformPaint(HWND top, cairo_t* cr, int width, int height);
+// Files dropped at a point; folders end in "/". The array is borrowed.
+void PlatformDropFiles(HWND top, int x, int y, SStringArray* files);

@@ -1,0 +1,505 @@
+#include "toolkit/platform/gtk/gtk_platform.h"
+
+#include <gdk/gdkx.h>
+#include <gtk/gtk.h>
+#include <X11/extensions/XTest.h>
+
+#include <map>
+#include <vector>
+
+#include "foundation/array.h"
+#include "foundation/keyboard.h"
+#include "toolkit/draw.h"
+#include "toolkit/messages.h"
+#include "toolkit/platform/events.h"
+#include "toolkit/platform/platform.h"
+
+namespace {
+
+struct Surface {
+    HWND hwnd = 0;
+    GtkWidget* window = nullptr;
+    GtkWidget* area = nullptr;
+};
+
+unsigned KeyFlags(guint state) {
+    unsigned flags = 0;
+    if ((state & GDK_BUTTON1_MASK) != 0) {
+        flags |= MK_LBUTTON;
+    }
+    if ((state & GDK_BUTTON2_MASK) != 0) {
+        flags |= MK_MBUTTON;
+    }
+    if ((state & GDK_BUTTON3_MASK) != 0) {
+        flags |= MK_RBUTTON;
+    }
+    if ((state & GDK_SHIFT_MASK) != 0) {
+        flags |= MK_SHIFT;
+    }
+    if ((state & GDK_CONTROL_MASK) != 0) {
+        flags |= MK_CONTROL;
+    }
+    return flags;
+}
+
+// The virtual key code of a GDK key value; 0 for keys the toolkit ignores.
+unsigned VirtualKey(guint keyval) {
+    guint upper = gdk_keyval_to_upper(keyval);
+    if ((upper >= 'A' && upper <= 'Z') || (upper >= '0' && upper <= '9')) {
+        return upper;
+    }
+    if (keyval >= GDK_KEY_F1 && keyval <= GDK_KEY_F24) {
+        return 112 + (keyval - GDK_KEY_F1);
+    }
+    if (keyval >= GDK_KEY_KP_0 && keyval <= GDK_KEY_KP_9) {
+        return 96 + (keyval - GDK_KEY_KP_0);
+    }
+    switch (keyval) {
+    case GDK_KEY_BackSpace: return 8;
+    case GDK_KEY_Tab:
+    case GDK_KEY_ISO_Left_Tab: return 9;
+    case GDK_KEY_Return:
+    case GDK_KEY_KP_Enter: return 13;
+    case GDK_KEY_Shift_L:
+    case GDK_KEY_Shift_R: return 16;
+    case GDK_KEY_Control_L:
+    case GDK_KEY_Control_R: return 17;
+    case GDK_KEY_Alt_L:
+    case GDK_KEY_Alt_R: return 18;
+    case GDK_KEY_Pause: return 19;
+    case GDK_KEY_Caps_Lock: return 20;
+    case GDK_KEY_Escape: return 27;
+    case GDK_KEY_space: return 32;
+    case GDK_KEY_Page_Up: return 33;
+    case GDK_KEY_Page_Down: return 34;
+    case GDK_KEY_End: return 35;
+    case GDK_KEY_Home: return 36;
+    case GDK_KEY_Left: return 37;
+    case GDK_KEY_Up: return 38;
+    case GDK_KEY_Right: return 39;
+    case GDK_KEY_Down: return 40;
+    case GDK_KEY_Insert: return 45;
+    case GDK_KEY_Delete: return 46;
+    case GDK_KEY_Menu: return 93;
+    default: return 0;
+    }
+}
+
+unsigned ButtonMessage(guint button, bool down) {
+    switch (button) {
+    case 1: return down ? WM_LBUTTONDOWN : WM_LBUTTONUP;
+    case 2: return down ? WM_MBUTTONDOWN : WM_MBUTTONUP;
+    case 3: return down ? WM_RBUTTONDOWN : WM_RBUTTONUP;
+    default: return 0;
+    }
+}
+
+gboolean OnDraw(GtkWidget* widget, cairo_t* cr, gpointer data) {
+    auto* surface = static_cast<Surface*>(data);
+    PlatformPaint(surface->hwnd, cr, gtk_widget_get_allocated_width(widget),
+                  gtk_widget_get_allocated_height(widget));
+    return TRUE;
+}
+
+gboolean OnMotion(GtkWidget*, GdkEventMotion* event, gpointer data) {
+    auto* surface = static_cast<Surface*>(data);
+    PlatformMouse(surface->hwnd, WM_MOUSEMOVE, static_cast<int>(event->x),
+                  static_cast<int>(event->y), KeyFlags(event->state));
+    return TRUE;
+}
+
+gboolean OnButton(GtkWidget* widget, GdkEventButton* event, gpointer data) {
+    auto* surface = static_cast<Surface*>(data);
+    bool down = event->type == GDK_BUTTON_PRESS;
+    if (!down && event->type != GDK_BUTTON_RELEASE) {
+        return TRUE; // the double and triple press events repeat a press
+    }
+    unsigned message = ButtonMessage(event->button, down);
+    if (message == 0) {
+        return TRUE;
+    }
+    if (down) {
+        gtk_widget_grab_focus(widget);
+    }
+    PlatformMouse(surface->hwnd, message, static_cast<int>(event->x), static_cast<int>(event->y),
+                  KeyFlags(event->state));
+    return TRUE;
+}
+
+gboolean OnLeave(GtkWidget*, GdkEventCrossing* event, gpointer data) {
+    if (event->mode == GDK_CROSSING_NORMAL) {
+        PlatformMouseLeave(static_cast<Surface*>(data)->hwnd);
+    }
+    return TRUE;
+}
+
+gboolean OnKey(GtkWidget*, GdkEventKey* event, gpointer data) {
+    auto* surface = static_cast<Surface*>(data);
+    bool down = event->type == GDK_KEY_PRESS;
+    unsigned code = VirtualKey(event->keyval);
+    bool alt = (event->state & GDK_MOD1_MASK) != 0;
+    if (code != 0) {
+        unsigned message = alt ? (down ? WM_SYSKEYDOWN : WM_SYSKEYUP) : (down ? WM_KEYDOWN : WM_KEYUP);
+        PlatformKey(surface->hwnd, message, code);
+    }
+    guint32 character = gdk_keyval_to_unicode(event->keyval);
+    if (down && character >= 32 && (event->state & GDK_CONTROL_MASK) == 0) {
+        PlatformKey(surface->hwnd, WM_CHAR, character);
+    }
+    return TRUE;
+}
+
+gboolean OnFocus(GtkWidget*, GdkEventFocus* event, gpointer data) {
+    PlatformFocus(static_cast<Surface*>(data)->hwnd, event->in != 0);
+    return FALSE;
+}
+
+void OnSizeAllocate(GtkWidget*, GdkRectangle* allocation, gpointer data) {
+    PlatformResized(static_cast<Surface*>(data)->hwnd, allocation->width, allocation->height,
+                    SIZE_RESTORED);
+}
+
+gboolean OnConfigure(GtkWidget*, GdkEventConfigure* event, gpointer data) {
+    PlatformMoved(static_cast<Surface*>(data)->hwnd, event->x, event->y);
+    return FALSE;
+}
+
+gboolean OnDelete(GtkWidget*, GdkEvent*, gpointer data) {
+    PlatformClose(static_cast<Surface*>(data)->hwnd);
+    return TRUE; // the toolkit destroys the window itself
+}
+
+gboolean OnWindowState(GtkWidget* widget, GdkEventWindowState* event, gpointer data) {
+    if ((event->changed_mask & (GDK_WINDOW_STATE_ICONIFIED | GDK_WINDOW_STATE_MAXIMIZED)) == 0) {
+        return FALSE;
+    }
+    unsigned kind = SIZE_RESTORED;
+    if ((event->new_window_state & GDK_WINDOW_STATE_ICONIFIED) != 0) {
+        kind = SIZE_MINIMIZED;
+    } else if ((event->new_window_state & GDK_WINDOW_STATE_MAXIMIZED) != 0) {
+        kind = SIZE_MAXIMIZED;
+    }
+    auto* surface = static_cast<Surface*>(data);
+    PlatformResized(surface->hwnd, gtk_widget_get_allocated_width(surface->area),
+                    gtk_widget_get_allocated_height(surface->area), kind);
+    (void)widget;
+    return FALSE;
+}
+
+void OnDragData(GtkWidget*, GdkDragContext* context, gint x, gint y, GtkSelectionData* data,
+                guint, guint time, gpointer user) {
+    gchar** uris = gtk_selection_data_get_uris(data);
+    SStringArray files;
+    for (int i = 0; uris != nullptr && uris[i] != nullptr; ++i) {
+        gchar* path = g_filename_from_uri(uris[i], nullptr, nullptr);
+        if (path != nullptr) {
+            files.Add(path);
+            g_free(path);
+        }
+    }
+    g_strfreev(uris);
+    gtk_drag_finish(context, files.GetCount() > 0, FALSE, time);
+    if (files.GetCount() > 0) {
+        PlatformDropFiles(static_cast<Surface*>(user)->hwnd, x, y, &files);
+    }
+}
+
+class GtkPlatform : public SPlatform {
+public:
+    ~GtkPlatform() override {
+        for (auto& [hwnd, surface] : surfaces) {
+            g_signal_handlers_disconnect_by_data(surface->window, surface);
+            g_signal_handlers_disconnect_by_data(surface->area, surface);
+            gtk_widget_destroy(surface->window);
+            delete surface;
+        }
+    }
+
+    Surface* Find(HWND hwnd) {
+        auto it = surfaces.find(hwnd);
+        return it != surfaces.end() ? it->second : nullptr;
+    }
+
+    bool CreateSurface(HWND hwnd, const SRect& rect, const char* title) override {
+        auto* surface = new Surface;
+        surface->hwnd = hwnd;
+        surface->window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+        surface->area = gtk_drawing_area_new();
+        gtk_window_set_title(GTK_WINDOW(surface->window), title != nullptr ? title : "");
+        gtk_window_move(GTK_WINDOW(surface->window), rect.left, rect.top);
+        gtk_window_set_default_size(GTK_WINDOW(surface->window), std::max(1, rect.Width()),
+                                    std::max(1, rect.Height()));
+        gtk_container_add(GTK_CONTAINER(surface->window), surface->area);
+        gtk_widget_set_can_focus(surface->area, TRUE);
+        gtk_widget_add_events(surface->area, GDK_POINTER_MOTION_MASK | GDK_BUTTON_PRESS_MASK |
+                                                 GDK_BUTTON_RELEASE_MASK | GDK_LEAVE_NOTIFY_MASK |
+                                                 GDK_KEY_PRESS_MASK | GDK_KEY_RELEASE_MASK);
+        GtkWidget* area = surface->area;
+        GtkWidget* window = surface->window;
+        g_signal_connect(area, "draw", G_CALLBACK(OnDraw), surface);
+        g_signal_connect(area, "motion-notify-event", G_CALLBACK(OnMotion), surface);
+        g_signal_connect(area, "button-press-event", G_CALLBACK(OnButton), surface);
+        g_signal_connect(area, "button-release-event", G_CALLBACK(OnButton), surface);
+        g_signal_connect(area, "leave-notify-event", G_CALLBACK(OnLeave), surface);
+        g_signal_connect(area, "size-allocate", G_CALLBACK(OnSizeAllocate), surface);
+        g_signal_connect(window, "key-press-event", G_CALLBACK(OnKey), surface);
+        g_signal_connect(window, "key-release-event", G_CALLBACK(OnKey), surface);
+        g_signal_connect(window, "focus-in-event", G_CALLBACK(OnFocus), surface);
+        g_signal_connect(window, "focus-out-event", G_CALLBACK(OnFocus), surface);
+        g_signal_connect(window, "configure-event", G_CALLBACK(OnConfigure), surface);
+        g_signal_connect(window, "delete-event", G_CALLBACK(OnDelete), surface);
+        g_signal_connect(window, "window-state-event", G_CALLBACK(OnWindowState), surface);
+        static GtkTargetEntry uriList = {const_cast<gchar*>("text/uri-list"), 0, 0};
+        gtk_drag_dest_set(area, GTK_DEST_DEFAULT_ALL, &uriList, 1, GDK_ACTION_COPY);
+        g_signal_connect(area, "drag-data-received", G_CALLBACK(OnDragData), surface);
+        gtk_widget_show(area);
+        surfaces[hwnd] = surface;
+        return true;
+    }
+
+    void DestroySurface(HWND hwnd) override {
+        Surface* surface = Find(hwnd);
+        if (surface == nullptr) {
+            return;
+        }
+        surfaces.erase(hwnd);
+        g_signal_handlers_disconnect_by_data(surface->window, surface);
+        g_signal_handlers_disconnect_by_data(surface->area, surface);
+        gtk_widget_destroy(surface->window);
+        delete surface;
+    }
+
+    void ShowSurface(HWND hwnd, int command) override {
+        Surface* surface = Find(hwnd);
+        if (surface == nullptr) {
+            return;
+        }
+        GtkWindow* window = GTK_WINDOW(surface->window);
+        switch (command) {
+        case SW_HIDE: gtk_widget_hide(surface->window); break;
+        case SW_SHOWMINIMIZED:
+        case SW_MINIMIZE: gtk_window_iconify(window); break;
+        case SW_SHOWMAXIMIZED: gtk_window_maximize(window); break;
+        case SW_RESTORE:
+            gtk_window_deiconify(window);
+            gtk_window_unmaximize(window);
+            break;
+        default: gtk_widget_show(surface->window); break;
+        }
+    }
+
+    void MoveSurface(HWND hwnd, const SRect& rect) override {
+        Surface* surface = Find(hwnd);
+        if (surface == nullptr) {
+            return;
+        }
+        gtk_window_move(GTK_WINDOW(surface->window), rect.left, rect.top);
+        gtk_window_resize(GTK_WINDOW(surface->window), std::max(1, rect.Width()),
+                          std::max(1, rect.Height()));
+    }
+
+    void SetSurfaceTitle(HWND hwnd, const char* title) override {
+        Surface* surface = Find(hwnd);
+        if (surface != nullptr) {
+            gtk_window_set_title(GTK_WINDOW(surface->window), title != nullptr ? title : "");
+        }
+    }
+
+    void SetSurfaceAlpha(HWND hwnd, int alpha) override {
+        Surface* surface = Find(hwnd);
+        if (surface != nullptr) {
+            gtk_widget_set_opacity(surface->window, alpha / 255.0);
+        }
+    }
+
+    void InvalidateSurface(HWND hwnd) override {
+        Surface* surface = Find(hwnd);
+        if (surface != nullptr) {
+            gtk_widget_queue_draw(surface->area);
+        }
+    }
+
+    void CaptureMouse(HWND hwnd) override {
+        GdkDisplay* display = gdk_display_get_default();
+        if (display == nullptr) {
+            return;
+        }
+        GdkSeat* seat = gdk_display_get_default_seat(display);
+        Surface* surface = Find(hwnd);
+        GdkWindow* window = surface != nullptr ? gtk_widget_get_window(surface->area) : nullptr;
+        if (window != nullptr && gdk_window_is_visible(window)) {
+            gdk_seat_grab(seat, window, GDK_SEAT_CAPABILITY_ALL_POINTING, FALSE, nullptr, nullptr,
+                          nullptr, nullptr);
+        } else {
+            gdk_seat_ungrab(seat);
+        }
+    }
+
+    void SetSurfaceCursor(HWND hwnd, int cursorIndex) override {
+        Surface* surface = Find(hwnd);
+        GdkWindow* window = surface != nullptr ? gtk_widget_get_window(surface->area) : nullptr;
+        if (window == nullptr) {
+            return;
+        }
+        const char* name = cursorIndex < 0 ? "none" : GetCursorName(cursorIndex);
+        GdkCursor* cursor = gdk_cursor_new_from_name(gdk_window_get_display(window), name);
+        gdk_window_set_cursor(window, cursor);
+        if (cursor != nullptr) {
+            g_object_unref(cursor);
+        }
+    }
+
+    bool SetClipboardText(const char* text) override {
+        if (text == nullptr) {
+            return false;
+        }
+        gtk_clipboard_set_text(gtk_clipboard_get(GDK_SELECTION_CLIPBOARD), text, -1);
+        gtk_clipboard_store(gtk_clipboard_get(GDK_SELECTION_CLIPBOARD));
+        return true;
+    }
+
+    SString GetClipboardText() override {
+        gchar* text = gtk_clipboard_wait_for_text(gtk_clipboard_get(GDK_SELECTION_CLIPBOARD));
+        SString result(text);
+        g_free(text);
+        return result;
+    }
+
+    static GdkMonitor* Monitor() {
+        GdkDisplay* display = gdk_display_get_default();
+        if (display == nullptr) {
+            return nullptr;
+        }
+        GdkMonitor* monitor = gdk_display_get_primary_monitor(display);
+        return monitor != nullptr ? monitor : gdk_display_get_monitor(display, 0);
+    }
+
+    bool GetScreenRect(SRect* rect) override {
+        GdkMonitor* monitor = Monitor();
+        if (rect == nullptr || monitor == nullptr) {
+            return false;
+        }
+        GdkRectangle area;
+        gdk_monitor_get_geometry(monitor, &area);
+        *rect = SRect{area.x, area.y, area.x + area.width, area.y + area.height};
+        return true;
+    }
+
+    bool GetWorkArea(SRect* rect) override {
+        GdkMonitor* monitor = Monitor();
+        if (rect == nullptr || monitor == nullptr) {
+            return false;
+        }
+        GdkRectangle area;
+        gdk_monitor_get_workarea(monitor, &area);
+        *rect = SRect{area.x, area.y, area.x + area.width, area.y + area.height};
+        return true;
+    }
+
+    double GetDpi() override {
+        GdkScreen* screen = gdk_screen_get_default();
+        double dpi = screen != nullptr ? gdk_screen_get_resolution(screen) : -1;
+        return dpi > 0 ? dpi : 96.0;
+    }
+
+    unsigned GetModifiers() override {
+        GdkDisplay* display = gdk_display_get_default();
+        if (display == nullptr) {
+            return 0;
+        }
+        guint state = gdk_keymap_get_modifier_state(gdk_keymap_get_for_display(display));
+        unsigned result = 0;
+        if ((state & GDK_SHIFT_MASK) != 0) {
+            result |= SKeyboard::MODIFIER_SHIFT;
+        }
+        if ((state & GDK_CONTROL_MASK) != 0) {
+            result |= SKeyboard::MODIFIER_CTRL;
+        }
+        return result;
+    }
+
+    SPoint GetPointer() override {
+        GdkDisplay* display = gdk_display_get_default();
+        if (display == nullptr) {
+            return SPoint();
+        }
+        GdkDevice* pointer = gdk_seat_get_pointer(gdk_display_get_default_seat(display));
+        int x = 0, y = 0;
+        gdk_device_get_position(pointer, nullptr, &x, &y);
+        return SPoint{x, y};
+    }
+
+    std::map<HWND, Surface*> surfaces;
+};
+
+GtkPlatform* Current() {
+    return dynamic_cast<GtkPlatform*>(GetPlatform());
+}
+
+} // namespace
+
+bool UseGtkPlatform() {
+    gdk_set_allowed_backends("x11");
+    if (!gtk_init_check(nullptr, nullptr)) {
+        return false;
+    }
+    SetPlatform(new GtkPlatform);
+    return true;
+}
+
+void GtkSync() {
+    GdkDisplay* display = gdk_display_get_default();
+    if (display != nullptr) {
+        gdk_display_sync(display);
+    }
+}
+
+bool GtkCaptureSurface(HWND top, SImage* picture) {
+    GtkPlatform* platform = Current();
+    Surface* surface = platform != nullptr ? platform->Find(top) : nullptr;
+    GdkWindow* window = surface != nullptr ? gtk_widget_get_window(surface->area) : nullptr;
+    if (window == nullptr || picture == nullptr) {
+        return false;
+    }
+    int width = gdk_window_get_width(window);
+    int height = gdk_window_get_height(window);
+    GdkPixbuf* pixbuf = gdk_pixbuf_get_from_window(window, 0, 0, width, height);
+    if (pixbuf == nullptr) {
+        return false;
+    }
+    int channels = gdk_pixbuf_get_n_channels(pixbuf);
+    int stride = gdk_pixbuf_get_rowstride(pixbuf);
+    const guchar* pixels = gdk_pixbuf_read_pixels(pixbuf);
+    std::vector<uint32_t> argb(static_cast<size_t>(width) * height);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const guchar* p = pixels + y * stride + x * channels;
+            argb[static_cast<size_t>(y) * width + x] =
+                0xFF000000u | (static_cast<uint32_t>(p[0]) << 16) |
+                (static_cast<uint32_t>(p[1]) << 8) | p[2];
+        }
+    }
+    g_object_unref(pixbuf);
+    return picture->LoadPixels(argb.data(), width, height);
+}
+
+bool GtkSimulateClick(HWND top, int x, int y) {
+    GtkPlatform* platform = Current();
+    Surface* surface = platform != nullptr ? platform->Find(top) : nullptr;
+    GdkWindow* window = surface != nullptr ? gtk_widget_get_window(surface->area) : nullptr;
+    if (window == nullptr || !GDK_IS_X11_DISPLAY(gdk_window_get_display(window))) {
+        return false;
+    }
+    int originX = 0, originY = 0;
+    gdk_window_get_origin(window, &originX, &originY);
+    Display* display = GDK_DISPLAY_XDISPLAY(gdk_window_get_display(window));
+    int eventBase = 0, errorBase = 0, major = 0, minor = 0;
+    if (!XTestQueryExtension(display, &eventBase, &errorBase, &major, &minor)) {
+        return false;
+    }
+    XTestFakeMotionEvent(display, -1, originX + x, originY + y, CurrentTime);
+    XTestFakeButtonEvent(display, 1, True, CurrentTime);
+    XTestFakeButtonEvent(display, 1, False, CurrentTime);
+    XFlush(display);
+    return true;
+}

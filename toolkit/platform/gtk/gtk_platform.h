@@ -1,0 +1,23 @@
+// The GTK 3 platform (library melkora_toolkit_gtk): every top-level window
+// is a GtkWindow holding one drawing area whose whole client the toolkit
+// paints with Cairo. Input, focus, clipboard, cursors, dropped files, the
+// screen and the work area come from GTK on X11. This header includes no
+// GTK header, so that the program's start-up can select the platform.
+#pragma once
+
+#include "foundation/image.h"
+#include "foundation/message.h"
+
+// Starts GTK on X11 and makes it the toolkit's platform; call on the main
+// thread before ToolkitStart. False, with the platform unchanged, when
+// there is no display.
+bool UseGtkPlatform();
+
+// For the window tests on a virtual display.
+// The pixels the X server shows for a top-level window's client area.
+bool GtkCaptureSurface(HWND top, SImage* picture);
+// A real click of the left button at a point of a top-level window's
+// client area, synthesised through the X test extension.
+bool GtkSimulateClick(HWND top, int x, int y);
+// Waits until the X server has handled every request sent so far.
+void GtkSync();

@@ -1,0 +1,245 @@
+#include "toolkit/platform/headless/headless_platform.h"
+
+#include <atomic>
+#include <cairo.h>
+
+#include "toolkit/platform/events.h"
+#include "toolkit/wnd.h"
+
+namespace {
+
+std::atomic<uint64_t> fakeNow{1000000};
+
+uint64_t FakeClock() {
+    return fakeNow.load();
+}
+
+} // namespace
+
+SHeadlessPlatform::SHeadlessPlatform() = default;
+SHeadlessPlatform::~SHeadlessPlatform() = default;
+
+bool SHeadlessPlatform::CreateSurface(HWND hwnd, const SRect& rect, const char* title) {
+    std::lock_guard<std::mutex> lock(mutex);
+    Surface& surface = surfaces[hwnd];
+    surface.rect = rect;
+    surface.title = title;
+    return true;
+}
+
+void SHeadlessPlatform::DestroySurface(HWND hwnd) {
+    std::lock_guard<std::mutex> lock(mutex);
+    surfaces.erase(hwnd);
+    if (captured == hwnd) {
+        captured = 0;
+    }
+}
+
+void SHeadlessPlatform::ShowSurface(HWND hwnd, int command) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = surfaces.find(hwnd);
+    if (it != surfaces.end()) {
+        it->second.visible = command != SW_HIDE;
+        it->second.showCommand = command;
+    }
+}
+
+void SHeadlessPlatform::MoveSurface(HWND hwnd, const SRect& rect) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = surfaces.find(hwnd);
+    if (it != surfaces.end()) {
+        it->second.rect = rect;
+    }
+}
+
+void SHeadlessPlatform::SetSurfaceTitle(HWND hwnd, const char* title) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = surfaces.find(hwnd);
+    if (it != surfaces.end()) {
+        it->second.title = title;
+    }
+}
+
+void SHeadlessPlatform::SetSurfaceAlpha(HWND hwnd, int alpha) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = surfaces.find(hwnd);
+    if (it != surfaces.end()) {
+        it->second.alpha = alpha;
+    }
+}
+
+void SHeadlessPlatform::InvalidateSurface(HWND hwnd) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = surfaces.find(hwnd);
+    if (it != surfaces.end()) {
+        ++it->second.frameRequests;
+    }
+}
+
+void SHeadlessPlatform::CaptureMouse(HWND hwnd) {
+    captured = hwnd;
+}
+
+void SHeadlessPlatform::SetSurfaceCursor(HWND hwnd, int cursorIndex) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = surfaces.find(hwnd);
+    if (it != surfaces.end()) {
+        it->second.cursor = cursorIndex;
+    }
+}
+
+bool SHeadlessPlatform::SetClipboardText(const char* text) {
+    std::lock_guard<std::mutex> lock(mutex);
+    clipboard = text != nullptr ? text : "";
+    return true;
+}
+
+SString SHeadlessPlatform::GetClipboardText() {
+    std::lock_guard<std::mutex> lock(mutex);
+    return clipboard;
+}
+
+bool SHeadlessPlatform::GetScreenRect(SRect* rect) {
+    std::lock_guard<std::mutex> lock(mutex);
+    if (rect == nullptr) {
+        return false;
+    }
+    *rect = screen;
+    return true;
+}
+
+bool SHeadlessPlatform::GetWorkArea(SRect* rect) {
+    std::lock_guard<std::mutex> lock(mutex);
+    if (rect == nullptr) {
+        return false;
+    }
+    *rect = workArea;
+    return true;
+}
+
+unsigned SHeadlessPlatform::GetModifiers() {
+    std::lock_guard<std::mutex> lock(mutex);
+    return modifiers;
+}
+
+SPoint SHeadlessPlatform::GetPointer() {
+    std::lock_guard<std::mutex> lock(mutex);
+    return pointer;
+}
+
+void SHeadlessPlatform::SetModifiers(unsigned value) {
+    std::lock_guard<std::mutex> lock(mutex);
+    modifiers = value;
+}
+
+void SHeadlessPlatform::SetWorkArea(const SRect& area) {
+    std::lock_guard<std::mutex> lock(mutex);
+    workArea = area;
+}
+
+void SHeadlessPlatform::SetScreenRect(const SRect& area) {
+    std::lock_guard<std::mutex> lock(mutex);
+    screen = area;
+}
+
+void SHeadlessPlatform::MoveMouse(HWND top, int x, int y, unsigned keyFlags) {
+    SWnd* wnd = SWnd::FromHandle(top);
+    if (wnd != nullptr) {
+        SPoint screenPoint{x, y};
+        wnd->ClientToScreen(&screenPoint);
+        std::lock_guard<std::mutex> lock(mutex);
+        pointer = screenPoint;
+    }
+    PlatformMouse(top, WM_MOUSEMOVE, x, y, keyFlags);
+    DispatchPending();
+}
+
+void SHeadlessPlatform::Press(HWND top, int x, int y, unsigned downMessage) {
+    unsigned flags = downMessage == WM_LBUTTONDOWN   ? MK_LBUTTON
+                     : downMessage == WM_RBUTTONDOWN ? MK_RBUTTON
+                                                     : MK_MBUTTON;
+    MoveMouse(top, x, y, flags);
+    PlatformMouse(top, downMessage, x, y, flags);
+    DispatchPending();
+}
+
+void SHeadlessPlatform::Release(HWND top, int x, int y, unsigned upMessage) {
+    unsigned flags = upMessage == WM_LBUTTONUP   ? MK_LBUTTON
+                     : upMessage == WM_RBUTTONUP ? MK_RBUTTON
+                                                 : MK_MBUTTON;
+    MoveMouse(top, x, y, flags);
+    PlatformMouse(top, upMessage, x, y, 0);
+    DispatchPending();
+}
+
+void SHeadlessPlatform::Click(HWND top, int x, int y) {
+    Press(top, x, y);
+    Release(top, x, y);
+}
+
+void SHeadlessPlatform::Key(HWND top, unsigned code, unsigned keyModifiers) {
+    unsigned old = GetModifiers();
+    SetModifiers(keyModifiers);
+    PlatformKey(top, WM_KEYDOWN, code);
+    DispatchPending();
+    PlatformKey(top, WM_KEYUP, code);
+    DispatchPending();
+    SetModifiers(old);
+}
+
+void SHeadlessPlatform::Resize(HWND top, int width, int height) {
+    PlatformResized(top, width, height, SIZE_RESTORED);
+    DispatchPending();
+}
+
+bool SHeadlessPlatform::Snapshot(HWND top, SImage* picture) {
+    Surface surface;
+    if (picture == nullptr || !GetSurface(top, &surface)) {
+        return false;
+    }
+    int width = surface.rect.Width();
+    int height = surface.rect.Height();
+    if (width <= 0 || height <= 0) {
+        return false;
+    }
+    cairo_surface_t* target = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
+    cairo_t* cr = cairo_create(target);
+    PlatformPaint(top, cr, width, height);
+    cairo_destroy(cr);
+    cairo_surface_flush(target);
+    bool loaded = picture->LoadSurface(target, 0, 0);
+    cairo_surface_destroy(target);
+    return loaded;
+}
+
+bool SHeadlessPlatform::GetSurface(HWND top, Surface* surface) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = surfaces.find(top);
+    if (it == surfaces.end() || surface == nullptr) {
+        return false;
+    }
+    *surface = it->second;
+    return true;
+}
+
+int SHeadlessPlatform::DispatchPending() {
+    int count = 0;
+    SMessage message;
+    while (PeekMessage(&message, true)) {
+        if (message.message == WM_QUIT) {
+            PostQuitMessage(static_cast<int>(message.wParam));
+            break;
+        }
+        DispatchMessage(&message);
+        ++count;
+    }
+    return count;
+}
+
+void SHeadlessPlatform::UseFakeClock(bool fake) {
+    SetMessageClock(fake ? FakeClock : nullptr, !fake);
+}
+
+void SHeadlessPlatform::AdvanceClock(uint64_t milliseconds) {
+    fakeNow.fetch_add(milliseconds);
+}

@@ -1,0 +1,82 @@
+// SHeadlessPlatform: the platform without a display. Top-level windows are
+// records with a rectangle; a frame is painted on demand into an offscreen
+// Cairo picture (Snapshot). Tests script input with the functions below,
+// and may switch the message clock to a fake one that only moves when told.
+#pragma once
+
+#include <map>
+#include <mutex>
+
+#include "foundation/image.h"
+#include "toolkit/platform/platform.h"
+
+class SHeadlessPlatform : public SPlatform {
+public:
+    struct Surface {
+        SRect rect;
+        SString title;
+        bool visible = false;
+        int showCommand = 0;
+        int alpha = 255;
+        int cursor = 0;
+        int frameRequests = 0;
+    };
+
+    SHeadlessPlatform();
+    ~SHeadlessPlatform() override;
+
+    bool CreateSurface(HWND hwnd, const SRect& rect, const char* title) override;
+    void DestroySurface(HWND hwnd) override;
+    void ShowSurface(HWND hwnd, int command) override;
+    void MoveSurface(HWND hwnd, const SRect& rect) override;
+    void SetSurfaceTitle(HWND hwnd, const char* title) override;
+    void SetSurfaceAlpha(HWND hwnd, int alpha) override;
+    void InvalidateSurface(HWND hwnd) override;
+    void CaptureMouse(HWND hwnd) override;
+    void SetSurfaceCursor(HWND hwnd, int cursorIndex) override;
+    bool SetClipboardText(const char* text) override;
+    SString GetClipboardText() override;
+    bool GetScreenRect(SRect* rect) override;
+    bool GetWorkArea(SRect* rect) override;
+    double GetDpi() override { return 96.0; }
+    unsigned GetModifiers() override;
+    SPoint GetPointer() override;
+
+    // Scripting. Points are in the top-level's client coordinates; each
+    // call posts what the real platform would, then dispatches the queue.
+    void MoveMouse(HWND top, int x, int y, unsigned keyFlags = 0);
+    void Press(HWND top, int x, int y, unsigned downMessage = WM_LBUTTONDOWN);
+    void Release(HWND top, int x, int y, unsigned upMessage = WM_LBUTTONUP);
+    void Click(HWND top, int x, int y);
+    // A key press with the given SKeyboard modifier bits held.
+    void Key(HWND top, unsigned code, unsigned modifiers = 0);
+    void SetModifiers(unsigned modifiers);
+    void SetWorkArea(const SRect& area);
+    void SetScreenRect(const SRect& area);
+    // The user resizes a top-level window.
+    void Resize(HWND top, int width, int height);
+
+    // The frame a top-level window shows now, painted into picture.
+    bool Snapshot(HWND top, SImage* picture);
+    // A copy of a surface's record; false for an unknown one.
+    bool GetSurface(HWND top, Surface* surface);
+    HWND GetCaptured() const { return captured; }
+
+    // Dispatches every queued message of the calling thread (timers
+    // included); returns how many ran.
+    static int DispatchPending();
+    // The fake message clock: starts at 1,000,000 ms and moves only by
+    // AdvanceClock. UseFakeClock(false) restores the real one.
+    static void UseFakeClock(bool fake);
+    static void AdvanceClock(uint64_t milliseconds);
+
+private:
+    mutable std::mutex mutex;
+    std::map<HWND, Surface> surfaces;
+    SString clipboard;
+    SRect workArea{0, 0, 1280, 770};
+    SRect screen{0, 0, 1280, 800};
+    unsigned modifiers = 0;
+    SPoint pointer;
+    HWND captured = 0;
+};

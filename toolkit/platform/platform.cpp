@@ -1,0 +1,28 @@
+#include "toolkit/platform/platform.h"
+
+#include <memory>
+
+#include "toolkit/platform/headless/headless_platform.h"
+
+namespace {
+
+std::unique_ptr<SPlatform>& Current() {
+    static std::unique_ptr<SPlatform> platform;
+    return platform;
+}
+
+} // namespace
+
+SPlatform::~SPlatform() = default;
+
+SPlatform* GetPlatform() {
+    std::unique_ptr<SPlatform>& platform = Current();
+    if (platform == nullptr) {
+        platform = std::make_unique<SHeadlessPlatform>();
+    }
+    return platform.get();
+}
+
+void SetPlatform(SPlatform* platform) {
+    Current().reset(platform);
+}

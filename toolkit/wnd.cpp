@@ -1,0 +1,663 @@
+#include "toolkit/wnd.h"
+
+#include <algorithm>
+#include <map>
+#include <mutex>
+#include <string>
+
+#include "foundation/network.h"
+#include "toolkit/platform/platform.h"
+#include "toolkit/wnd_internal.h"
+
+// The target that binds a handle to its object.
+class SWnd::Port : public SMessageTarget {
+public:
+    explicit Port(SWnd* wnd) : wnd(wnd) {}
+    LRESULT HandleMessage(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam) override {
+        return SWndProc(hwnd, message, wParam, lParam);
+    }
+    SWnd* wnd;
+};
+
+namespace {
+
+std::mutex classMutex;
+std::map<std::string, SWindowProc>& Classes() {
+    static std::map<std::string, SWindowProc> classes;
+    return classes;
+}
+
+} // namespace
+
+ThreadWindowState& ThreadState() {
+    thread_local ThreadWindowState state;
+    return state;
+}
+
+bool RegisterWindowClass(const char* className, SWindowProc procedure) {
+    if (className == nullptr || *className == 0 || procedure == nullptr) {
+        return false;
+    }
+    std::lock_guard<std::mutex> lock(classMutex);
+    Classes()[className] = procedure;
+    return true;
+}
+
+LRESULT SWndProc(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam) {
+    SWnd* wnd = SWnd::FromHandle(hwnd);
+    if (wnd == nullptr) {
+        return DefWindowProc(hwnd, message, wParam, lParam);
+    }
+    LRESULT result = 0;
+    if (wnd->PreMessage(message, &wParam, &lParam, &result)) {
+        result = wnd->OnMessage(message, wParam, lParam);
+    }
+    if (message == WM_GETFONT) {
+        SWnd* still = SWnd::FromHandle(hwnd);
+        if (still != nullptr) {
+            result = reinterpret_cast<LRESULT>(still->font);
+        }
+    }
+    return result;
+}
+
+LRESULT DefWindowProc(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam) {
+    SWnd* wnd = SWnd::FromHandle(hwnd);
+    switch (message) {
+    case WM_CLOSE:
+        if (wnd != nullptr) {
+            wnd->Destroy();
+        }
+        return 0;
+    case WM_ERASEBKGND:
+        return 1;
+    case WM_SETCURSOR:
+        if (wnd != nullptr) {
+            GetPlatform()->SetSurfaceCursor(wnd->GetTopWindow(), 0);
+        }
+        return 1;
+    case WM_SETTEXT:
+        if (wnd != nullptr) {
+            wnd->SetText(reinterpret_cast<const char*>(lParam));
+        }
+        return 1;
+    default:
+        (void)wParam;
+        return 0;
+    }
+}
+
+SWnd::SWnd() {
+    GetWorkArea(&workArea);
+}
+
+SWnd::~SWnd() {
+    Destroy();
+}
+
+SWnd* SWnd::FromHandle(HWND hwnd) {
+    if (hwnd == 0) {
+        return nullptr;
+    }
+    Port* found = dynamic_cast<Port*>(FindTarget(hwnd));
+    return found != nullptr ? found->wnd : nullptr;
+}
+
+void SWnd::ResetState() {
+    oldProc = nullptr;
+    subclassed = false;
+    visibleFlag = true;
+    parent = 0;
+    children.clear();
+    rect = SRect();
+    style = exStyle = 0;
+    id = 0;
+    shown = false;
+    enabled = true;
+    showState = SW_SHOWNORMAL;
+    sizeKind = SIZE_RESTORED;
+    anchor = 0;
+    for (int i = 0; i < 2; ++i) {
+        minSize[i] = maxSize[i] = minClient[i] = maxClient[i] = -1;
+        lineStep[i] = 1;
+        pageStep[i] = 10;
+        scrollGrid[i] = 1;
+        scrollBars[i] = ScrollBar();
+    }
+    paintDepth = 0;
+    shortcutsEnabled = true;
+    isModal = false;
+    enterKey = escapeKey = true;
+    modalResult = 0;
+    caretVisible = caretShown = caretAtPosition = false;
+    cursorEnabled = true;
+    cursor = 0;
+    hotItems.clear();
+    hotIndex = -2;
+    moveByDrag = moveActive = false;
+    tabGroup = tabOrder = -1;
+}
+
+bool SWnd::Create(const char* title, unsigned windowStyle, unsigned windowExStyle,
+                  const SRect* windowRect, HWND parentHandle, uintptr_t menuOrId,
+                  LPARAM userData, void* /*instance*/, bool /*noClose*/) {
+    return CreateWindow(nullptr, title, windowStyle, windowExStyle, windowRect, parentHandle,
+                        menuOrId, userData, nullptr);
+}
+
+bool SWnd::CreateControl(const char* className, const char* title, unsigned windowStyle,
+                         unsigned windowExStyle, const SRect* windowRect, SWnd* parentWnd,
+                         uintptr_t controlId, LPARAM userData) {
+    SWindowProc procedure = nullptr;
+    {
+        std::lock_guard<std::mutex> lock(classMutex);
+        auto it = Classes().find(className != nullptr ? className : "");
+        if (it == Classes().end()) {
+            return false;
+        }
+        procedure = it->second;
+    }
+    return CreateWindow(className, title, windowStyle, windowExStyle, windowRect,
+                        parentWnd != nullptr ? parentWnd->handle : 0, controlId, userData,
+                        procedure);
+}
+
+bool SWnd::CreateWindow(const char* /*className*/, const char* title, unsigned windowStyle,
+                        unsigned windowExStyle, const SRect* windowRect, HWND parentHandle,
+                        uintptr_t windowId, LPARAM userData, SWindowProc classProc) {
+    if (handle != 0) {
+        return false;
+    }
+    ResetState();
+    SWnd* parentWnd = nullptr;
+    if (parentHandle != 0) {
+        parentWnd = FromHandle(parentHandle);
+        if (parentWnd == nullptr || parentWnd->threadId != GetCurrentThreadId()) {
+            return false;
+        }
+        tabOrder = static_cast<int>(parentWnd->children.size());
+    }
+    bool showAfter = (windowStyle & WS_VISIBLE) != 0;
+    style = windowStyle & ~WS_VISIBLE;
+    style |= parentWnd == nullptr ? WS_POPUP : WS_CHILD;
+    exStyle = windowExStyle;
+    enabled = (style & WS_DISABLED) == 0;
+    ComputeFrameFlags();
+    if (RegisterThread() < 0) {
+        return false;
+    }
+    port = std::make_unique<Port>(this);
+    handle = RegisterTarget(port.get());
+    if (handle == 0) {
+        port.reset();
+        return false;
+    }
+    threadId = GetCurrentThreadId();
+    parent = parentHandle;
+    id = windowId;
+    text = title != nullptr ? title : "";
+    rect = windowRect != nullptr ? *windowRect : SRect();
+    normalRect = rect;
+    if (parentWnd != nullptr) {
+        parentWnd->children.push_back(handle);
+    } else if (!GetPlatform()->CreateSurface(handle, rect, text.c_str())) {
+        UnregisterTarget(handle);
+        handle = 0;
+        port.reset();
+        return false;
+    }
+    oldProc = classProc;
+    subclassed = classProc != nullptr;
+    if (SWndProc(handle, SM_CREATE, 0, userData) != 0) {
+        Destroy();
+        return false;
+    }
+    if (showAfter && handle != 0) {
+        Show(SW_SHOW);
+    }
+    return handle != 0;
+}
+
+bool SWnd::Destroy() {
+    if (handle == 0) {
+        return false;
+    }
+    if (shown) {
+        Show(SW_HIDE);
+    }
+    DestroyTree();
+    return true;
+}
+
+void SWnd::DestroyTree() {
+    HWND own = handle;
+    if (own == 0) {
+        return;
+    }
+    SWndProc(own, WM_DESTROY, 0, 0);
+    std::vector<HWND> list = children;
+    for (HWND child : list) {
+        SWnd* wnd = FromHandle(child);
+        if (wnd != nullptr) {
+            wnd->DestroyTree();
+        }
+    }
+    if (handle != own) {
+        return; // destroyed from inside its own WM_DESTROY
+    }
+    ThreadWindowState& state = ThreadState();
+    if (state.focus == own) {
+        state.focus = 0;
+    }
+    if (state.capture == own) {
+        state.capture = 0;
+        GetPlatform()->CaptureMouse(0);
+    }
+    if (state.tracked == own) {
+        state.tracked = 0;
+    }
+    if (state.trackedNonClient == own) {
+        state.trackedNonClient = 0;
+    }
+    for (auto& row : state.clickDown) {
+        for (HWND& down : row) {
+            if (down == own) {
+                down = 0;
+            }
+        }
+    }
+    SWnd* parentWnd = FromHandle(parent);
+    if (parentWnd != nullptr) {
+        std::erase(parentWnd->children, own);
+        parentWnd->Invalidate();
+    } else if (parent == 0) {
+        GetPlatform()->DestroySurface(own);
+    }
+    UnregisterTarget(own);
+    handle = 0;
+    children.clear();
+    dataBlocks.clear();
+    caretShown = false;
+    moveActive = false;
+}
+
+bool SWnd::Close() {
+    if (handle == 0) {
+        return false;
+    }
+    return SendMessage(handle, WM_CLOSE, 0, 0) == 0;
+}
+
+HWND SWnd::GetParent() const {
+    return handle != 0 ? parent : 0;
+}
+
+HWND SWnd::GetTopWindow() const {
+    const SWnd* wnd = this;
+    while (wnd != nullptr && wnd->parent != 0) {
+        SWnd* up = FromHandle(wnd->parent);
+        if (up == nullptr) {
+            break;
+        }
+        wnd = up;
+    }
+    return wnd != nullptr ? wnd->handle : 0;
+}
+
+uintptr_t SWnd::GetId() const {
+    return handle != 0 ? id : 0;
+}
+
+LRESULT SWnd::DefaultProc(unsigned message, WPARAM wParam, LPARAM lParam) {
+    if (oldProc != nullptr) {
+        return oldProc(handle, message, wParam, lParam);
+    }
+    return DefWindowProc(handle, message, wParam, lParam);
+}
+
+LRESULT SWnd::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
+    if (message == SM_PARENT_SIZE) {
+        ApplyAnchor();
+    }
+    return DefaultProc(message, wParam, lParam);
+}
+
+void SWnd::PrintTo(cairo_t* cr, unsigned /*flags*/) {
+    PaintTree(cr);
+}
+
+void SWnd::SetBackColor(uint32_t color) {
+    backColor = color;
+    Invalidate();
+}
+
+uint32_t SWnd::GetBackColor() const {
+    return backColor;
+}
+
+void SWnd::ComputeFrameFlags() {
+    isFramed = (style & (WS_BORDER | WS_THICKFRAME)) != 0 ||
+               (exStyle & (WS_EX_CLIENTEDGE | WS_EX_STATICEDGE | WS_EX_WINDOWEDGE)) != 0;
+    isCaptioned = (style & WS_SYSMENU) != 0 && (style & WS_CAPTION) == WS_CAPTION;
+}
+
+bool SWnd::Show(int command) {
+    if (handle == 0) {
+        return false;
+    }
+    bool wasShown = shown;
+    bool show = command != SW_HIDE;
+    if (show != shown) {
+        shown = show;
+        SendMessage(handle, WM_SHOWWINDOW, show ? 1 : 0, 0);
+    }
+    if (handle == 0) {
+        return wasShown;
+    }
+    if (parent == 0) {
+        GetPlatform()->ShowSurface(handle, command);
+    }
+    if (command == SW_SHOWMINIMIZED || command == SW_MINIMIZE) {
+        Minimize();
+    } else if (command == SW_SHOWMAXIMIZED) {
+        Maximize();
+    } else if (command == SW_RESTORE) {
+        Restore(false);
+    }
+    Invalidate();
+    return wasShown;
+}
+
+bool SWnd::IsVisible() const {
+    const SWnd* wnd = this;
+    while (wnd != nullptr) {
+        if (wnd->handle == 0 || !wnd->shown) {
+            return false;
+        }
+        if (wnd->parent == 0) {
+            return true;
+        }
+        wnd = FromHandle(wnd->parent);
+    }
+    return false;
+}
+
+bool SWnd::Enable(bool enable) {
+    if (handle == 0) {
+        return false;
+    }
+    bool was = enabled;
+    if (enable != enabled) {
+        enabled = enable;
+        style = enable ? (style & ~WS_DISABLED) : (style | WS_DISABLED);
+        SendMessage(handle, WM_ENABLE, enable ? 1 : 0, 0);
+        Invalidate();
+    }
+    return !was;
+}
+
+bool SWnd::IsEnabled() const {
+    return handle != 0 && enabled;
+}
+
+SString SWnd::GetText() const {
+    return handle != 0 ? text : SString();
+}
+
+void SWnd::SetText(const char* value) {
+    if (handle == 0) {
+        return;
+    }
+    text = value != nullptr ? value : "";
+    if (parent == 0) {
+        GetPlatform()->SetSurfaceTitle(handle, text.c_str());
+    }
+    Invalidate();
+}
+
+void SWnd::SetRedraw(bool enable, bool repaint) {
+    visibleFlag = enable;
+    if (enable && repaint) {
+        Invalidate();
+    }
+}
+
+void SWnd::Invalidate(const SRect* /*rect*/) {
+    if (handle == 0 || !visibleFlag) {
+        return;
+    }
+    HWND top = GetTopWindow();
+    if (top != 0) {
+        GetPlatform()->InvalidateSurface(top);
+    }
+}
+
+void SWnd::SetLayered(bool layered) {
+    exStyle = layered ? (exStyle | WS_EX_LAYERED) : (exStyle & ~WS_EX_LAYERED);
+}
+
+void SWnd::SetAlpha(int value) {
+    alpha = std::clamp(value, 0, 255);
+    if (handle == 0) {
+        return;
+    }
+    if (parent == 0) {
+        GetPlatform()->SetSurfaceAlpha(handle, alpha);
+    } else {
+        Invalidate();
+    }
+}
+
+void SWnd::SetCaret(int height, int width, int x, int y, bool atPosition) {
+    caretHeight = height;
+    caretWidth = width;
+    caretX = x;
+    caretY = y;
+    caretAtPosition = atPosition;
+    caretVisible = true;
+    if (handle != 0 && GetFocus() == handle) {
+        caretShown = true;
+        Invalidate();
+    }
+}
+
+bool SWnd::GetCursorPosition(SPoint* point) const {
+    if (point == nullptr || handle == 0) {
+        return false;
+    }
+    *point = GetPlatform()->GetPointer();
+    ScreenToClient(point);
+    return true;
+}
+
+void SWnd::SetMinMax(int minWidth, int minHeight, int maxWidth, int maxHeight) {
+    minSize[0] = minWidth;
+    minSize[1] = minHeight;
+    maxSize[0] = maxWidth;
+    maxSize[1] = maxHeight;
+}
+
+void SWnd::SetHotItems(const std::vector<SRect>& items) {
+    hotItems = items;
+    hotIndex = -2;
+}
+
+// Enumeration.
+
+int SWnd::GetChildren(SArray<SWnd*>* result, SArray<SWnd*>* exclude, bool recursive,
+                      int wantedType) const {
+    int count = 0;
+    for (HWND child : children) {
+        SWnd* wnd = FromHandle(child);
+        if (wnd == nullptr) {
+            continue;
+        }
+        bool excluded = exclude != nullptr && exclude->Find(wnd) >= 0;
+        if (!excluded && (wantedType == -1 || wnd->type == wantedType)) {
+            if (result != nullptr) {
+                result->Add(wnd);
+            }
+            ++count;
+        }
+        if (recursive) {
+            count += wnd->GetChildren(result, exclude, true, wantedType);
+        }
+    }
+    return count;
+}
+
+int SWnd::GetChildHandles(SArray<HWND>* result, SArray<HWND>* exclude, bool recursive) const {
+    int count = 0;
+    for (HWND child : children) {
+        if (exclude == nullptr || exclude->Find(child) < 0) {
+            if (result != nullptr) {
+                result->Add(child);
+            }
+            ++count;
+        }
+        SWnd* wnd = FromHandle(child);
+        if (recursive && wnd != nullptr) {
+            count += wnd->GetChildHandles(result, exclude, true);
+        }
+    }
+    return count;
+}
+
+int SWnd::GetSiblings(SArray<SWnd*>* result, SArray<SWnd*>* exclude, int wantedType) const {
+    SWnd* parentWnd = FromHandle(parent);
+    if (parentWnd == nullptr) {
+        return 0;
+    }
+    int count = 0;
+    for (HWND child : parentWnd->children) {
+        SWnd* wnd = FromHandle(child);
+        if (wnd == nullptr || wnd == this || (exclude != nullptr && exclude->Find(wnd) >= 0)) {
+            continue;
+        }
+        if (wantedType == -1 || wnd->type == wantedType) {
+            if (result != nullptr) {
+                result->Add(wnd);
+            }
+            ++count;
+        }
+    }
+    return count;
+}
+
+int SWnd::GetOrphans(SArray<SWnd*>* result) const {
+    HWND handles[4096];
+    int total = GetThreadTargets(handles, 4096);
+    int count = 0;
+    for (int i = 0; i < total; ++i) {
+        SWnd* wnd = FromHandle(handles[i]);
+        if (wnd != nullptr && wnd->parent == 0 && wnd->shown) {
+            if (result != nullptr) {
+                result->Add(wnd);
+            }
+            ++count;
+        }
+    }
+    return count;
+}
+
+SWnd* SWnd::GetNextInTabOrder() const {
+    SWnd* parentWnd = FromHandle(parent);
+    if (parentWnd == nullptr || tabGroup == -1) {
+        return nullptr;
+    }
+    SWnd* next = nullptr;
+    SWnd* first = nullptr;
+    for (HWND child : parentWnd->children) {
+        SWnd* wnd = FromHandle(child);
+        if (wnd == nullptr || wnd->tabGroup != tabGroup || wnd->tabOrder < 0 || !wnd->shown ||
+            !wnd->enabled) {
+            continue;
+        }
+        if (first == nullptr || wnd->tabOrder < first->tabOrder) {
+            first = wnd;
+        }
+        if (wnd->tabOrder > tabOrder && (next == nullptr || wnd->tabOrder < next->tabOrder)) {
+            next = wnd;
+        }
+    }
+    return next != nullptr ? next : first;
+}
+
+HWND SWnd::ChildFromPoint(SPoint point) const {
+    for (auto it = children.rbegin(); it != children.rend(); ++it) {
+        SWnd* wnd = FromHandle(*it);
+        if (wnd == nullptr || !wnd->shown || !wnd->enabled || !wnd->rect.Contains(point)) {
+            continue;
+        }
+        int left = 0, top = 0, right = 0, bottom = 0;
+        wnd->GetFrameWidths(&left, &top, &right, &bottom);
+        SPoint inner{point.x - wnd->rect.left - left, point.y - wnd->rect.top - top};
+        if (!wnd->GetClientRect().Contains(inner)) {
+            return wnd->handle;
+        }
+        return wnd->ChildFromPoint(inner);
+    }
+    return handle;
+}
+
+// Thread-wide state.
+
+HWND GetFocus() {
+    return ThreadState().focus;
+}
+
+HWND SetFocus(HWND hwnd) {
+    ThreadWindowState& state = ThreadState();
+    HWND old = state.focus;
+    if (old == hwnd) {
+        return old;
+    }
+    state.focus = hwnd;
+    if (old != 0) {
+        SendMessage(old, WM_KILLFOCUS, hwnd, 0);
+    }
+    if (hwnd != 0 && state.focus == hwnd) {
+        SendMessage(hwnd, WM_SETFOCUS, old, 0);
+    }
+    return old;
+}
+
+HWND GetCapture() {
+    return ThreadState().capture;
+}
+
+HWND SetCapture(HWND hwnd) {
+    ThreadWindowState& state = ThreadState();
+    HWND old = state.capture;
+    state.capture = hwnd;
+    SWnd* wnd = SWnd::FromHandle(hwnd);
+    GetPlatform()->CaptureMouse(wnd != nullptr ? wnd->GetTopWindow() : 0);
+    if (old != 0 && old != hwnd) {
+        SendMessage(old, WM_CAPTURECHANGED, 0, static_cast<LPARAM>(hwnd));
+    }
+    return old;
+}
+
+void ReleaseCapture() {
+    ThreadWindowState& state = ThreadState();
+    HWND old = state.capture;
+    if (old == 0) {
+        return;
+    }
+    state.capture = 0;
+    GetPlatform()->CaptureMouse(0);
+    SendMessage(old, WM_CAPTURECHANGED, 0, 0);
+}
+
+bool TrackMouseEvent(unsigned flags, HWND hwnd) {
+    ThreadWindowState& state = ThreadState();
+    HWND& tracked = (flags & TME_NONCLIENT) != 0 ? state.trackedNonClient : state.tracked;
+    if ((flags & TME_QUERY) != 0) {
+        return hwnd != 0 && tracked == hwnd;
+    }
+    if ((flags & TME_LEAVE) != 0) {
+        tracked = hwnd;
+        return true;
+    }
+    return false;
+}

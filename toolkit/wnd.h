@@ -1,0 +1,347 @@
+// SWnd: the base of every window and control. One object is tied to one
+// window of the toolkit's tree, known by an integer handle; its messages
+// become virtual calls (slot 19 PreMessage, slot 20 OnMessage) and the
+// toolkit's own vocabulary (clicks, enter and leave, hot items, drag-move,
+// shortcuts, anchoring, backgrounds). Top-level windows are platform
+// surfaces; children are drawn by the toolkit.
+//
+// Everything here runs on the thread that owns the window; other threads
+// post. The object outlives its window: Destroy clears the handle, nothing
+// deletes the object for its owner.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "foundation/array.h"
+#include "foundation/geometry.h"
+#include "foundation/image.h"
+#include "foundation/message.h"
+#include "foundation/string.h"
+#include "toolkit/messages.h"
+
+typedef struct _cairo cairo_t;
+using HCURSOR = int; // an index of the cursor table plus 1; 0 is none
+
+// A window procedure of a registered class (CreateControl).
+using SWindowProc = LRESULT (*)(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam);
+
+// The default handling of messages for windows of the toolkit.
+LRESULT DefWindowProc(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam);
+// The procedure of every toolkit window: slot 19, then slot 20.
+LRESULT SWndProc(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam);
+// Registers a class for CreateControl; its procedure becomes oldProc.
+bool RegisterWindowClass(const char* className, SWindowProc procedure);
+
+// Thread-wide window state, each for the calling thread.
+HWND GetFocus();
+HWND SetFocus(HWND hwnd);        // returns the previous focus
+HWND GetCapture();
+HWND SetCapture(HWND hwnd);      // returns the previous capture
+void ReleaseCapture();
+// Starts (TME_LEAVE) or queries (TME_QUERY, result true when tracking
+// hwnd) leave tracking; TME_NONCLIENT for the frame.
+bool TrackMouseEvent(unsigned flags, HWND hwnd);
+
+// A data block built by SM_DATA_ALLOC, SM_DATA_SET_WORD and
+// SM_DATA_FINISH; SM_DATA_READY hands it (wParam) to the window itself.
+struct SDataBlock {
+    uintptr_t tag = 0;
+    int size = 0;           // as asked
+    uint32_t value = 0;     // given by SM_DATA_FINISH
+    std::vector<uint8_t> bytes; // size padded to a multiple of 4 (4 more when
+                                // already one) plus 16; the first 4 hold the
+                                // word of SM_DATA_SET_WORD, high byte first
+};
+
+class SWnd {
+public:
+    SWnd();
+    SWnd(const SWnd&) = delete;
+    SWnd& operator=(const SWnd&) = delete;
+    virtual ~SWnd(); // slot 0
+
+    // Creation. rect is in the parent's client coordinates (screen for a
+    // top-level window); parent 0 makes a top-level window. The window is
+    // shown after SM_CREATE when style holds WS_VISIBLE.
+    bool Create(const char* title, unsigned style, unsigned exStyle, const SRect* rect,
+                HWND parent, uintptr_t menuOrId = 0, LPARAM userData = 0, void* instance = nullptr,
+                bool noClose = false);
+    bool CreateControl(const char* className, const char* title, unsigned style,
+                       unsigned exStyle, const SRect* rect, SWnd* parent, uintptr_t id,
+                       LPARAM userData = 0);
+    bool Destroy();
+    // Sends WM_CLOSE; true when the result is 0.
+    bool Close();
+
+    static SWnd* FromHandle(HWND hwnd);
+    HWND GetHandle() const { return handle; }
+    unsigned GetThreadId() const { return threadId; }
+    int GetType() const { return type; }
+    void SetType(int value) { type = value; }
+    HWND GetParent() const;
+    SWnd* GetParentWnd() const { return FromHandle(GetParent()); }
+    // The top-level window of the tree this window is in.
+    HWND GetTopWindow() const;
+    uintptr_t GetId() const;
+
+    // Geometry. Rectangles of a child are in its parent's client coordinates.
+    SRect GetClientRect() const;
+    SRect GetWindowRect() const; // in screen coordinates
+    SRect GetRect() const;       // in the parent's client coordinates
+    SSize GetClientSize() const;
+    int GetClientWidth() const;
+    int GetClientHeight() const;
+    SSize GetSize() const;
+    int GetWidth() const;
+    int GetHeight() const;
+    void GetFrameWidths(int* left, int* top, int* right, int* bottom) const;
+    void GetClientOffset(SRect* offset) const;
+    void SetClientHeight(int height);
+    void SetClientSize(int width, int height);
+    void SetSize(int width, int height);
+    // Moves and sizes the window (parent coordinates), sending WM_MOVE and
+    // WM_SIZE, and SM_PARENT_SIZE to each child when the size changed.
+    bool MoveWindow(const SRect& rect, bool repaint = true);
+    void ScreenToClient(SPoint* point) const;
+    void ClientToScreen(SPoint* point) const;
+    void ScreenToClient(SRect* rect) const;
+    void ClientToScreen(SRect* rect) const;
+    void CenterOnParent(bool useParent);
+    void Minimize();
+    void Maximize();
+    void Restore(bool force);
+    bool IsMinimized() const { return showState == SW_SHOWMINIMIZED; }
+    bool IsMaximized() const { return showState == SW_SHOWMAXIMIZED; }
+
+    // Visibility and state.
+    bool Show(int command);
+    bool IsVisible() const; // this window and all its parents
+    bool Enable(bool enable);
+    bool IsEnabled() const;
+    unsigned GetStyle() const { return style; }
+    unsigned GetExStyle() const { return exStyle; }
+    SString GetText() const;
+    void SetText(const char* text);
+
+    // Window state.
+    void SetAnchor(unsigned anchor);
+    unsigned GetAnchor() const { return anchor; }
+    void SetCaret(int height, int width, int x, int y, bool atPosition);
+    bool IsCaretShown() const { return caretShown; }
+    void SetCursor(HCURSOR cursor) { this->cursor = cursor; }
+    void EnableCursor(bool enable) { cursorEnabled = enable; }
+    bool GetCursorPosition(SPoint* point) const;
+    void SetToolTip(bool enable) { toolTip = enable; }
+    void SetLayered(bool layered);
+    void SetAlpha(int alpha);
+    // Backgrounds. The image is copied; slices (image coordinates of the
+    // stretchable centre) make a nine-slice; keyColor turns a colour clear.
+    bool SetBackgroundImage(const SImage* image, uint32_t keyColor = 0xFF000000, int alpha = 255,
+                            const SRect* slices = nullptr, bool redraw = true);
+    bool SetBackgroundResource(const char* type, unsigned id, uint32_t keyColor = 0xFF000000,
+                               int alpha = 255, const SRect* slices = nullptr,
+                               bool redraw = true);
+    // Four pictures, normal, hot, down, disabled; each copied. Null leaves
+    // a state without a picture of its own (normal is used).
+    void SetSkin(const SImage* normal, const SImage* hot, const SImage* down,
+                 const SImage* disabled);
+    bool SetSkinFiles(const char* normal, const char* hot, const char* down,
+                      const char* disabled);
+    void SetSkinState(bool hot, bool down);
+    // The skin picture the present state selects: 0 normal, 1 hot, 2 down,
+    // 3 disabled.
+    int GetSkinIndex() const;
+    void SetRedraw(bool enable, bool repaint);
+    // Asks for a repaint of the window (its top-level's surface is redrawn).
+    void Invalidate(const SRect* rect = nullptr);
+    // Paints the window and its children now onto cr, whose origin is the
+    // window's client origin.
+    void PaintTree(cairo_t* cr);
+    // Paints this window's background into cr (client coordinates) at
+    // width by height.
+    void PaintBackground(cairo_t* cr, int width, int height);
+    void PaintImage(cairo_t* cr, int width, int height);
+
+    // Bounds in the settings store under Software\company\product.
+    bool SaveBounds(const char* company, const char* product, const char* valueName);
+    bool RestoreBounds(const char* company, const char* product, const char* valueName,
+                       bool keepHidden);
+
+    // Scrolling of the window's own scroll bars (bar 0 horizontal, 1 vertical).
+    void SetScrollRange(int bar, int minimum, int maximum);
+    void SetScrollPosition(int bar, int position);
+    int GetScrollPosition(int bar) const;
+    void SetScrollSteps(int bar, int line, int page, int grid);
+
+    // Enumeration.
+    int GetChildren(SArray<SWnd*>* result, SArray<SWnd*>* exclude = nullptr,
+                    bool recursive = false, int type = -1) const;
+    int GetChildHandles(SArray<HWND>* result, SArray<HWND>* exclude = nullptr,
+                        bool recursive = false) const;
+    int GetSiblings(SArray<SWnd*>* result, SArray<SWnd*>* exclude = nullptr, int type = -1) const;
+    // The visible top-level windows of this thread.
+    int GetOrphans(SArray<SWnd*>* result) const;
+    SWnd* GetNextInTabOrder() const;
+    // The deepest visible, enabled window under a point of this window's
+    // client area (this window when no child is there).
+    HWND ChildFromPoint(SPoint point) const;
+
+    // Accessors of the fields.
+    void SetShortcuts(bool enabled, unsigned mask) {
+        shortcutsEnabled = enabled;
+        shortcutMask = mask;
+    }
+    void SetMoveByDrag(bool enable) { moveByDrag = enable; }
+    void SetMinMax(int minWidth, int minHeight, int maxWidth, int maxHeight);
+    void SetHotItems(const std::vector<SRect>& items);
+    int GetHotIndex() const { return hotIndex; }
+    void SetTabOrder(int group, int order) {
+        tabGroup = group;
+        tabOrder = order;
+    }
+    int GetTabGroup() const { return tabGroup; }
+    int GetTabOrder() const { return tabOrder; }
+    bool IsModal() const { return isModal; }
+    void SetModal(bool modal) { isModal = modal; }
+    bool enterKey = true;
+    bool escapeKey = true;
+    int modalResult = 0;
+
+    // Slots 1 to 29.
+    virtual void PrintTo(cairo_t* cr, unsigned flags);
+    virtual void SetBackColor(uint32_t color);
+    virtual uint32_t GetBackColor() const;
+    virtual void OnUndo() {}
+    virtual void OnCut() {}
+    virtual void OnCopy() {}
+    virtual void OnPaste() {}
+    virtual void OnDelete() {}
+    virtual void OnSelectAll() {}
+    virtual void OnFind() {}
+    virtual void OnReplace() {}
+    virtual void OnGoTo() {}
+    virtual void OnPrint() {}
+    virtual void OnEscape() {}
+    virtual void OnNew() {}
+    virtual void OnOpen() {}
+    virtual void OnSave() {}
+    virtual void OnSaveAs() {}
+    // Sees every message first; may change the values or set the result.
+    // True lets OnMessage run.
+    virtual bool PreMessage(unsigned message, WPARAM* wParam, LPARAM* lParam, LRESULT* result);
+    // The handler; the default ends in the window's default procedure.
+    virtual LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam);
+    virtual LRESULT OnColorDialog(cairo_t*) { return 0; }
+    virtual LRESULT OnColorButton(cairo_t*) { return 0; }
+    virtual LRESULT OnColorEdit(cairo_t*) { return 0; }
+    virtual LRESULT OnColorList(cairo_t*) { return 0; }
+    virtual LRESULT OnColorScrollBar(cairo_t*) { return 0; }
+    virtual LRESULT OnColorStatic(cairo_t*) { return 0; }
+    virtual void OnHotEnter(int /*item*/, int /*x*/, int /*y*/, int /*index*/) {}
+    virtual void OnHotMove(int /*item*/, int /*x*/, int /*y*/, int /*index*/) {}
+    virtual void OnHotLeave(int /*item*/, int /*x*/, int /*y*/, int /*index*/) {}
+
+    // The default procedure: the class procedure of a control, else
+    // DefWindowProc.
+    LRESULT DefaultProc(unsigned message, WPARAM wParam, LPARAM lParam);
+
+    // The desktop work area when the object was made.
+    SRect workArea;
+
+private:
+    friend LRESULT SWndProc(HWND, unsigned, WPARAM, LPARAM);
+    friend LRESULT DefWindowProc(HWND, unsigned, WPARAM, LPARAM);
+    friend struct SWndInternals;
+    class Port;
+
+    void ResetState();
+    bool CreateWindow(const char* className, const char* title, unsigned style,
+                      unsigned exStyle, const SRect* rect, HWND parent, uintptr_t id,
+                      LPARAM userData, SWindowProc classProc);
+    void DestroyTree(); // WM_DESTROY down the tree, then WM_NCDESTROY up
+    void ComputeFrameFlags();
+    void ApplyAnchor();
+    bool HandleKeyDown(unsigned key);
+    void HandleClick(unsigned message, LPARAM lParam, bool nonClient);
+    void HandleHotMove(LPARAM lParam);
+    void HandleScroll(int bar, WPARAM wParam);
+    void HandleDrop(WPARAM wParam);
+    void PaintCaret(cairo_t* cr);
+    bool HandleDataBlock(unsigned message, WPARAM wParam, LPARAM lParam, LRESULT* result);
+
+    // Identity.
+    unsigned threadId = 0;
+    SWindowProc oldProc = nullptr;
+    bool subclassed = false;
+    HWND handle = 0;
+    int type = 0;
+    bool visibleFlag = true;
+    std::unique_ptr<Port> port;
+
+    // The window itself (what the windowing system keeps on other
+    // platforms): tree, rectangle, style, text.
+    HWND parent = 0;
+    std::vector<HWND> children; // paint order, first painted first
+    SRect rect;                 // parent client coordinates (screen for a top-level)
+    unsigned style = 0;
+    unsigned exStyle = 0;
+    uintptr_t id = 0;
+    bool shown = false;
+    bool enabled = true;
+    int showState = SW_SHOWNORMAL;
+    unsigned sizeKind = SIZE_RESTORED; // the kind of the last WM_SIZE
+    SRect normalRect;
+    SString text;
+    struct ScrollBar {
+        int minimum = 0;
+        int maximum = 100;
+        int position = 0;
+    } scrollBars[2];
+
+    unsigned anchor = 0;
+    SSize anchorParentSize;
+    SRect anchorRect;
+    int minSize[2] = {-1, -1};
+    int maxSize[2] = {-1, -1};
+    int minClient[2] = {-1, -1};
+    int maxClient[2] = {-1, -1};
+    bool isFramed = false;
+    bool isCaptioned = false;
+    int paintDepth = 0;
+    int lineStep[2] = {1, 1};
+    int pageStep[2] = {10, 10};
+    int scrollGrid[2] = {1, 1};
+    bool shortcutsEnabled = true;
+    unsigned shortcutMask = 0x7FFF;
+    bool isModal = false;
+    bool caretVisible = false;
+    bool caretShown = false;
+    int caretHeight = 0;
+    int caretWidth = 0;
+    bool caretAtPosition = false;
+    int caretX = 0;
+    int caretY = 0;
+    bool cursorEnabled = true;
+    HCURSOR cursor = 0;
+    std::vector<SRect> hotItems;
+    int hotIndex = -2;
+    bool moveByDrag = false;
+    bool moveActive = false;
+    SPoint moveOffset;
+    std::unique_ptr<SImage[]> skinImages; // four, or null
+    bool skinHot = false;
+    bool skinDown = false;
+    bool skinDisabled = false;
+    bool skinEnabled = false;
+    SImage background;
+    uint32_t backColor = 0xFF000000;
+    SRect backgroundSlices;
+    int tabGroup = -1;
+    int tabOrder = -1;
+    bool toolTip = false;
+    int alpha = 255;
+    void* font = nullptr;
+    std::vector<std::unique_ptr<SDataBlock>> dataBlocks; // a free row is null
+};
