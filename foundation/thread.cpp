@@ -34,8 +34,7 @@ LRESULT SThread::_SWnd::HandleMessage(HWND, unsigned message, WPARAM wParam, LPA
 SThread::SThread() : ownerWindow(this) {}
 
 SThread::~SThread() {
-    RequestStop();
-    JoinThread();
+    StopAndJoin();
     active.store(false);
     FreeAllValues();
 }
@@ -78,6 +77,11 @@ void SThread::RequestStop() {
     if (worker != 0) {
         PostThreadMessage(worker, WM_QUIT, 0, 0);
     }
+}
+
+void SThread::StopAndJoin() {
+    RequestStop();
+    JoinThread();
 }
 
 void SThread::JoinThread() {
