@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <string>
 #include <thread>
 #include <vector>
@@ -20,16 +21,25 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-double BuildOnce(const char* root, const std::string& bookPath, int threads) {
+struct Timing {
+    double wall = 0;
+    double cpu = 0; // all threads of the process
+};
+
+Timing BuildOnce(const char* root, const std::string& bookPath, int threads) {
     PBook book;
     book.SetRoot(root);
     book.threads = threads;
     Clock::time_point start = Clock::now();
+    std::clock_t cpuStart = std::clock();
     if (!book.BuildBook(bookPath.c_str(), true)) {
         fprintf(stderr, "bench_book: the Book could not be written at %s\n", bookPath.c_str());
         exit(1);
     }
-    return std::chrono::duration<double>(Clock::now() - start).count();
+    Timing timing;
+    timing.wall = std::chrono::duration<double>(Clock::now() - start).count();
+    timing.cpu = static_cast<double>(std::clock() - cpuStart) / CLOCKS_PER_SEC;
+    return timing;
 }
 
 double Median(std::vector<double> values) {
@@ -82,15 +92,22 @@ int main(int argc, char** argv) {
 
     std::vector<double> parallel;
     std::vector<double> single;
+    std::vector<double> parallelCpu;
+    std::vector<double> singleCpu;
     for (int round = 0; round < rounds; ++round) {
-        parallel.push_back(BuildOnce(root, out + "/parallel/Book.htm", 0));
-        single.push_back(BuildOnce(root, out + "/single/Book.htm", 1));
+        Timing timing = BuildOnce(root, out + "/parallel/Book.htm", 0);
+        parallel.push_back(timing.wall);
+        parallelCpu.push_back(timing.cpu);
+        timing = BuildOnce(root, out + "/single/Book.htm", 1);
+        single.push_back(timing.wall);
+        singleCpu.push_back(timing.cpu);
     }
     int files = 0;
     bool isSame = SameOutput(out + "/parallel", out + "/single", files);
     printf("folders:             %d\n", count);
-    printf("all cores (%u):       %.2f s\n", cores, Median(parallel));
-    printf("one thread:          %.2f s\n", Median(single));
+    printf("all cores (%u):       %.2f s wall, %.2f s CPU\n", cores, Median(parallel),
+           Median(parallelCpu));
+    printf("one thread:          %.2f s wall, %.2f s CPU\n", Median(single), Median(singleCpu));
     printf("speed-up:            %.2f\n", Median(single) / Median(parallel));
     printf("identical output:    %s (%d files compared)\n", isSame ? "yes" : "NO", files);
     return isSame ? 0 : 1;
