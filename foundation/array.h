@@ -19,6 +19,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "foundation/random.h"
 #include "foundation/string.h"
 
 // Bits of the flags handed to every comparison.
@@ -122,6 +123,12 @@ public:
     // Removes every equal item in the range without destroying it; returns
     // how many.
     int RemoveEqual(const T& item, int start = 0, int end = -1, void* extra = nullptr);
+    // Puts the range in a random order drawn from the calling thread's
+    // generator (NextRandom), the same order for the same seed everywhere:
+    // for each place from the start up, the item at the truncation of
+    // NextRandom() / 32768.0 * n among the n not yet placed is taken, and
+    // the remaining ones close the gap.
+    void Shuffle(int start = 0, int end = -1);
 
     // Virtual operations, in this order. The extra argument is the caller's,
     // passed through untouched.
@@ -434,6 +441,27 @@ template <typename T> int SArray<T>::RemoveEqual(const T& item, int start, int e
         Reallocate(count - removed, true);
     }
     return removed;
+}
+
+template <typename T> void SArray<T>::Shuffle(int start, int end) {
+    if (!ClampRange(start, end)) {
+        return;
+    }
+    const int total = end - start;
+    T* remaining = static_cast<T*>(std::malloc(sizeof(T) * size_t(total)));
+    if (remaining == nullptr) {
+        return;
+    }
+    std::memcpy(static_cast<void*>(remaining), items + start, sizeof(T) * size_t(total));
+    int left = total;
+    for (int place = start; place < end; ++place) {
+        int index = int(NextRandom() / 32768.0 * left);
+        items[place] = remaining[index];
+        std::memmove(static_cast<void*>(remaining + index), remaining + index + 1,
+                     sizeof(T) * size_t(left - index - 1));
+        --left;
+    }
+    std::free(remaining);
 }
 
 template <typename T> void SArray<T>::Assign(const SArray& other) {

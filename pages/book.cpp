@@ -13,8 +13,9 @@
 #include "foundation/file.h"
 #include "foundation/path.h"
 #include "foundation/timer.h"
+#include "library/media.h"
+#include "library/metadata.h"
 #include "pages/book_images.h"
-#include "pages/book_media.h"
 #include "pages/description.h"
 #include "pages/resources.h"
 
@@ -43,7 +44,7 @@ struct ImageJob {
     int k = 0;
     int level = 0;
     SString name;
-    SStringArray candidates; // covers to try, in order
+    SString folder;
 };
 
 bool WriteWholeFile(const SString& path, const void* data, int size) {
@@ -61,8 +62,9 @@ bool WriteWholeFile(const SString& path, const void* data, int size) {
 // pictures are made on the caller's thread as they come.
 class ImageWorkers {
 public:
-    ImageWorkers(const SString& folder, const SFileMem& defaultJpeg, int count)
-        : folder(folder), defaultJpeg(defaultJpeg) {
+    ImageWorkers(const SString& folder, const PCovers& covers, const SFileMem& defaultJpeg,
+                 int count)
+        : folder(folder), covers(covers), defaultJpeg(defaultJpeg) {
         for (int i = 0; count > 1 && i < count; ++i) {
             threads.emplace_back([this] { Serve(); });
         }
@@ -138,11 +140,14 @@ private:
 
     void Make(const ImageJob& job, PBannerPainter& bannerPainter) const {
         SString base = folder + "book" + SString::FromInt(job.k);
+        // The cover is looked for here too, off the thread that writes the
+        // page. A cover that does not decode gives the default picture.
+        // FIXME: pass to the next place of the cover order instead, as
+        // PCovers::LoadCover does, once the collection layer can list the
+        // places in order.
         SFileMem jpeg;
-        bool hasCover = false;
-        for (int i = 0; i < job.candidates.GetCount() && !hasCover; ++i) {
-            hasCover = MakeCoverThumbnail(job.candidates.GetAt(i)->c_str(), jpeg);
-        }
+        SString cover = covers.FindCover(job.folder.c_str());
+        bool hasCover = !cover.IsEmpty() && MakeCoverThumbnail(cover.c_str(), jpeg);
         if (hasCover) {
             WriteWholeFile(base + ".jpg", jpeg.GetData(), jpeg.GetSize());
         } else if (defaultJpeg.GetSize() > 0) {
@@ -157,6 +162,7 @@ private:
     }
 
     SString folder;
+    const PCovers& covers; // read only, shared by the threads
     const SFileMem& defaultJpeg;
     std::unique_ptr<PBannerPainter> painter; // the one-thread case
     std::vector<std::thread> threads;
@@ -237,6 +243,11 @@ std::string Text(const SString& text) {
 void PBook::SetRoot(const char* folder) {
     SPath path;
     root = path.SetFolder(folder != nullptr ? folder : "") ? path.GetFullPath() : SString("");
+    covers.SetRoot(root.c_str());
+}
+
+void PBook::SetImageNames(const char* setting) {
+    covers.SetSharedNames(setting != nullptr ? setting : "");
 }
 
 SString PBook::GetDefaultBookPath() const {
@@ -300,14 +311,10 @@ bool PBook::BuildBook(const char* bookPath, bool makeImages) {
     int threadCount = threads > 0 ? threads : static_cast<int>(std::thread::hardware_concurrency());
     std::unique_ptr<ImageWorkers> workers;
     if (makeImages) {
-        workers = std::make_unique<ImageWorkers>(imageFolder, defaultJpeg, std::max(threadCount, 1));
+        workers = std::make_unique<ImageWorkers>(imageFolder, covers, defaultJpeg,
+                                                 std::max(threadCount, 1));
     }
 
-    PFolderFiles rootFiles;
-    rootFiles.Read(root.c_str());
-    // The listing of the folder at each level along the walk: a folder's
-    // parent is always the last one listed a level above it.
-    std::vector<PFolderFiles> listings;
     const std::string stemText = Text(stem);
     int prevDepth = rootCount;
     for (int i = 0; i < count; ++i) {
@@ -320,14 +327,9 @@ bool PBook::BuildBook(const char* bookPath, bool makeImages) {
         if (level < 0) {
             continue;
         }
-        if (static_cast<int>(listings.size()) <= level) {
-            listings.resize(static_cast<size_t>(level) + 1);
-        }
-        PFolderFiles& own = listings[static_cast<size_t>(level)];
-        own.Read(folder.c_str());
-        const PFolderFiles& parent = level == 0 ? rootFiles : listings[static_cast<size_t>(level) - 1];
+        // Songs, videos and radios of the folder itself, sorted.
         SStringArray media;
-        own.GetMedia(media);
+        CollectMedia(media, folder.c_str(), false, true, true, false, false, false);
 
         for (int close = prevDepth - depth + 1; close > 0; --close) {
             page.Line("</tr>");
@@ -341,7 +343,7 @@ bool PBook::BuildBook(const char* bookPath, bool makeImages) {
             job.k = k;
             job.level = level;
             job.name = name;
-            GetCoverCandidates(name, parent, rootFiles, own, imageNames, job.candidates);
+            job.folder = folder;
             workers->Push(std::move(job));
         }
 
@@ -369,7 +371,7 @@ bool PBook::BuildBook(const char* bookPath, bool makeImages) {
                 const SString& song = *media.GetAt(m);
                 SPath songPath(song.c_str());
                 std::string songTitle = Text(songPath.GetTitle());
-                if (GetBookMediaClass(song.c_str()) == BOOK_MEDIA_VIDEO) {
+                if (GetMediaClass(song.c_str()) == MEDIA_VIDEO) {
                     songTitle = "<i>" + songTitle + "</i>";
                 }
                 if (m > 0) {

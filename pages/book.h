@@ -9,6 +9,7 @@
 #include "foundation/array.h"
 #include "foundation/image.h"
 #include "foundation/string.h"
+#include "library/metadata.h"
 
 class STimer;
 
@@ -45,10 +46,10 @@ public:
     static SString GetBookZipTitle(const STimer& date);
     static SString MakeBookZipPath(const STimer& date);
 
-    // The shared cover names (the "Images" setting): a folder of one of
-    // these names without a cover of its own takes "<root><name>.png" or
-    // ".jpg". Compared without regard to case.
-    SStringArray imageNames;
+    // The shared cover names, as the "Images" setting holds them ("A;B"):
+    // a folder of one of these names without a cover of its own takes
+    // "<root><name>.png" or ".jpg". Compared without regard to case.
+    void SetImageNames(const char* setting);
     // The picture of a folder with no cover. When empty, BINARY resource
     // 130 is used, and failing that a plain tile.
     SImage defaultCover;
@@ -59,4 +60,5 @@ public:
 
 private:
     SString root;
+    PCovers covers; // finds each folder's cover
 };

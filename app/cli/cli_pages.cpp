@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include "foundation/file.h"
-#include "foundation/parser.h"
 #include "foundation/path.h"
 #include "foundation/disk.h"
 #include "pages/book.h"
@@ -83,12 +82,37 @@ bool ReadRoot(const char* text, SString& root) {
     return true;
 }
 
+// Takes "--images VALUE" out of the arguments, which every job accepts;
+// setting, when given, receives the value (the last one given). False when
+// the value is missing.
+bool TakeImages(int& argc, char** argv, const char** setting) {
+    int kept = 0;
+    for (int i = 0; i < argc; ++i) {
+        if (strcmp(argv[i], "--images") == 0) {
+            if (i + 1 >= argc) {
+                return false;
+            }
+            if (setting != nullptr) {
+                *setting = argv[i + 1];
+            }
+            ++i;
+            continue;
+        }
+        argv[kept++] = argv[i];
+    }
+    argc = kept;
+    return true;
+}
+
 const PCliJob& JobNamed(const char* name);
 
 int RunPages(int argc, char** argv) {
     const PCliJob& job = JobNamed("pages");
     if (IsHelp(argc, argv)) {
         return Help(job);
+    }
+    if (!TakeImages(argc, argv, nullptr)) {
+        return Usage(job);
     }
     if (argc != 1) {
         return Usage(job);
@@ -111,6 +135,9 @@ int RunPage(int argc, char** argv) {
     const PCliJob& job = JobNamed("page");
     if (IsHelp(argc, argv)) {
         return Help(job);
+    }
+    if (!TakeImages(argc, argv, nullptr)) {
+        return Usage(job);
     }
     if (argc != 2) {
         return Usage(job);
@@ -138,6 +165,9 @@ int RunDescribeLine(int argc, char** argv) {
     const PCliJob& job = JobNamed("describe-line");
     if (IsHelp(argc, argv)) {
         return Help(job);
+    }
+    if (!TakeImages(argc, argv, nullptr)) {
+        return Usage(job);
     }
     if (argc != 1) {
         return Usage(job);
@@ -173,21 +203,6 @@ int RunDescribeLine(int argc, char** argv) {
     return fflush(stdout) == 0 ? 0 : Fail("cannot write the output");
 }
 
-// "--images A;B": the shared cover names, split at ";" with double quotes
-// keeping a name whole.
-void ReadImageNames(const char* text, SStringArray& names) {
-    SStringParser parser(text);
-    SStringArray tokens;
-    parser.Parse(";", SStringParser::PARSE_QUOTES | SStringParser::PARSE_QUOTE_ENDS_TOKEN |
-                          SStringParser::PARSE_UNQUOTE,
-                 '"', &tokens);
-    for (int i = 0; i < tokens.GetCount(); ++i) {
-        if (!tokens.GetAt(i)->IsEmpty()) {
-            names.Add(*tokens.GetAt(i));
-        }
-    }
-}
-
 int RunBook(int argc, char** argv) {
     const PCliJob& job = JobNamed("book");
     if (IsHelp(argc, argv)) {
@@ -197,13 +212,16 @@ int RunBook(int argc, char** argv) {
     const char* output = nullptr;
     bool makeImages = true;
     PBook book;
+    const char* imageNames = nullptr;
+    if (!TakeImages(argc, argv, &imageNames)) {
+        return Usage(job);
+    }
+    book.SetImageNames(imageNames);
     for (int i = 0; i < argc; ++i) {
         if (strcmp(argv[i], "--no-images") == 0) {
             makeImages = false;
         } else if (strcmp(argv[i], "--output") == 0 && i + 1 < argc) {
             output = argv[++i];
-        } else if (strcmp(argv[i], "--images") == 0 && i + 1 < argc) {
-            ReadImageNames(argv[++i], book.imageNames);
         } else if (argv[i][0] != '-' && rootText == nullptr) {
             rootText = argv[i];
         } else {
@@ -230,6 +248,9 @@ int RunZipBook(int argc, char** argv) {
     const PCliJob& job = JobNamed("zip-book");
     if (IsHelp(argc, argv)) {
         return Help(job);
+    }
+    if (!TakeImages(argc, argv, nullptr)) {
+        return Usage(job);
     }
     const char* rootText = nullptr;
     const char* output = nullptr;
@@ -296,6 +317,12 @@ const PCliJob* GetPagesJobs(int* count) {
         *count = static_cast<int>(sizeof(JOBS) / sizeof(JOBS[0]));
     }
     return JOBS;
+}
+
+void PrintPagesUsage(FILE* out) {
+    for (const PCliJob& job : JOBS) {
+        fputs(job.usage, out);
+    }
 }
 
 const PCliJob* FindPagesJob(const char* name) {

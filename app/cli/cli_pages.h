@@ -17,5 +17,7 @@ struct PCliJob {
 
 // The jobs of this front, and their number.
 const PCliJob* GetPagesJobs(int* count);
+// Writes the usage of every job.
+void PrintPagesUsage(FILE* out);
 // The job called name, or null.
 const PCliJob* FindPagesJob(const char* name);

@@ -540,3 +540,59 @@ TEST(Wildcards, ArrayCountsAndAppendsIndexes) {
     EXPECT_EQ(array.MatchWildcards("?????.*"), 2);
     EXPECT_EQ(array.MatchWildcards(nullptr), 0);
 }
+
+namespace {
+
+// The order the shuffle must give for a seed: the same draws taken by hand.
+std::vector<int> ExpectedShuffle(std::vector<int> items, unsigned seed) {
+    SRandom random(seed);
+    std::vector<int> order;
+    while (!items.empty()) {
+        int index = int(random.Next() / 32768.0 * double(items.size()));
+        order.push_back(items[size_t(index)]);
+        items.erase(items.begin() + index);
+    }
+    return order;
+}
+
+TEST(ArrayShuffle, FollowsTheGeneratorDrawByDraw) {
+    SeedRandom(12345);
+    SArray<int> array = Make({1, 2, 3, 4, 5, 6, 7, 8, 9, 10});
+    array.Shuffle();
+    EXPECT_EQ(Items(array), ExpectedShuffle({1, 2, 3, 4, 5, 6, 7, 8, 9, 10}, 12345));
+    // Seed 1 draws 41, 18467, 6334, 26500: indexes 0, 1, 0, 0 of 4, 3, 2, 1.
+    SeedRandom(1);
+    SArray<int> four = Make({10, 20, 30, 40});
+    four.Shuffle();
+    EXPECT_EQ(Items(four), (std::vector<int>{10, 30, 20, 40}));
+}
+
+TEST(ArrayShuffle, TouchesOnlyTheRangeAndKeepsEveryItem) {
+    SeedRandom(7);
+    SArray<int> array = Make({1, 2, 3, 4, 5, 6});
+    array.Shuffle(2, 5);
+    std::vector<int> items = Items(array);
+    EXPECT_EQ(items[0], 1);
+    EXPECT_EQ(items[1], 2);
+    EXPECT_EQ(items[5], 6);
+    std::vector<int> middle(items.begin() + 2, items.begin() + 5);
+    std::sort(middle.begin(), middle.end());
+    EXPECT_EQ(middle, (std::vector<int>{3, 4, 5}));
+    SArray<int> empty;
+    empty.Shuffle();
+    EXPECT_EQ(empty.GetCount(), 0);
+}
+
+TEST(ArrayShuffle, StringArrayKeepsOwnership) {
+    SeedRandom(99);
+    SStringArray array = MakeStrings({"a", "b", "c"});
+    array.Shuffle();
+    std::vector<std::string> texts;
+    for (int i = 0; i < array.GetCount(); ++i) {
+        texts.push_back(array.GetText(i).c_str());
+    }
+    std::sort(texts.begin(), texts.end());
+    EXPECT_EQ(texts, (std::vector<std::string>{"a", "b", "c"}));
+}
+
+} // namespace

@@ -1,0 +1,216 @@
+#include "library/folder_view.h"
+
+#include <unordered_set>
+#include <string>
+
+#include "foundation/disk.h"
+#include "library/media.h"
+
+namespace {
+
+constexpr int SMALL_SIDE = 16;
+// The parent cover is drawn this faint: alpha of at most 64 of 255.
+constexpr int PARENT_ALPHA = 64;
+// The tint of the parent cover: its luminance grey.
+constexpr uint32_t PARENT_TINT = 0x00FFFFFF;
+
+// A folder's visible subfolders.
+int CountSubfolders(const SString& folder) {
+    return SDisk().Enumerate(nullptr, (folder + "*").c_str(), ENUM_FOLDERS | ENUM_NO_HIDDEN);
+}
+
+std::string LowerAscii(const char* text) {
+    std::string lower(text);
+    for (char& c : lower) {
+        c = c >= 'A' && c <= 'Z' ? char(c + 32) : c;
+    }
+    return lower;
+}
+
+} // namespace
+
+PFolderView::PFolderView() {
+    rowImages.Create(SMALL_SIDE, SMALL_SIDE, 0);
+    defaultSmallImage.Create(SMALL_SIDE, SMALL_SIDE, PIXEL_FORMAT_24RGB);
+    defaultSmallImage.Fill(0xFFFFFFFF);
+}
+
+void PFolderView::SetRoot(const char* newRoot) {
+    root.SetFolder(newRoot != nullptr ? newRoot : "");
+    current = root;
+    covers.SetRoot(root.GetFullPath().c_str());
+    statusText = root.GetFullPath();
+}
+
+bool PFolderView::ResetToRoot() {
+    current = root;
+    statusText = root.GetFullPath();
+    page = "";
+    return false;
+}
+
+bool PFolderView::OpenFolder(const char* path, const char* selectName, bool focusThumbs) {
+    current = SPath();
+    return NavigateFolder(path, selectName, focusThumbs);
+}
+
+bool PFolderView::NavigateFolder(const char* relative, const char* selectName,
+                                 bool wantThumbs) {
+    SPath old = current;
+    SString text = current.IsValid() ? current.GetFullPath() : SString("");
+    text += relative != nullptr ? relative : "";
+    SPath target;
+    SDisk disk;
+    if (!target.SetFolder(text.c_str()) || !disk.IsFolder(target.GetFullPath().c_str())) {
+        return ResetToRoot();
+    }
+    current = target;
+    if (!current.IsValid() || current.GetDepth() < root.GetDepth()) {
+        return ResetToRoot();
+    }
+    SString folder = current.GetFullPath();
+    SStringArray names;
+    disk.Enumerate(&names, (folder + "*").c_str(), ENUM_FOLDERS | ENUM_NO_HIDDEN);
+    for (SString* name : names) {
+        name->SetLength(name->GetLength() - 1); // the final "/"
+        *name = SPath(name->c_str()).GetName();
+    }
+    names.SetFlags(SORT_NOCASE);
+    names.Sort();
+    if (names.GetCount() == 0) {
+        current = old;
+        page = "";
+        return false;
+    }
+
+    thumbnails.clear();
+    rows.clear();
+    rowImages.RemoveAll();
+    rowImages.Add(&defaultSmallImage);
+    for (int i = 0; i < names.GetCount(); ++i) {
+        const SString& name = *names.GetAt(i);
+        SString sub = folder + name + "/";
+        bool isLeaf = CountSubfolders(sub) == 0;
+        PThumbItem item;
+        item.name = name;
+        covers.LoadCover(&item.cover, sub.c_str());
+        item.isLeaf = isLeaf;
+        SImage small;
+        small.CopyFrom(&item.cover);
+        small.Resize(SMALL_SIDE, SMALL_SIDE);
+        rowImages.Add(&small);
+        rows.push_back({name, i + 1, isLeaf ? FOLDER_IS_LEAF : FOLDER_HAS_SUBFOLDERS});
+        thumbnails.push_back(std::move(item));
+    }
+    selectedRow = -1;
+    focusThumbs = wantThumbs;
+    // Selecting a name fills the panes; otherwise they are filled empty.
+    if (wantThumbs || selectName == nullptr || selectName[0] == 0 || !SelectName(selectName)) {
+        ShowSelection();
+    }
+    statusText = folder;
+    return true;
+}
+
+bool PFolderView::RefreshFolder() {
+    if (selectedRow >= 0) {
+        SString name = rows[size_t(selectedRow)].name;
+        return NavigateFolder(".", name.c_str(), false);
+    }
+    return NavigateFolder(".", "", true);
+}
+
+bool PFolderView::SelectRow(int row) {
+    if (row < -1 || row >= int(rows.size())) {
+        return false;
+    }
+    selectedRow = row;
+    ShowSelection();
+    return true;
+}
+
+bool PFolderView::SelectName(const char* name) {
+    for (size_t i = 0; i < rows.size(); ++i) {
+        if (rows[i].name == name) {
+            return SelectRow(int(i));
+        }
+    }
+    return false;
+}
+
+SString PFolderView::GetSelectedFolder() const {
+    if (selectedRow < 0 || !current.IsValid()) {
+        return SString("");
+    }
+    return current.GetFullPath() + rows[size_t(selectedRow)].name + "/";
+}
+
+void PFolderView::ClearSelection() {
+    cover.Empty();
+    caption = "";
+    parentCover.Empty();
+    parentCaption = "";
+    trackRows.clear();
+    trackTable.DeleteAll();
+    page = "";
+}
+
+bool PFolderView::ShowSelection() {
+    ClearSelection();
+    if (selectedRow < 0) {
+        return false;
+    }
+    SString folder = GetSelectedFolder();
+    covers.LoadCover(&cover, folder.c_str());
+    caption = ComposeCoverCaption(folder.c_str());
+    if (current.GetDepth() != root.GetDepth()) {
+        SString own = current.GetFullPath();
+        covers.LoadCover(&parentCover, own.c_str());
+        parentCover.ConvertTo(PIXEL_FORMAT_32ARGB);
+        parentCover.TintLuminance(PARENT_TINT);
+        parentCover.SetAlpha(PARENT_ALPHA, nullptr, true);
+        parentCaption = current.GetLastFolder(true);
+    }
+    SStringArray files;
+    CollectMedia(files, folder.c_str(), false, true, true, true, false, false);
+    // The folder's text files, found once, for the rows' text markers.
+    std::unordered_set<std::string> texts;
+    SStringArray textFiles;
+    SDisk().Enumerate(&textFiles, (folder + "*.txt").c_str(), ENUM_FILES);
+    for (const SString* file : textFiles) {
+        texts.insert(LowerAscii(SPath(file->c_str()).GetName().c_str()));
+    }
+    for (const SString* file : files) {
+        SPath path(file->c_str());
+        PTrackRow row;
+        row.text = path.GetTitle();
+        row.icon = GetMediaClass(file->c_str());
+        if (row.icon != MEDIA_PICTURE) {
+            std::string textName = LowerAscii((row.text + ".txt").c_str());
+            row.data = texts.count(textName) != 0 ? TRACK_HAS_TEXT : TRACK_NO_TEXT;
+        }
+        trackRows.push_back(row);
+        trackTable.Add(*file);
+    }
+    page = GetFolderPage(folder.c_str());
+    return true;
+}
+
+SString PFolderView::GetFolderCountsText() const {
+    if (statistics == nullptr) {
+        return SString("");
+    }
+    SString path = selectedRow >= 0 ? GetSelectedFolder() : current.GetFullPath();
+    return statistics->FormatFolder(statistics->Find(path.c_str()));
+}
+
+int PFolderView::GetSelectedTracks(const SArray<int>& rowsSelected, SStringArray& dest) const {
+    int added = 0;
+    for (int row : rowsSelected) {
+        if (row >= 0 && row < trackTable.GetCount()) {
+            dest.Add(*trackTable.GetAt(row));
+            ++added;
+        }
+    }
+    return added;
+}

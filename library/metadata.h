@@ -1,0 +1,76 @@
+// The companion files of a folder "<parent>/<name>/", which lie beside it
+// and are named after it: the cover ("<name>.png", else "<name>.jpg"), the
+// properties ("<name>.ini", key "site" in the section with the empty name),
+// the page ("<name>.mht", else "<name>.htm"); and the text file of a track,
+// "<folder>/<title>.txt".
+#pragma once
+
+#include "foundation/array.h"
+#include "foundation/image.h"
+#include "foundation/string.h"
+
+// Side of every cover, in points.
+constexpr int COVER_SIDE = 150;
+// Track row data words: a text file beside the track, or none.
+constexpr int TRACK_HAS_TEXT = 5;
+constexpr int TRACK_NO_TEXT = -1;
+
+// PCovers: finds and loads folder covers for one collection.
+class PCovers {
+public:
+    PCovers() = default;
+    PCovers(const PCovers&) = delete;
+    PCovers& operator=(const PCovers&) = delete;
+
+    // The collection's root, where the shared covers lie.
+    void SetRoot(const char* root);
+    const SString& GetRoot() const { return root; }
+    // The shared-cover names of the "Images" setting, separated by ";"
+    // (a double-quoted run may hold one).
+    void SetSharedNames(const char* setting);
+    const SStringArray& GetSharedNames() const { return sharedNames; }
+    // The picture used when a folder has no cover; without one the default
+    // cover is plain white.
+    void SetDefaultCover(const SImage* image);
+
+    // The cover file of a folder, found in this order: "<parent>/<name>.png",
+    // "<parent>/<name>.jpg"; when the name is one of the shared names
+    // (without regard to case) "<root><name>.png", "<root><name>.jpg";
+    // then inside the folder "cover", "folder", "front", "albumart" with
+    // ".jpg", ".jpeg" or ".png" in that order. Each is found by exact name,
+    // then case-blind. Empty when there is none.
+    SString FindCover(const char* folder) const;
+    // Leaves a 150 by 150 opaque picture in image (nothing when null): the
+    // folder's cover stretched to that size, or the default cover, with
+    // every pixel whose alpha is below 255 made opaque white. True when the
+    // folder's own cover was used.
+    bool LoadCover(SImage* image, const char* folder) const;
+
+private:
+    SString root;
+    SStringArray sharedNames;
+    SImage defaultCover;
+};
+
+// The "site" value shown as a link: "http://www." then "http://" cut from
+// its start (each exactly, case-sensitive); anything else stays.
+SString CutSiteLink(const char* site);
+// The cover caption: the folder's name, then, when its ini file holds a
+// "site" value, "\n\n<link>" and the cut value and "</link>".
+SString ComposeCoverCaption(const char* folder);
+// Writes the folder's "site" value, making the ini file when missing.
+bool WriteSite(const char* folder, const char* site);
+// The folder's page: its ".mht", else its ".htm"; empty when neither.
+SString GetFolderPage(const char* folder);
+
+// Track text.
+// "<folder>/<title>.txt" for a track's path.
+SString GetTrackTextPath(const char* trackPath);
+// The text of a track's text file; "" when it is missing.
+SString LoadTrackText(const char* trackPath);
+// Saves the editor's text for a track: an empty text deletes the file,
+// any other replaces it atomically. dataWord is the track row's word; it
+// becomes TRACK_NO_TEXT or TRACK_HAS_TEXT, and the result tells whether it
+// changed (the row is then redrawn). saved, when given, tells whether the
+// disk change succeeded.
+bool SaveTrackText(const char* trackPath, const char* text, int& dataWord, bool* saved = nullptr);

@@ -1,0 +1,108 @@
+// PPlaylistStore: the playlists of a collection, the files "<name>.lst" in
+// the hidden folder "Playlists/" under the root, and the one playlist that
+// is open: its entries, the selected entry, and every change, each written
+// to disk at once. The playlist panel draws this and forwards its commands.
+//
+// The file: one entry a line, each followed by CR LF (the last one too), no
+// header; an entry is the file's path relative to the root with "\" between
+// folders. An empty playlist is a file of zero bytes. Reading takes only
+// CR LF as a line end: a lone CR or LF is dropped and the line goes on, so
+// a file with bare line feeds reads as one long entry. Blanks and tabs at
+// the ends of a line go, and empty lines are dropped. A file that is not
+// valid UTF-8 is read as Windows-1252. Saving replaces the file atomically.
+#pragma once
+
+#include "foundation/array.h"
+#include "foundation/string.h"
+
+class PPlaylistStore {
+public:
+    PPlaylistStore() = default;
+    PPlaylistStore(const PPlaylistStore&) = delete;
+    PPlaylistStore& operator=(const PPlaylistStore&) = delete;
+
+    // The collection's root; the playlists folder is "<root>Playlists/".
+    void SetRoot(const char* root);
+    const SString& GetRoot() const { return root; }
+    const SString& GetFolder() const { return folder; }
+
+    // The playlists.
+    // Reads the folder again. With none there and firstRun on, makes a new
+    // empty playlist (CreatePlaylist) and ends. Otherwise keeps the open
+    // name selected when it is still there, else selects the first, and
+    // loads it. False when the folder holds no playlist afterwards.
+    bool RefreshPlaylists(bool firstRun = true);
+    // Names without ".lst", sorted as the drop-down sorts them (letters
+    // without regard to case, ties in byte order).
+    const SStringArray& GetNames() const { return names; }
+    // The selected playlist's name, or "" when none is selected.
+    SString GetCurrentName() const;
+    // Selects a name that exists exactly; false otherwise.
+    bool SelectPlaylist(const char* name);
+
+    // The open playlist.
+    // An empty name means the selected one. False, with no entries, when
+    // the name is not among the playlists or the file cannot be read.
+    bool LoadPlaylist(const char* name = "");
+    // Writes every entry to the file of that name (empty: the selected
+    // one). False, with nothing written, when the name is not among the
+    // playlists or the file cannot be replaced.
+    bool SavePlaylist(const char* name = "");
+    const SStringArray& GetEntries() const { return entries; }
+    int GetEntryCount() const { return entries.GetCount(); }
+    // "0 file", "1 file", "2 files".
+    SString GetCountText() const;
+    // The absolute disk path of an entry: the root followed by the entry
+    // with "\" turned into "/"; empty for a bad row.
+    SString GetEntryPath(int row) const;
+    // Every entry's absolute path in list order, shuffled with the array's
+    // shuffle when shuffle is on: the queue for "play all".
+    SStringArray GetPlayList(bool shuffle) const;
+
+    // The selected row, -1 for none.
+    int GetSelection() const { return selection; }
+    bool SetSelection(int row);
+
+    // Editing; each but AppendFiles saves at once.
+    // Appends each absolute path, cut by as many leading components as the
+    // root has and with "/" turned into "\"; nothing checks that the file
+    // lies under the root. Does not save.
+    void AppendFiles(const SStringArray& paths);
+    // Removes the selected row (never the file it names) and saves; the row
+    // that followed becomes selected, or none after the last row.
+    bool RemoveSelected();
+    // Move the selected row by one place, keeping it selected, and save.
+    // Nothing moves or is written for no selection or at the edge.
+    bool MoveUp();
+    bool MoveDown();
+
+    // Playlists on disk.
+    // Makes a new empty playlist, "Playlist.lst" or, when that exists, a
+    // name with a random number, reads the folder again and opens it.
+    // Returns the new name, empty on failure.
+    SString CreatePlaylist();
+    // Renames the selected playlist; an empty new name does nothing. The
+    // renamed playlist is then selected and loaded.
+    bool RenamePlaylist(const char* newName);
+    // Deletes the selected playlist's file (after the user confirmed); the
+    // first remaining one is then opened, or a new one made when none is
+    // left, so there is always at least one.
+    bool DeletePlaylist();
+
+private:
+    SString PathOf(const char* name) const;
+    int FindName(const char* name) const;
+    void ReadNames();
+
+    SString root;   // ends in "/"
+    SString folder; // root + "Playlists/"
+    SStringArray names;
+    int current = -1;
+    SStringArray entries;
+    int selection = -1;
+};
+
+// Parses the bytes of a playlist file into entries (see the class comment).
+void ParsePlaylist(const char* data, int size, SStringArray& entries);
+// The bytes of a playlist file for the entries.
+SString FormatPlaylist(const SStringArray& entries);

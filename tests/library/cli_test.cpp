@@ -1,0 +1,122 @@
+// melkora-cli run as a program: its output, exit codes and files.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <sys/wait.h>
+
+#include "support/temp_dir.h"
+
+namespace {
+
+struct Result {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+std::string Quote(const std::string& text) {
+    std::string quoted = "'";
+    for (char c : text) {
+        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    }
+    return quoted + "'";
+}
+
+Result RunCli(const TempDir& dir, const std::string& arguments) {
+    std::string errFile = dir / "cli-stderr";
+    std::string command = std::string(MELKORA_CLI_PATH) + " " + arguments + " 2>" + Quote(errFile);
+    Result result;
+    FILE* pipe = popen(command.c_str(), "r");
+    if (pipe == nullptr) {
+        return result;
+    }
+    char buffer[4096];
+    size_t got;
+    while ((got = fread(buffer, 1, sizeof(buffer), pipe)) > 0) {
+        result.out.append(buffer, got);
+    }
+    int status = pclose(pipe);
+    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    result.err = TempDir::Read(errFile);
+    std::filesystem::remove(errFile);
+    return result;
+}
+
+TEST(CliUsage, HelpAndBadArgumentsGiveTheirCodes) {
+    TempDir dir;
+    Result help = RunCli(dir, "--help");
+    EXPECT_EQ(help.status, 0);
+    EXPECT_NE(help.out.find("stats ROOT"), std::string::npos);
+    EXPECT_NE(help.out.find("playlist ROOT"), std::string::npos);
+    EXPECT_NE(help.out.find("book ROOT"), std::string::npos); // the pages jobs are listed too
+    EXPECT_EQ(RunCli(dir, "stats --help").status, 0);
+    EXPECT_EQ(RunCli(dir, "playlist --help").status, 0);
+    Result none = RunCli(dir, "");
+    EXPECT_EQ(none.status, 2);
+    EXPECT_NE(none.err.find("usage"), std::string::npos);
+    EXPECT_EQ(RunCli(dir, "unknown").status, 2);
+    EXPECT_EQ(RunCli(dir, "stats").status, 2);
+    EXPECT_EQ(RunCli(dir, "stats a b").status, 2);
+    EXPECT_EQ(RunCli(dir, "stats " + Quote(dir.Path()) + " --bogus").status, 2);
+    EXPECT_EQ(RunCli(dir, "playlist " + Quote(dir.Path()) + " show").status, 2);
+    Result missing = RunCli(dir, "stats " + Quote(dir / "missing"));
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.err.rfind("melkora-cli: ", 0), 0u);
+}
+
+TEST(CliStats, PrintsTheTableThenTheTotalsAndPurges) {
+    TempDir dir;
+    dir.Write("B/x.mp3", "");
+    dir.Write("B/y.wvx", "");
+    dir.Write("A/Sub/z.avi", "");
+    dir.Write("A/z.mp3", "");
+    std::string empty = dir.Write("A.ini", "");
+    std::string root = dir.Path() + "/";
+    Result result = RunCli(dir, "stats " + Quote(dir.Path()));
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, root + "\t2\t1\t1\n" + root + "A/\t1\t1\t0\n" + root +
+                              "A/Sub/\t0\t1\t0\n" + root + "B/\t1\t0\t1\n" +
+                              "2 songs, 1 video, 1 radio\n");
+    EXPECT_EQ(result.err, "");
+    EXPECT_TRUE(std::filesystem::exists(empty));
+    Result purge = RunCli(dir, "stats " + Quote(root) + " --purge --images 'A;B'");
+    EXPECT_EQ(purge.status, 0);
+    EXPECT_EQ(purge.out, result.out);
+    EXPECT_FALSE(std::filesystem::exists(empty));
+}
+
+TEST(CliPlaylist, ListShowAndAdd) {
+    TempDir dir;
+    dir.Write("Playlists/b.lst", "Artist\\Song.mp3\r\n");
+    dir.Write("Playlists/A.lst", "");
+    std::string root = Quote(dir.Path());
+    Result list = RunCli(dir, "playlist " + root + " list");
+    EXPECT_EQ(list.status, 0);
+    EXPECT_EQ(list.out, "A\nb\n");
+    Result show = RunCli(dir, "playlist " + root + " show b");
+    EXPECT_EQ(show.status, 0);
+    EXPECT_EQ(show.out, "Artist\\Song.mp3\n");
+    Result add = RunCli(dir, "playlist " + root + " add b " + Quote(dir / "New/One.mp3") + " " +
+                              Quote(dir / "Two.mp3"));
+    EXPECT_EQ(add.status, 0);
+    EXPECT_EQ(add.out, "");
+    EXPECT_EQ(TempDir::Read(dir / "Playlists/b.lst"),
+              "Artist\\Song.mp3\r\nNew\\One.mp3\r\nTwo.mp3\r\n");
+    EXPECT_EQ(RunCli(dir, "playlist " + root + " show missing").status, 1);
+    EXPECT_EQ(RunCli(dir, "playlist " + root + " add b relative.mp3").status, 1);
+    EXPECT_EQ(TempDir::Read(dir / "Playlists/b.lst"),
+              "Artist\\Song.mp3\r\nNew\\One.mp3\r\nTwo.mp3\r\n");
+}
+
+TEST(CliPlaylist, ListingNeverWrites) {
+    TempDir dir;
+    dir.MakeFolder("Playlists");
+    Result list = RunCli(dir, "playlist " + Quote(dir.Path()) + " list");
+    EXPECT_EQ(list.status, 0);
+    EXPECT_EQ(list.out, "");
+    EXPECT_TRUE(std::filesystem::is_empty(dir / "Playlists"));
+}
+
+} // namespace

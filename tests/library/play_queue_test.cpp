@@ -1,0 +1,273 @@
+#include "library/play_queue.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "foundation/random.h"
+#include "support/temp_dir.h"
+
+namespace {
+
+using Events = std::vector<std::string>;
+
+// A player that logs every call; paths in failing do not open.
+class FakeHost : public PPlayerHost {
+public:
+    bool OpenMedia(const char* address) override {
+        if (failing.count(address) != 0) {
+            events.push_back("skip " + Name(address));
+            return false;
+        }
+        ++opens;
+        events.push_back("open " + Name(address));
+        return true;
+    }
+    void Pause() override { events.push_back("pause"); }
+    bool TogglePause() override {
+        events.push_back("toggle");
+        return true;
+    }
+    void Stop() override { events.push_back("stop"); }
+    bool Seek(int seconds) override {
+        events.push_back("seek " + std::to_string(seconds));
+        return true;
+    }
+    void OnNowPlaying(const char*, int position, int count) override {
+        events.push_back("now " + std::to_string(position) + "/" + std::to_string(count));
+    }
+    void OnQueueGrown(int count) override { events.push_back("grown " + std::to_string(count)); }
+    void ShutDownMachine() override { events.push_back("shutdown"); }
+
+    // The file name alone keeps the expectations short.
+    static std::string Name(const char* path) {
+        std::string text(path);
+        size_t slash = text.rfind('/');
+        return slash == std::string::npos ? text : text.substr(slash + 1);
+    }
+
+    std::set<std::string> failing;
+    Events events;
+    int opens = 0;
+};
+
+class PlayQueueTest : public ::testing::Test {
+protected:
+    SStringArray Paths(std::initializer_list<const char*> names) {
+        SStringArray paths;
+        for (const char* name : names) {
+            paths.Add((dir / name).c_str());
+        }
+        return paths;
+    }
+    void Fail(const char* name) { host.failing.insert(dir / name); }
+    Events Take() {
+        Events taken = host.events;
+        host.events.clear();
+        return taken;
+    }
+
+    TempDir dir;
+    FakeHost host;
+    PPlayQueue queue{host};
+};
+
+TEST_F(PlayQueueTest, PlayFromSkipsFilesThatDoNotOpen) {
+    Fail("a.mp3");
+    Fail("b.mp3");
+    SStringArray list = Paths({"a.mp3", "b.mp3", "c.mp3"});
+    ASSERT_TRUE(queue.SetPlayQueue(&list));
+    EXPECT_EQ(queue.GetIndex(), 2);
+    EXPECT_EQ(Take(), (Events{"skip a.mp3", "skip b.mp3", "open c.mp3", "now 3/3"}));
+    EXPECT_FALSE(queue.SetPlayQueue(nullptr));
+}
+
+TEST_F(PlayQueueTest, AQueueThatNeverOpensEndsAsAStop) {
+    Fail("a.mp3");
+    SStringArray list = Paths({"a.mp3"});
+    EXPECT_FALSE(queue.SetPlayQueue(&list));
+    EXPECT_EQ(queue.GetCount(), 0);
+    EXPECT_EQ(queue.GetIndex(), -1);
+    EXPECT_FALSE(queue.PlayFrom(0, false));
+    EXPECT_FALSE(queue.NextTrack());
+    EXPECT_FALSE(queue.PreviousTrack());
+    EXPECT_FALSE(queue.TogglePause());
+    EXPECT_FALSE(queue.SeekSeconds(3));
+}
+
+TEST_F(PlayQueueTest, NextOnTheLastEntryStopsWithoutRepeatAndWrapsWithIt) {
+    SStringArray list = Paths({"a.mp3", "b.mp3"});
+    queue.SetPlayQueue(&list);
+    ASSERT_TRUE(queue.NextTrack());
+    EXPECT_EQ(queue.GetIndex(), 1);
+    queue.SetRepeat(true);
+    ASSERT_TRUE(queue.NextTrack());
+    EXPECT_EQ(queue.GetIndex(), 0);
+    queue.SetRepeat(false);
+    queue.NextTrack();
+    Take();
+    EXPECT_FALSE(queue.NextTrack());
+    EXPECT_EQ(queue.GetCount(), 0); // emptied, not only stopped
+    EXPECT_EQ(queue.GetIndex(), -1);
+    EXPECT_EQ(Take(), (Events{"stop"}));
+}
+
+TEST_F(PlayQueueTest, PreviousOnTheFirstEntryStopsTheQueue) {
+    for (bool repeat : {false, true}) {
+        SStringArray list = Paths({"a.mp3", "b.mp3"});
+        queue.SetRepeat(repeat);
+        queue.SetPlayQueue(&list);
+        EXPECT_FALSE(queue.PreviousTrack());
+        EXPECT_EQ(queue.GetCount(), 0);
+        EXPECT_EQ(queue.GetIndex(), -1);
+    }
+    SStringArray list = Paths({"a.mp3", "b.mp3"});
+    queue.SetPlayQueue(&list);
+    queue.NextTrack();
+    Take();
+    EXPECT_TRUE(queue.PreviousTrack());
+    EXPECT_EQ(queue.GetIndex(), 0);
+    EXPECT_EQ(Take(), (Events{"open a.mp3", "now 1/2"}));
+}
+
+TEST_F(PlayQueueTest, PreviousOntoAFileThatFailsStops) {
+    Fail("a.mp3");
+    SStringArray list = Paths({"a.mp3", "b.mp3"});
+    queue.SetPlayQueue(&list);
+    EXPECT_FALSE(queue.PreviousTrack());
+    EXPECT_EQ(queue.GetCount(), 0);
+}
+
+TEST_F(PlayQueueTest, OneEntryWithRepeatReplaysWithoutReopening) {
+    SStringArray list = Paths({"a.mp3"});
+    queue.SetRepeat(true);
+    queue.SetPlayQueue(&list);
+    queue.OnTrackEnded();
+    queue.OnTrackEnded();
+    EXPECT_EQ(host.opens, 1);
+    EXPECT_EQ(queue.GetIndex(), 0);
+    EXPECT_EQ(Take(), (Events{"open a.mp3", "now 1/1", "seek 0", "seek 0"}));
+}
+
+TEST_F(PlayQueueTest, LastEntryEndedWithRepeatRestartsKeepingTheOrder) {
+    SeedRandom(5);
+    SStringArray list = Paths({"a.mp3", "b.mp3", "c.mp3"});
+    queue.SetRepeat(true);
+    queue.SetPlayQueue(&list);
+    queue.NextTrack();
+    queue.NextTrack();
+    Take();
+    queue.OnTrackEnded();
+    EXPECT_EQ(queue.GetIndex(), 0);
+    EXPECT_EQ(queue.GetCount(), 3);
+    EXPECT_EQ(Take(), (Events{"open a.mp3", "now 1/3"}));
+}
+
+TEST_F(PlayQueueTest, ShutdownFollowsTheEndOfTheQueueOnly) {
+    SStringArray one = Paths({"a.mp3"});
+    queue.SetShutdown(true);
+    queue.SetPlayQueue(&one);
+    Take();
+    queue.OnTrackEnded();
+    EXPECT_EQ(Take(), (Events{"stop", "shutdown"}));
+
+    // The last entry fails to open: NextTrack fails, so the machine goes off.
+    Fail("c.mp3");
+    SStringArray list = Paths({"a.mp3", "b.mp3", "c.mp3"});
+    queue.SetPlayQueue(&list);
+    queue.OnTrackEnded();
+    Take();
+    queue.OnTrackEnded();
+    EXPECT_EQ(Take(), (Events{"skip c.mp3", "stop", "shutdown"}));
+
+    queue.SetShutdown(false);
+    queue.SetPlayQueue(&list);
+    queue.OnTrackEnded();
+    queue.OnTrackEnded();
+    for (const std::string& event : Take()) {
+        EXPECT_NE(event, "shutdown");
+    }
+}
+
+TEST_F(PlayQueueTest, PlayFolderAtUsesTheRowAsTheQueueIndex) {
+    // The track list shows 1.mp3, 2.wax, 3.mp3; the queue leaves the radio out.
+    dir.Write("F/1.mp3", "");
+    dir.Write("F/2.wax", "<asx><ref href=\"http://r\"/></asx>");
+    dir.Write("F/3.mp3", "");
+    dir.Write("F/4.mp3", "");
+    ASSERT_TRUE(queue.PlayFolderAt(2, (dir / "F").c_str()));
+    EXPECT_EQ(queue.GetCount(), 3);
+    EXPECT_EQ(Take(), (Events{"open 4.mp3", "now 3/3"})); // row 2 was 3.mp3 on screen
+    ASSERT_TRUE(queue.PlayFolderAt(-1, (dir / "F").c_str()));
+    EXPECT_EQ(queue.GetIndex(), 0);
+    dir.MakeFolder("Empty");
+    EXPECT_FALSE(queue.PlayFolderAt(0, (dir / "Empty").c_str()));
+    EXPECT_EQ(queue.GetCount(), 3); // the queue stays as it was
+}
+
+TEST_F(PlayQueueTest, PlayFoldersTreeTakesSongsOnlyAndShufflesWithTheGenerator) {
+    dir.Write("R/A/1.mp3", "");
+    dir.Write("R/A/v.avi", "");
+    dir.Write("R/B/2.mp3", "");
+    dir.Write("R/3.mp3", "");
+    dir.Write("R/p.jpg", "");
+    ASSERT_TRUE(queue.PlayFolders((dir / "R").c_str(), nullptr, true, false));
+    EXPECT_EQ(std::string(queue.GetEntries().Join(",").c_str()),
+              (dir / "R/3.mp3") + "," + (dir / "R/A/1.mp3") + "," + (dir / "R/B/2.mp3"));
+    SeedRandom(1); // draws 41, 18467, 6334: places 0, 2, 1
+    ASSERT_TRUE(queue.PlayFolders((dir / "R").c_str(), nullptr, true, true));
+    EXPECT_EQ(std::string(queue.GetEntries().Join(",").c_str()),
+              (dir / "R/3.mp3") + "," + (dir / "R/B/2.mp3") + "," + (dir / "R/A/1.mp3"));
+    ASSERT_TRUE(queue.PlayFolders((dir / "R").c_str(), nullptr, false, false));
+    EXPECT_EQ(queue.GetCount(), 2); // 3.mp3 and p.jpg
+    EXPECT_FALSE(queue.PlayFolders(nullptr, (dir / "R").c_str(), false, false));
+    ASSERT_TRUE(queue.PlayFolders(nullptr, (dir / "R").c_str(), true, false));
+    EXPECT_EQ(queue.GetCount(), 5);
+}
+
+TEST_F(PlayQueueTest, AddingExtendsAndStartsPausedOnAnEmptyQueue) {
+    dir.Write("F/1.mp3", "");
+    dir.Write("G/Sub/2.mp3", "");
+    SStringArray rows = Paths({"x.mp3"});
+    ASSERT_TRUE(queue.AddFiles(rows));
+    EXPECT_EQ(Take(), (Events{"open x.mp3", "pause", "now 1/1"}));
+    ASSERT_TRUE(queue.AddFolder((dir / "F").c_str()));
+    ASSERT_TRUE(queue.AddFolder((dir / "G").c_str())); // falls back to the tree's songs
+    EXPECT_EQ(Take(), (Events{"grown 2", "grown 3"}));
+    dir.MakeFolder("Empty");
+    EXPECT_FALSE(queue.AddFolder((dir / "Empty").c_str()));
+    EXPECT_FALSE(queue.AddFiles(SStringArray()));
+    EXPECT_EQ(queue.GetIndex(), 0);
+    SStringArray titles;
+    queue.GetQueueTitles(titles);
+    EXPECT_EQ(titles.Join(","), "x,1,2");
+    // A second play replaces the queue.
+    ASSERT_TRUE(queue.PlaySelectedTracks(rows));
+    EXPECT_EQ(queue.GetCount(), 1);
+    EXPECT_FALSE(queue.PlaySelectedTracks(SStringArray()));
+}
+
+TEST_F(PlayQueueTest, RadioFilesHandTheirStreamToThePlayer) {
+    std::string radio = dir.Write("r.asx", "<asx><entry><ref href=\"http://stream/x\"/></entry></asx>");
+    std::string empty = dir.Write("e.wvx", "<asx></asx>");
+    SStringArray list;
+    list.Add(empty.c_str());
+    list.Add(radio.c_str());
+    ASSERT_TRUE(queue.SetPlayQueue(&list));
+    EXPECT_EQ(queue.GetIndex(), 1);
+    EXPECT_EQ(Take(), (Events{"open x", "now 2/2"}));
+}
+
+TEST_F(PlayQueueTest, StopIsFalseOnAnEmptyQueue) {
+    EXPECT_FALSE(queue.StopPlaying());
+    SStringArray list = Paths({"a.mp3"});
+    queue.SetPlayQueue(&list);
+    EXPECT_TRUE(queue.TogglePause());
+    EXPECT_TRUE(queue.SeekSeconds(30));
+    EXPECT_TRUE(queue.StopPlaying());
+    EXPECT_FALSE(queue.StopPlaying());
+}
+
+} // namespace
