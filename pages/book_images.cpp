@@ -122,3 +122,15 @@ bool MakeCoverThumbnail(const SImage& cover, SFileMem& jpeg) {
     jpeg.Reset(0);
     return thumbnail.Save(&jpeg, IMAGE_JPEG);
 }
+
+// Fontconfig and Pango keep their configuration and font caches for the
+// life of the process and never free them; LeakSanitizer builds are told
+// so. The hook is read only by sanitizer runtimes.
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:libfontconfig.so\nleak:libpango-1.0.so\nleak:libpangoft2-1.0.so\n"
+           "leak:libpangocairo-1.0.so\nleak:libharfbuzz.so\n";
+}
+
+extern "C" const char* __lsan_default_options() {
+    return "print_suppressions=0";
+}
