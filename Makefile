@@ -43,7 +43,7 @@ $(ASAN_BUILD)/CMakeCache.txt:
 test-asan: $(ASAN_BUILD)/CMakeCache.txt
 	cmake --build $(ASAN_BUILD) -j $(JOBS)
 	ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
-	    LSAN_OPTIONS=suppressions=$(CURDIR)/tests/support/lsan.supp ctest --test-dir $(ASAN_BUILD) --output-on-failure -j $(JOBS)
+	    LSAN_OPTIONS=suppressions=$(CURDIR)/tests/support/lsan.supp:print_suppressions=0 ctest --test-dir $(ASAN_BUILD) --output-on-failure -j $(JOBS)
 
 # Only the threaded tests are built with ThreadSanitizer: the queues,
 # SThread and workers posting to windows.
@@ -53,7 +53,8 @@ $(TSAN_BUILD)/CMakeCache.txt:
 
 test-tsan: $(TSAN_BUILD)/CMakeCache.txt
 	cmake --build $(TSAN_BUILD) -j $(JOBS) --target thread_tests
-	TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 $(TSAN_BUILD)/bin/thread_tests
+	TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1:suppressions=$(CURDIR)/tests/support/tsan.supp \
+	    $(TSAN_BUILD)/bin/thread_tests
 
 $(FUZZ_BUILD)/CMakeCache.txt:
 	CC=clang CXX=clang++ cmake -S . -B $(FUZZ_BUILD) $(GENERATOR) -DCMAKE_BUILD_TYPE=RelWithDebInfo \

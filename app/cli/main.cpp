@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "foundation/array.h"
+#include "app/cli/cli_pages.h"
 #include "foundation/disk.h"
 #include "library/playlist.h"
 #include "library/statistics.h"
@@ -188,13 +189,20 @@ int RunPlaylist(std::vector<std::string> arguments) {
 int main(int argc, char** argv) {
     std::vector<std::string> arguments(argv + 1, argv + argc);
     if (arguments.empty()) {
-        return Usage(USAGE);
+        Usage(USAGE);
+        PrintPagesUsage(stderr);
+        return EXIT_USAGE;
     }
     std::string job = arguments.front();
     arguments.erase(arguments.begin());
     if (job == "--help" || job == "-h") {
         fputs(USAGE, stdout);
+        PrintPagesUsage(stdout);
         return EXIT_OK;
+    }
+    // The jobs of the generated pages read their own arguments.
+    if (const PCliJob* pagesJob = FindPagesJob(job.c_str())) {
+        return pagesJob->run(argc - 2, argv + 2);
     }
     if (!TakeCommonOptions(arguments)) {
         return Usage(USAGE);
@@ -205,5 +213,7 @@ int main(int argc, char** argv) {
     if (job == "playlist") {
         return RunPlaylist(arguments);
     }
-    return Usage(USAGE);
+    Usage(USAGE);
+    PrintPagesUsage(stderr);
+    return EXIT_USAGE;
 }

@@ -1,0 +1,111 @@
+// The pages jobs of melkora-cli, run as a user runs them: exit codes,
+// stdout, stderr, and the files they leave.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <sys/wait.h>
+
+#include "support/temp_dir.h"
+
+#ifdef MELKORA_CLI_PATH
+
+namespace {
+
+struct CliRun {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+// Runs melkora-cli with arguments (already quoted for the shell) and input
+// on stdin. stderr is a file here, so no progress bar is drawn.
+CliRun RunCli(const TempDir& temp, const std::string& arguments, const std::string& input = "") {
+    std::string in = temp.Write("cli-in", input);
+    std::string command = std::string("'") + MELKORA_CLI_PATH + "' " + arguments + " <'" + in +
+                          "' >'" + (temp / "cli-out") + "' 2>'" + (temp / "cli-err") + "'";
+    CliRun run;
+    int result = std::system(command.c_str());
+    run.status = WIFEXITED(result) ? WEXITSTATUS(result) : -1;
+    run.out = TempDir::Read(temp / "cli-out");
+    run.err = TempDir::Read(temp / "cli-err");
+    return run;
+}
+
+class CliPagesTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        root = temp.MakeFolder("music");
+        temp.MakeFolder("music/Rock/Someone/Album");
+        temp.Write("music/Rock/Someone/Album/01 a.mp3", "");
+        quotedRoot = "'" + root + "'";
+    }
+    TempDir temp;
+    std::string root;
+    std::string quotedRoot;
+};
+
+TEST_F(CliPagesTest, DescribeLineConvertsEachLineWithTheKnownFolders) {
+    CliRun run = RunCli(temp, "describe-line " + quotedRoot,
+                     "#name SOMEONE#\r\n\t.item\n\nlast without end");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out,
+              "<a href=\"Rock/Someone.link\" class=txtName>SOMEONE</a><br>\n"
+              "<div class=txtTab>\xE2\x80\xA2item</div>\n<br>\nlast without end<br>\n");
+    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(RunCli(temp, "describe-line " + quotedRoot, "").out, "");
+}
+
+TEST_F(CliPagesTest, PageAndPagesWriteThePagesAndTheIcon) {
+    temp.Write("music/Rock.txt", "about rock");
+    CliRun run = RunCli(temp, "page " + quotedRoot + "/ Rock");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "");
+    EXPECT_TRUE(std::filesystem::exists(root + "/Rock.htm"));
+    run = RunCli(temp, "page " + quotedRoot + " Rock/Someone");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err.rfind("melkora-cli: ", 0), 0u);
+    run = RunCli(temp, "pages " + quotedRoot);
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.err, ""); // no bar when stderr is no terminal
+    EXPECT_TRUE(std::filesystem::exists(root + "/Images/icon.gif"));
+}
+
+TEST_F(CliPagesTest, BookAndZipBookWriteTheirFiles) {
+    CliRun run = RunCli(temp, "zip-book " + quotedRoot + " --output '" + (temp / "book.zip") + "'");
+    EXPECT_EQ(run.status, 1); // no Book yet
+    run = RunCli(temp, "book " + quotedRoot + " --images 'A;\"B;C\"'");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(run.err, "");
+    EXPECT_TRUE(std::filesystem::exists(root + "/Book/book2.png"));
+    run = RunCli(temp, "book " + quotedRoot + " --no-images --output '" + (temp / "Other.htm") + "'");
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(std::filesystem::exists(temp / "Other.htm"));
+    EXPECT_FALSE(std::filesystem::exists(temp / "Other"));
+    run = RunCli(temp, "zip-book " + quotedRoot + " --output '" + (temp / "book.zip") + "'");
+    EXPECT_EQ(run.status, 0) << run.err;
+    std::string zip = TempDir::Read(temp / "book.zip");
+    EXPECT_EQ(zip.substr(0, 4), std::string("PK\x03\x04", 4));
+    EXPECT_NE(zip.find("Book/book2.png"), std::string::npos);
+}
+
+TEST_F(CliPagesTest, UsageErrorsAndHelp) {
+    EXPECT_EQ(RunCli(temp, "").status, 2);
+    EXPECT_EQ(RunCli(temp, "no-such-job").status, 2);
+    EXPECT_EQ(RunCli(temp, "page " + quotedRoot).status, 2);
+    EXPECT_EQ(RunCli(temp, "zip-book " + quotedRoot).status, 2);
+    EXPECT_EQ(RunCli(temp, "book " + quotedRoot + " --bogus").status, 2);
+    CliRun run = RunCli(temp, "book --help");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.out.rfind("usage: melkora-cli book ROOT", 0), 0u);
+    run = RunCli(temp, "pages '" + (temp / "missing") + "'");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.err.rfind("melkora-cli: ", 0), 0u);
+    EXPECT_EQ(run.err.find('\n'), run.err.size() - 1); // one line
+}
+
+} // namespace
+
+#endif
