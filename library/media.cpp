@@ -168,6 +168,7 @@ SString PFileNameCache::Find(const char* folder, const char* name) {
     if (stat(base.c_str(), &status) != 0) {
         return SString("");
     }
+    std::lock_guard<std::mutex> lock(mutex);
     std::string key(base.c_str());
     auto found = folders.find(key);
     bool fresh = found != folders.end() && found->second.settled &&

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <ctime>
+#include <mutex>
 #include <string>
 #include <unordered_map>
 
@@ -49,7 +50,8 @@ SString FindFileNoCase(const char* folder, const char* name);
 // folders many times. One thread per object.
 class PFileNameCache {
 public:
-    // As FindFileNoCase.
+    // As FindFileNoCase. Safe to call from several threads at once (the
+    // Book makes its pictures on worker threads).
     SString Find(const char* folder, const char* name);
 
 private:
@@ -60,6 +62,7 @@ private:
     };
     // Folders kept at most; past it the cache starts again.
     static constexpr size_t MAX_FOLDERS = 16;
+    std::mutex mutex; // guards folders
     std::unordered_map<std::string, Listing> folders;
 };
 

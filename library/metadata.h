@@ -50,10 +50,11 @@ public:
     // every pixel whose alpha is below 255 made opaque white. True when the
     // folder's own cover was used.
     bool LoadCover(SImage* image, const char* folder) const;
+    // Every cover file of the folder that exists, in the order above: a
+    // file that does not decode passes to the next.
+    std::vector<SString> FindCoverFiles(const char* folder) const;
 
 private:
-    // Every cover file of the folder that exists, in the order above.
-    std::vector<SString> FindCoverFiles(const char* folder) const;
 
     SString root;
     SStringArray sharedNames;

@@ -141,13 +141,16 @@ private:
     void Make(const ImageJob& job, PBannerPainter& bannerPainter) const {
         SString base = folder + "book" + SString::FromInt(job.k);
         // The cover is looked for here too, off the thread that writes the
-        // page. A cover that does not decode gives the default picture.
-        // FIXME: pass to the next place of the cover order instead, as
-        // PCovers::LoadCover does, once the collection layer can list the
-        // places in order.
+        // page. A cover file that does not decode passes to the next place
+        // of the cover order; with none left the default picture stands.
         SFileMem jpeg;
-        SString cover = covers.FindCover(job.folder.c_str());
-        bool hasCover = !cover.IsEmpty() && MakeCoverThumbnail(cover.c_str(), jpeg);
+        bool hasCover = false;
+        for (const SString& cover : covers.FindCoverFiles(job.folder.c_str())) {
+            if (MakeCoverThumbnail(cover.c_str(), jpeg)) {
+                hasCover = true;
+                break;
+            }
+        }
         if (hasCover) {
             WriteWholeFile(base + ".jpg", jpeg.GetData(), jpeg.GetSize());
         } else if (defaultJpeg.GetSize() > 0) {
