@@ -43,9 +43,10 @@ public:
     // Asks the worker to end: Run should return when IsStopRequested says
     // so, and the worker's loop quits. Any thread.
     void RequestStop();
-    // Asks the worker to end and waits for it (owner's thread). A subclass
-    // whose Run or OnThreadEnd uses its own members calls it from its
-    // destructor: those members are gone before ~SThread joins.
+    // Asks the worker to end and waits for it (owner's thread). Every
+    // subclass calls it first thing in its destructor: the worker calls
+    // virtual operations and the subclass's members until it ends, and
+    // both are gone by the time ~SThread could join.
     void StopAndJoin();
     bool IsStopRequested() const { return stopRequested.load() != 0; }
     bool IsRunning() const { return running.load(); }

@@ -31,6 +31,7 @@ template <typename Done> bool PumpUntil(Done done) {
 class Counter : public SThread {
 public:
     explicit Counter(int count) : count(count) {}
+    ~Counter() override { StopAndJoin(); }
     std::vector<int64_t> received;
     std::vector<bool> postResults;
     std::atomic<int> order{0};
@@ -57,6 +58,9 @@ private:
 };
 
 class Blocker : public SThread {
+public:
+    ~Blocker() override { StopAndJoin(); }
+
 protected:
     bool Run() override {
         entered = true;
@@ -72,6 +76,7 @@ public:
 
 class Looper : public SThread {
 public:
+    ~Looper() override { StopAndJoin(); }
     std::atomic<int> workerPosts{0};
 
 protected:

@@ -11,6 +11,7 @@ namespace {
 
 class Progress : public SThread {
 public:
+    ~Progress() override { StopAndJoin(); }
     std::vector<int64_t> seen;
     HWND window = 0;
 
