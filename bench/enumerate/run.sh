@@ -15,44 +15,11 @@
 set -euo pipefail
 
 repo=$(cd "$(dirname "$0")/../.." && pwd)
-build=${BUILD:-$repo/build}
-cache=${BENCH_TREE:-/tmp/melkora-bench-enumerate}
-generator=${MAKE_COLLECTION:-$repo/../shared/tools/make_collection.py}
-"$repo/scripts/install-deps.sh" --bench >&2
+source "$repo/bench/common.sh"
 runs=${1:-7}
-root=$cache/tree
-min_files=50000
-
-# The tree: made once (about 60,000 tracks and their companions), then reused.
-if [ ! -f "$cache/ready" ]; then
-    mkdir -p "$cache"
-    echo "making the tree in $root (once)..." >&2
-    python3 "$generator" "$root" --preset large --pool-jpeg 40 --pool-png 10 --jobs 2 \
-        --force >&2
-    touch "$cache/ready"
-fi
-files=$(find "$root" -type f | wc -l)
-if [ "$files" -lt "$min_files" ]; then
-    echo "the tree in $root holds only $files files; remove $cache and run again" >&2
-    exit 1
-fi
-
-if [ ! -f "$build/CMakeCache.txt" ]; then
-    cmake -S "$repo" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >&2
-fi
-cmake --build "$build" -j2 --target bench_enumerate >&2
+bench_large_tree
+bench_build bench_enumerate
 bench="$build/bin/bench_enumerate"
-
-median() { printf '%s\n' "$@" | sort -n | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
-
-# Wall-clock and processor time (user + system), in milliseconds, of one
-# command line run by bash; prints "wall cpu".
-TIMEFORMAT='%3R %3U %3S'
-measure() {
-    local report
-    report=$({ time bash -c "$1" > /dev/null 2>&1; } 2>&1)
-    awk '{ printf "%.1f %.1f\n", $1 * 1000, ($2 + $3) * 1000 }' <<< "$report"
-}
 
 # Warm the cache and check that both see the same tree (find also prints ROOT).
 find_entries=$(find "$root" | wc -l)

@@ -9,24 +9,9 @@
 #include <thread>
 #include <vector>
 
-namespace {
+#include "support/message_pump.h"
 
-// Runs the owner's loop until done says so (or a generous time passes).
-template <typename Done> bool PumpUntil(Done done) {
-    auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    SMessage message;
-    while (!done()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        if (PeekMessage(&message, true)) {
-            DispatchMessage(&message);
-        } else {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-    }
-    return true;
-}
+namespace {
 
 class Counter : public SThread {
 public:

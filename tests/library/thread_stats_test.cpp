@@ -10,25 +10,10 @@
 #include <optional>
 #include <thread>
 
+#include "support/message_pump.h"
 #include "support/temp_dir.h"
 
 namespace {
-
-template <typename Done> bool PumpUntil(Done done) {
-    auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    SMessage message;
-    while (!done()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        if (PeekMessage(&message, true)) {
-            DispatchMessage(&message);
-        } else {
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        }
-    }
-    return true;
-}
 
 class StatsWorker : public ::testing::Test {
 protected:
