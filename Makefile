@@ -68,7 +68,7 @@ fuzz: fuzz-build
 	@./scripts/run-fuzzers.sh $(FUZZ_BUILD)/bin $(FUZZ_SECONDS) $(FUZZ_TARGETS)
 
 run: deps
-	@echo "The desktop window arrives with the window core; 'make run' starts it from then on."
+	@echo "The desktop program arrives with its main window; 'make run' starts it from then on."
 	@echo "Until then: 'make' builds the libraries and 'make test' runs the suite."
 
 format:
