@@ -170,8 +170,11 @@ TEST_F(Loop, CommandLineArgumentsCountFromTheFirstAfterTheProgram) {
 TEST_F(Loop, InstanceCountFindsThisProcessInAnyLetterCase) {
     SString path = GetProgramPath();
     ASSERT_FALSE(path.IsEmpty());
+    // Other processes of this test program come and go while ctest runs
+    // tests side by side, so each count is only known to include this one.
     EXPECT_GE(CountProgramInstances(nullptr), 1);
-    EXPECT_EQ(CountProgramInstances(path.Upper().c_str()), CountProgramInstances(path.c_str()));
+    EXPECT_GE(CountProgramInstances(path.c_str()), 1);
+    EXPECT_GE(CountProgramInstances(path.Upper().c_str()), 1);
     EXPECT_EQ(CountProgramInstances("/no/such/program"), 0);
     EXPECT_EQ(GetProcessId(), static_cast<unsigned>(getpid()));
 }
