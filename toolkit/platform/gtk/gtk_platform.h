@@ -19,5 +19,7 @@ bool GtkCaptureSurface(HWND top, SImage* picture);
 // A real click of the left button at a point of a top-level window's
 // client area, synthesised through the X test extension.
 bool GtkSimulateClick(HWND top, int x, int y);
+// The place of the tool tip window while it shows; false when hidden.
+bool GtkGetToolTipRect(SRect* rect);
 // Waits until the X server has handled every request sent so far.
 void GtkSync();
