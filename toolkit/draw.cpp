@@ -154,7 +154,7 @@ SString SClipboard::GetText() {
 }
 
 bool SClipboard::SetFile(SFile* source, int count) {
-    if (source == nullptr || !source->IsOpen() || count < -1) {
+    if (source == nullptr || count < -1) {
         return false;
     }
     int remaining = source->GetRemaining();
@@ -176,7 +176,7 @@ bool SClipboard::SetFile(SFile* source, int count) {
 
 bool SClipboard::GetFile(SFile* target) {
     std::vector<uint8_t> block;
-    if (target == nullptr || !target->IsOpen() ||
+    if (target == nullptr ||
         !GetPlatform()->GetClipboardData(CLIPBOARD_BLOCK_FORMAT, &block) || block.size() < 5) {
         return false;
     }

@@ -653,6 +653,49 @@ bool GtkCaptureSurface(HWND top, SImage* picture) {
     return picture->LoadPixels(argb.data(), width, height);
 }
 
+bool GtkResizeSurface(HWND top, int width, int height) {
+    GtkPlatform* platform = Current();
+    Surface* surface = platform != nullptr ? platform->Find(top) : nullptr;
+    if (surface == nullptr) {
+        return false;
+    }
+    gtk_window_resize(GTK_WINDOW(surface->window), std::max(1, width), std::max(1, height));
+    return true;
+}
+
+bool GtkGetSurfaceSize(HWND top, SSize* size) {
+    GtkPlatform* platform = Current();
+    Surface* surface = platform != nullptr ? platform->Find(top) : nullptr;
+    GdkWindow* window = surface != nullptr ? gtk_widget_get_window(surface->area) : nullptr;
+    if (window == nullptr || size == nullptr) {
+        return false;
+    }
+    *size = SSize{gdk_window_get_width(window), gdk_window_get_height(window)};
+    return true;
+}
+
+void GtkSetInterfaceFontName(const char* name) {
+    GtkSettings* settings = gtk_settings_get_default();
+    if (settings != nullptr && name != nullptr) {
+        g_object_set(settings, "gtk-font-name", name, nullptr);
+    }
+}
+
+bool GtkAddStyleSheet(const char* css) {
+    GdkScreen* screen = gdk_screen_get_default();
+    if (screen == nullptr || css == nullptr) {
+        return false;
+    }
+    GtkCssProvider* provider = gtk_css_provider_new();
+    bool loaded = gtk_css_provider_load_from_data(provider, css, -1, nullptr) != FALSE;
+    if (loaded) {
+        gtk_style_context_add_provider_for_screen(screen, GTK_STYLE_PROVIDER(provider),
+                                                  GTK_STYLE_PROVIDER_PRIORITY_USER);
+    }
+    g_object_unref(provider);
+    return loaded;
+}
+
 bool GtkGetToolTipRect(SRect* rect) {
     GtkPlatform* platform = Current();
     GtkWidget* window = platform != nullptr ? platform->GetToolTipWindow() : nullptr;

@@ -108,7 +108,10 @@ void GtkLoadThemeColors() {
     uint32_t face = Background(window, GTK_STATE_FLAG_NORMAL, GetSysColor(SYS_COLOR_BTNFACE));
     SetSysColor(SYS_COLOR_BTNFACE, face);
     SetSysColor(SYS_COLOR_BTNTEXT, Foreground(window, GTK_STATE_FLAG_NORMAL, face));
-    SetSysColor(SYS_COLOR_GRAYTEXT, Foreground(window, GTK_STATE_FLAG_INSENSITIVE, face));
+    GtkStyleContext* label = ContextFor({{GTK_TYPE_WINDOW, "window", "background"},
+                                         {GTK_TYPE_LABEL, "label", nullptr}},
+                                        window);
+    SetSysColor(SYS_COLOR_GRAYTEXT, Foreground(label, GTK_STATE_FLAG_INSENSITIVE, face));
 
     GtkStyleContext* view = ContextFor({{GTK_TYPE_WINDOW, "window", "background"},
                                         {GTK_TYPE_TEXT_VIEW, "textview", "view"}},
@@ -117,10 +120,15 @@ void GtkLoadThemeColors() {
     SetSysColor(SYS_COLOR_WINDOW, base);
     SetSysColor(SYS_COLOR_WINDOWTEXT, Foreground(view, GTK_STATE_FLAG_NORMAL, base));
 
+    GtkStyleContext* text = ContextFor({{GTK_TYPE_WINDOW, "window", "background"},
+                                        {GTK_TYPE_TEXT_VIEW, "textview", "view"},
+                                        {G_TYPE_NONE, "text", nullptr}},
+                                       view);
     GtkStyleContext* selection = ContextFor({{GTK_TYPE_WINDOW, "window", "background"},
                                              {GTK_TYPE_TEXT_VIEW, "textview", "view"},
+                                             {G_TYPE_NONE, "text", nullptr},
                                              {G_TYPE_NONE, "selection", nullptr}},
-                                            view);
+                                            text);
     GtkStateFlags selected = static_cast<GtkStateFlags>(GTK_STATE_FLAG_SELECTED |
                                                         GTK_STATE_FLAG_FOCUSED);
     uint32_t highlight = Background(selection, selected, GetSysColor(SYS_COLOR_HIGHLIGHT));
@@ -143,7 +151,7 @@ void GtkLoadThemeColors() {
     SetSysColor(SYS_COLOR_INFOBK, tipBack);
     SetSysColor(SYS_COLOR_INFOTEXT, Foreground(tipLabel, GTK_STATE_FLAG_NORMAL, tipBack));
 
-    for (GtkStyleContext* context : {tipLabel, tip, link, selection, view, window}) {
+    for (GtkStyleContext* context : {tipLabel, tip, link, selection, text, view, label, window}) {
         g_object_unref(context);
     }
 }
