@@ -165,8 +165,9 @@ bool SClipboard::SetFile(SFile* source, int count) {
         return false;
     }
     std::vector<uint8_t> block(static_cast<size_t>(count) + 5, 0);
-    for (int i = 0; i < 4; ++i) {
-        block[static_cast<size_t>(i)] = static_cast<uint8_t>(static_cast<uint32_t>(count) >> (8 * i));
+    uint32_t length = static_cast<uint32_t>(count); // little-endian
+    for (size_t i = 0; i < 4; ++i) {
+        block[i] = static_cast<uint8_t>(length >> (8 * i));
     }
     if (count > 0 && source->Read(block.data() + 4, count) != count) {
         return false;

@@ -21,6 +21,23 @@ struct SMinMaxInfo {
     SSize maxTrackSize{-1, -1};
 };
 
+// size held inside limits whose -1 parts are free; the minimum wins over a
+// maximum below it.
+constexpr SSize KeepSizeInside(SSize size, const SSize& minimum, const SSize& maximum) {
+    int* const parts[2] = {&size.width, &size.height};
+    const int low[2] = {minimum.width, minimum.height};
+    const int high[2] = {maximum.width, maximum.height};
+    for (int i = 0; i < 2; ++i) {
+        if (high[i] >= 0 && *parts[i] > high[i]) {
+            *parts[i] = high[i];
+        }
+        if (low[i] >= 0 && *parts[i] < low[i]) {
+            *parts[i] = low[i];
+        }
+    }
+    return size;
+}
+
 // Toolkit messages, sent to the window itself unless told otherwise.
 constexpr unsigned SM_CREATE = 33769;          // 0, user data; non-zero refuses creation
 constexpr unsigned SM_PARENT_SIZE = 33771;     // WM_SIZE wParam, parent handle

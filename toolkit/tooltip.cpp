@@ -185,7 +185,7 @@ private:
     HWND owner = 0;     // the window followed
     HWND dismissed = 0; // a window whose tip went, until the pointer leaves it
     bool shown = false;
-    SPoint pointer;     // screen coordinates
+    SPoint pointer; // screen coordinates
 };
 
 ToolTipTracker& Tracker() {

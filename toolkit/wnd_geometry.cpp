@@ -54,22 +54,9 @@ SRect SWnd::LimitSize(const SRect& target) const {
         return target;
     }
     SMinMaxInfo info = GetMinMaxInfo();
-    int width = target.Width();
-    int height = target.Height();
-    // The minimum wins over a maximum below it.
-    if (info.maxTrackSize.width >= 0) {
-        width = std::min(width, info.maxTrackSize.width);
-    }
-    if (info.maxTrackSize.height >= 0) {
-        height = std::min(height, info.maxTrackSize.height);
-    }
-    if (info.minTrackSize.width >= 0) {
-        width = std::max(width, info.minTrackSize.width);
-    }
-    if (info.minTrackSize.height >= 0) {
-        height = std::max(height, info.minTrackSize.height);
-    }
-    return SRect{target.left, target.top, target.left + width, target.top + height};
+    SSize size = KeepSizeInside(SSize{target.Width(), target.Height()}, info.minTrackSize,
+                                info.maxTrackSize);
+    return SRect{target.left, target.top, target.left + size.width, target.top + size.height};
 }
 
 void SWnd::ApplyLimits() {

@@ -76,8 +76,8 @@ TEST_F(SizeLimits, ClientLimitsCountTheFrameAndBothKindsHold) {
     SRect bounds = Rect(0, 0, 400, 400);
     ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
     SRect rect = Rect(10, 10, 200, 200);
-    ASSERT_TRUE(pane.Create("pane", WS_VISIBLE | WS_THICKFRAME, WS_EX_CLIENTEDGE, &rect,
-                            top.GetHandle()));
+    ASSERT_TRUE(
+        pane.Create("pane", WS_VISIBLE | WS_THICKFRAME, WS_EX_CLIENTEDGE, &rect, top.GetHandle()));
     pane.SetMinMaxClient(50, 40, 100, 90);
     SMinMaxInfo info = pane.GetMinMaxInfo();
     EXPECT_EQ(info.minTrackSize, (SSize{54, 44})) << "a sunken edge is 2 pixels a side";

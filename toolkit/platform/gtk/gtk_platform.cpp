@@ -606,6 +606,12 @@ GtkPlatform* Current() {
     return dynamic_cast<GtkPlatform*>(GetPlatform());
 }
 
+// The surface of a top-level window on the GTK platform, or null.
+Surface* FindSurface(HWND top) {
+    GtkPlatform* platform = Current();
+    return platform != nullptr ? platform->Find(top) : nullptr;
+}
+
 } // namespace
 
 bool UseGtkPlatform() {
@@ -625,8 +631,7 @@ void GtkSync() {
 }
 
 bool GtkCaptureSurface(HWND top, SImage* picture) {
-    GtkPlatform* platform = Current();
-    Surface* surface = platform != nullptr ? platform->Find(top) : nullptr;
+    Surface* surface = FindSurface(top);
     GdkWindow* window = surface != nullptr ? gtk_widget_get_window(surface->area) : nullptr;
     if (window == nullptr || picture == nullptr) {
         return false;
@@ -654,8 +659,7 @@ bool GtkCaptureSurface(HWND top, SImage* picture) {
 }
 
 bool GtkResizeSurface(HWND top, int width, int height) {
-    GtkPlatform* platform = Current();
-    Surface* surface = platform != nullptr ? platform->Find(top) : nullptr;
+    Surface* surface = FindSurface(top);
     if (surface == nullptr) {
         return false;
     }
@@ -664,8 +668,7 @@ bool GtkResizeSurface(HWND top, int width, int height) {
 }
 
 bool GtkGetSurfaceSize(HWND top, SSize* size) {
-    GtkPlatform* platform = Current();
-    Surface* surface = platform != nullptr ? platform->Find(top) : nullptr;
+    Surface* surface = FindSurface(top);
     GdkWindow* window = surface != nullptr ? gtk_widget_get_window(surface->area) : nullptr;
     if (window == nullptr || size == nullptr) {
         return false;
@@ -710,8 +713,7 @@ bool GtkGetToolTipRect(SRect* rect) {
 }
 
 bool GtkSimulateClick(HWND top, int x, int y) {
-    GtkPlatform* platform = Current();
-    Surface* surface = platform != nullptr ? platform->Find(top) : nullptr;
+    Surface* surface = FindSurface(top);
     GdkWindow* window = surface != nullptr ? gtk_widget_get_window(surface->area) : nullptr;
     if (window == nullptr || !GDK_IS_X11_DISPLAY(gdk_window_get_display(window))) {
         return false;

@@ -108,14 +108,13 @@ void GtkLoadThemeColors() {
     uint32_t face = Background(window, GTK_STATE_FLAG_NORMAL, GetSysColor(SYS_COLOR_BTNFACE));
     SetSysColor(SYS_COLOR_BTNFACE, face);
     SetSysColor(SYS_COLOR_BTNTEXT, Foreground(window, GTK_STATE_FLAG_NORMAL, face));
-    GtkStyleContext* label = ContextFor({{GTK_TYPE_WINDOW, "window", "background"},
-                                         {GTK_TYPE_LABEL, "label", nullptr}},
-                                        window);
+    GtkStyleContext* label = ContextFor(
+        {{GTK_TYPE_WINDOW, "window", "background"}, {GTK_TYPE_LABEL, "label", nullptr}}, window);
     SetSysColor(SYS_COLOR_GRAYTEXT, Foreground(label, GTK_STATE_FLAG_INSENSITIVE, face));
 
-    GtkStyleContext* view = ContextFor({{GTK_TYPE_WINDOW, "window", "background"},
-                                        {GTK_TYPE_TEXT_VIEW, "textview", "view"}},
-                                       window);
+    GtkStyleContext* view = ContextFor(
+        {{GTK_TYPE_WINDOW, "window", "background"}, {GTK_TYPE_TEXT_VIEW, "textview", "view"}},
+        window);
     uint32_t base = Background(view, GTK_STATE_FLAG_NORMAL, GetSysColor(SYS_COLOR_WINDOW));
     SetSysColor(SYS_COLOR_WINDOW, base);
     SetSysColor(SYS_COLOR_WINDOWTEXT, Foreground(view, GTK_STATE_FLAG_NORMAL, base));
@@ -129,8 +128,8 @@ void GtkLoadThemeColors() {
                                              {G_TYPE_NONE, "text", nullptr},
                                              {G_TYPE_NONE, "selection", nullptr}},
                                             text);
-    GtkStateFlags selected = static_cast<GtkStateFlags>(GTK_STATE_FLAG_SELECTED |
-                                                        GTK_STATE_FLAG_FOCUSED);
+    GtkStateFlags selected =
+        static_cast<GtkStateFlags>(GTK_STATE_FLAG_SELECTED | GTK_STATE_FLAG_FOCUSED);
     uint32_t highlight = Background(selection, selected, GetSysColor(SYS_COLOR_HIGHLIGHT));
     SetSysColor(SYS_COLOR_HIGHLIGHT, highlight);
     SetSysColor(SYS_COLOR_HIGHLIGHTTEXT, Foreground(selection, selected, highlight));
@@ -145,9 +144,8 @@ void GtkLoadThemeColors() {
     // A tool tip's background may be see-through; it is laid over black,
     // as a desktop without compositing shows it.
     uint32_t tipBack = Background(tip, GTK_STATE_FLAG_NORMAL, 0x000000);
-    GtkStyleContext* tipLabel = ContextFor({{GTK_TYPE_WINDOW, "tooltip", "background"},
-                                            {GTK_TYPE_LABEL, "label", nullptr}},
-                                           tip);
+    GtkStyleContext* tipLabel = ContextFor(
+        {{GTK_TYPE_WINDOW, "tooltip", "background"}, {GTK_TYPE_LABEL, "label", nullptr}}, tip);
     SetSysColor(SYS_COLOR_INFOBK, tipBack);
     SetSysColor(SYS_COLOR_INFOTEXT, Foreground(tipLabel, GTK_STATE_FLAG_NORMAL, tipBack));
 

@@ -265,18 +265,9 @@ void SHeadlessPlatform::Key(HWND top, unsigned code, unsigned keyModifiers) {
 void SHeadlessPlatform::Resize(HWND top, int width, int height) {
     Surface surface;
     if (GetSurface(top, &surface)) {
-        if (surface.minimum.width >= 0) {
-            width = std::max(width, surface.minimum.width);
-        }
-        if (surface.maximum.width >= 0) {
-            width = std::min(width, surface.maximum.width);
-        }
-        if (surface.minimum.height >= 0) {
-            height = std::max(height, surface.minimum.height);
-        }
-        if (surface.maximum.height >= 0) {
-            height = std::min(height, surface.maximum.height);
-        }
+        SSize kept = KeepSizeInside(SSize{width, height}, surface.minimum, surface.maximum);
+        width = kept.width;
+        height = kept.height;
     }
     PlatformResized(top, width, height, SIZE_RESTORED);
     DispatchPending();

@@ -12,33 +12,17 @@
 #include "toolkit/draw.h"
 #include "toolkit/platform/events.h"
 #include "toolkit/platform/gtk/gtk_platform.h"
+#include "toolkit/platform/gtk/gtk_pump.h"
 #include "toolkit/sys_colors.h"
 #include "toolkit/wnd.h"
 #include "toolkit/wnd_app.h"
 
 namespace {
 
-template <typename Done> bool Pump(Done done, int seconds = 5) {
-    auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
-    SMessage message;
-    while (!done()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        GtkSync();
-        if (PeekMessage(&message, true)) {
-            DispatchMessage(&message);
-        } else {
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-    }
-    return true;
-}
-
 // Brightness of a program colour, 0 to 255.
 int Brightness(uint32_t color) {
-    return static_cast<int>((299 * (color & 0xFF) + 587 * ((color >> 8) & 0xFF) +
-                             114 * ((color >> 16) & 0xFF)) / 1000);
+    return static_cast<int>(
+        (299 * (color & 0xFF) + 587 * ((color >> 8) & 0xFF) + 114 * ((color >> 16) & 0xFF)) / 1000);
 }
 
 class Keys : public SWnd {
@@ -75,9 +59,11 @@ TEST_F(GtkDesktop, ThemeGivesTheSystemFontsAndFillsTheColourTable) {
     EXPECT_EQ(GetSysColor(SYS_COLOR_INFOTEXT), 0xC0D0E0u);
     // The built-in theme's own colours: readable pairs.
     EXPECT_GT(std::abs(Brightness(GetSysColor(SYS_COLOR_WINDOW)) -
-                       Brightness(GetSysColor(SYS_COLOR_WINDOWTEXT))), 100);
+                       Brightness(GetSysColor(SYS_COLOR_WINDOWTEXT))),
+              100);
     EXPECT_GT(std::abs(Brightness(GetSysColor(SYS_COLOR_BTNFACE)) -
-                       Brightness(GetSysColor(SYS_COLOR_BTNTEXT))), 100);
+                       Brightness(GetSysColor(SYS_COLOR_BTNTEXT))),
+              100);
     EXPECT_NE(GetSysColor(SYS_COLOR_HIGHLIGHT), GetSysColor(SYS_COLOR_HIGHLIGHTTEXT));
     EXPECT_NE(GetSysColor(SYS_COLOR_GRAYTEXT), GetSysColor(SYS_COLOR_BTNTEXT));
     EXPECT_NE(GetSysColor(SYS_COLOR_HOTLIGHT), GetSysColor(SYS_COLOR_WINDOWTEXT));
@@ -95,17 +81,20 @@ TEST_F(GtkDesktop, GtkKeepsAResizeInsideTheWindowsLimits) {
     ASSERT_TRUE(top.Create("limits", WS_VISIBLE, 0, &bounds, 0));
     top.SetMinMax(200, 150, 400, 300);
     SSize size;
-    ASSERT_TRUE(Pump([&] { return GtkGetSurfaceSize(top.GetHandle(), &size) && size.width == 300; }));
+    ASSERT_TRUE(
+        PumpUntil([&] { return GtkGetSurfaceSize(top.GetHandle(), &size) && size.width == 300; }));
     ASSERT_TRUE(GtkResizeSurface(top.GetHandle(), 50, 40));
-    EXPECT_TRUE(Pump([&] {
+    EXPECT_TRUE(PumpUntil([&] {
         return GtkGetSurfaceSize(top.GetHandle(), &size) && size == SSize{200, 150} &&
                top.GetSize() == SSize{200, 150};
-    })) << "got " << size.width << " x " << size.height;
+    })) << "got "
+        << size.width << " x " << size.height;
     ASSERT_TRUE(GtkResizeSurface(top.GetHandle(), 900, 900));
-    EXPECT_TRUE(Pump([&] {
+    EXPECT_TRUE(PumpUntil([&] {
         return GtkGetSurfaceSize(top.GetHandle(), &size) && size == SSize{400, 300} &&
                top.GetSize() == SSize{400, 300};
-    })) << "got " << size.width << " x " << size.height;
+    })) << "got "
+        << size.width << " x " << size.height;
 }
 
 TEST_F(GtkDesktop, ClipboardBlockTravelsThroughTheXSelection) {
@@ -131,12 +120,13 @@ TEST_F(GtkDesktop, TypedKeyReachesTheFocusWindow) {
     SRect bounds{100, 100, 300, 250};
     ASSERT_TRUE(top.Create("keys", WS_VISIBLE, 0, &bounds, 0));
     SSize size;
-    ASSERT_TRUE(Pump([&] { return GtkGetSurfaceSize(top.GetHandle(), &size) && size.width == 200; }));
+    ASSERT_TRUE(
+        PumpUntil([&] { return GtkGetSurfaceSize(top.GetHandle(), &size) && size.width == 200; }));
     // The click puts the pointer (and so the keyboard, without a window
     // manager) on the window.
     ASSERT_TRUE(GtkSimulateClick(top.GetHandle(), 50, 50));
     ASSERT_TRUE(PressKey('K'));
-    EXPECT_TRUE(Pump([&] { return top.lastKey == 'K'; }));
+    EXPECT_TRUE(PumpUntil([&] { return top.lastKey == 'K'; }));
 }
 
 TEST_F(GtkDesktop, ToolTipWindowShowsBelowThePointerAndGoes) {
@@ -149,16 +139,17 @@ TEST_F(GtkDesktop, ToolTipWindowShowsBelowThePointerAndGoes) {
     button.SetToolTipText("Shuffle");
     button.SetToolTip(true);
     SSize size;
-    ASSERT_TRUE(Pump([&] { return GtkGetSurfaceSize(top.GetHandle(), &size) && size.width == 300; }));
+    ASSERT_TRUE(
+        PumpUntil([&] { return GtkGetSurfaceSize(top.GetHandle(), &size) && size.width == 300; }));
     PlatformMouse(top.GetHandle(), WM_MOUSEMOVE, 40, 30, 0);
     SRect tip;
-    ASSERT_TRUE(Pump([&] { return GtkGetToolTipRect(&tip); })) << "no tip window";
+    ASSERT_TRUE(PumpUntil([&] { return GtkGetToolTipRect(&tip); })) << "no tip window";
     SRect window = top.GetWindowRect();
     EXPECT_EQ(tip.left, window.left + 40);
     EXPECT_EQ(tip.top, window.top + 30 + 20);
     EXPECT_GT(tip.Width(), 20);
     PlatformMouse(top.GetHandle(), WM_LBUTTONDOWN, 40, 30, MK_LBUTTON);
-    EXPECT_TRUE(Pump([&] { return !GtkGetToolTipRect(&tip); })) << "a click takes it away";
+    EXPECT_TRUE(PumpUntil([&] { return !GtkGetToolTipRect(&tip); })) << "a click takes it away";
 }
 
 } // namespace
