@@ -120,7 +120,8 @@ public:
         }
         for (const auto& [offset, kind] : kinds) {
             const char* name = names.data() + offset;
-            bool hidden = name[0] == '.' || listed.count(std::string_view(name)) != 0;
+            bool hidden = name[0] == '.' ||
+                          (!listed.empty() && listed.count(std::string_view(name)) != 0);
             if (kind == Kind::File) {
                 onFile(name, hidden);
             } else {
