@@ -374,4 +374,15 @@ TEST_F(MediaCtrlTest, AScrolledTextIsDrawnAtItsOffset) {
     EXPECT_LE(column, 10 + 1 + 148 + 3) << "50 pixels in a second, aligned left while scrolling";
 }
 
+TEST_F(MediaCtrlTest, TrailingBlanksCountInTheMeasuredWidth) {
+    Make("ab");
+    control.SetMarkup(true);
+    int bare = control.GetContentSize().width;
+    control.SetText("ab    ");
+    EXPECT_GT(control.GetContentSize().width, bare + 4);
+    control.SetText("<B>ab    </B>x");
+    ASSERT_EQ(control.GetLines()[0].texts.size(), 2u);
+    EXPECT_GE(control.GetLines()[0].texts[1].x, bare + 4) << "the next run starts after the blanks";
+}
+
 } // namespace
