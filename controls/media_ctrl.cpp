@@ -19,7 +19,8 @@ SMediaCtrl::~SMediaCtrl() {
 
 void SMediaCtrl::SetText(const char* text) {
     if (GetHandle() != 0) {
-        SendMessage(GetHandle(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text != nullptr ? text : ""));
+        SendMessage(GetHandle(), WM_SETTEXT, 0,
+                    reinterpret_cast<LPARAM>(text != nullptr ? text : ""));
     }
 }
 

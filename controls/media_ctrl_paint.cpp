@@ -34,11 +34,12 @@ PangoLayout* MakeLayout(cairo_t* cr, const SMediaFont& font, const char* text, i
                         double wrapWidth) {
     PangoLayout* layout = pango_cairo_create_layout(cr);
     PangoFontDescription* description = pango_font_description_new();
-    pango_font_description_set_family(description, font.face.IsEmpty() ? "Sans" : font.face.c_str());
+    pango_font_description_set_family(description,
+                                      font.face.IsEmpty() ? "Sans" : font.face.c_str());
     pango_font_description_set_absolute_size(description,
                                              std::max(1, std::abs(font.height)) * PANGO_SCALE);
-    pango_font_description_set_weight(description, font.weight >= 700 ? PANGO_WEIGHT_BOLD
-                                                                       : PANGO_WEIGHT_NORMAL);
+    pango_font_description_set_weight(description,
+                                      font.weight >= 700 ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
     pango_font_description_set_style(description,
                                      font.italic ? PANGO_STYLE_ITALIC : PANGO_STYLE_NORMAL);
     pango_layout_set_font_description(layout, description);
@@ -80,7 +81,8 @@ public:
     }
     SMediaExtent MeasureText(const SMediaFont& font, const char* text, int length, float boxWidth,
                              bool wrap) override {
-        PangoLayout* layout = MakeLayout(cr, font, text, length, wrap ? std::max(boxWidth, 1.0f) : 0);
+        PangoLayout* layout =
+            MakeLayout(cr, font, text, length, wrap ? std::max(boxWidth, 1.0f) : 0);
         SMediaExtent size = LogicalSize(layout);
         g_object_unref(layout);
         return size;
@@ -103,9 +105,9 @@ void SMediaCtrl::Layout() {
     SRect inner = GetInnerRect();
     if (!markup) {
         layout.Clear();
-        SMediaExtent size = measure.MeasureText(BaseFont(), laidOutText.c_str(),
-                                                laidOutText.GetLength(),
-                                                static_cast<float>(inner.Width()), wrapping);
+        SMediaExtent size =
+            measure.MeasureText(BaseFont(), laidOutText.c_str(), laidOutText.GetLength(),
+                                static_cast<float>(inner.Width()), wrapping);
         contentWidth = static_cast<int>(std::ceil(size.width));
         contentHeight = static_cast<int>(std::ceil(size.height));
         return;
@@ -219,8 +221,8 @@ void SMediaCtrl::PaintMarkup(cairo_t* cr, const SRect& inner) {
     linkTexts.clear();
     linkRects.clear();
     const std::vector<_SLine>& lines = layout.GetLines();
-    for (const SMediaPlacedRun& placed :
-         layout.Place(inner, ticker.GetOffsetX(), ticker.GetOffsetY(), ScrollingVertically(), align)) {
+    for (const SMediaPlacedRun& placed : layout.Place(
+             inner, ticker.GetOffsetX(), ticker.GetOffsetY(), ScrollingVertically(), align)) {
         const _SText& run = lines[placed.line].texts[placed.run];
         if (run.image != nullptr) {
             run.image->DrawAt(cr, static_cast<int>(std::lround(placed.x)),

@@ -61,14 +61,30 @@ struct MarkState {
             counter = tag.opening ? counter + 1 : std::max(0, counter - 1);
         };
         switch (tag.kind) {
-        case MARK_BOLD: count(bold); break;
-        case MARK_ITALIC: count(italic); break;
-        case MARK_UNDERLINE: count(underline); break;
-        case MARK_LEFT: count(left); break;
-        case MARK_CENTER: count(center); break;
-        case MARK_RIGHT: count(right); break;
-        case MARK_LINK: link = tag.opening; break;
-        case MARK_IMAGE: image = tag.opening; break;
+        case MARK_BOLD:
+            count(bold);
+            break;
+        case MARK_ITALIC:
+            count(italic);
+            break;
+        case MARK_UNDERLINE:
+            count(underline);
+            break;
+        case MARK_LEFT:
+            count(left);
+            break;
+        case MARK_CENTER:
+            count(center);
+            break;
+        case MARK_RIGHT:
+            count(right);
+            break;
+        case MARK_LINK:
+            link = tag.opening;
+            break;
+        case MARK_IMAGE:
+            image = tag.opening;
+            break;
         case MARK_COLOR:
             if (tag.opening) {
                 colors.push_back(tag.color);
@@ -76,7 +92,8 @@ struct MarkState {
                 colors.pop_back();
             }
             break;
-        default: break;
+        default:
+            break;
         }
     }
 };
@@ -134,12 +151,10 @@ int ClassifyMark(const char* mark, int length, bool* opening, uint32_t* color) {
         const char* text;
         int kind;
     };
-    static const Word words[] = {{"B", MARK_BOLD},        {"I", MARK_ITALIC},
-                                 {"U", MARK_UNDERLINE},   {"LINK", MARK_LINK},
-                                 {"IMG", MARK_IMAGE},     {"LEFT", MARK_LEFT},
-                                 {"L", MARK_LEFT},        {"CENTER", MARK_CENTER},
-                                 {"C", MARK_CENTER},      {"RIGHT", MARK_RIGHT},
-                                 {"R", MARK_RIGHT}};
+    static const Word words[] = {
+        {"B", MARK_BOLD},    {"I", MARK_ITALIC},    {"U", MARK_UNDERLINE}, {"LINK", MARK_LINK},
+        {"IMG", MARK_IMAGE}, {"LEFT", MARK_LEFT},   {"L", MARK_LEFT},      {"CENTER", MARK_CENTER},
+        {"C", MARK_CENTER},  {"RIGHT", MARK_RIGHT}, {"R", MARK_RIGHT}};
     for (const Word& word : words) {
         if (NameIs(name, nameLength, word.text)) {
             return word.kind;
@@ -163,8 +178,10 @@ std::vector<SMediaLayout::MarkedLine> SMediaLayout::FindMarks(const SString& tex
         line.end = end;
         int position = start;
         while (position < end) {
-            const char* open = static_cast<const char*>(std::memchr(data + position, '<', end - position));
-            const char* close = static_cast<const char*>(std::memchr(data + position, '>', end - position));
+            const char* open =
+                static_cast<const char*>(std::memchr(data + position, '<', end - position));
+            const char* close =
+                static_cast<const char*>(std::memchr(data + position, '>', end - position));
             if (open == nullptr || close == nullptr || close < open) {
                 break;
             }
@@ -229,8 +246,8 @@ void SMediaLayout::Build(const SString& text, const SMediaFont& font, uint32_t t
                 run.width = static_cast<float>(run.image->GetWidth());
                 run.height = static_cast<float>(run.image->GetHeight());
             } else {
-                SMediaExtent size =
-                    measure.MeasureText(run.font, text.c_str() + from, run.length, boxWidth, wrapping);
+                SMediaExtent size = measure.MeasureText(run.font, text.c_str() + from, run.length,
+                                                        boxWidth, wrapping);
                 run.width = size.width;
                 run.height = size.height;
             }

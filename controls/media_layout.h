@@ -141,9 +141,9 @@ public:
 
     // Lays text out: runs with their fonts and colours, measured, lines
     // aligned in innerWidth by their own alignment or align's.
-    void Build(const SString& text, const SMediaFont& font, uint32_t textColor,
-               uint32_t linkColor, bool wrapping, int innerWidth, unsigned align,
-               SMediaMeasure& measure, const ImageLookup& images);
+    void Build(const SString& text, const SMediaFont& font, uint32_t textColor, uint32_t linkColor,
+               bool wrapping, int innerWidth, unsigned align, SMediaMeasure& measure,
+               const ImageLookup& images);
     void Clear();
 
     const std::vector<_SLine>& GetLines() const { return lines; }

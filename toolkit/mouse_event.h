@@ -27,18 +27,31 @@ struct SMouseEvent {
 // button, or the toolkit's click of one; 0 for any other message.
 constexpr unsigned MouseEventCode(unsigned message) {
     switch (message) {
-    case WM_LBUTTONDOWN: return MOUSE_DOWN | MOUSE_LEFT;
-    case WM_LBUTTONUP: return MOUSE_UP | MOUSE_LEFT;
-    case WM_LBUTTONDBLCLK: return MOUSE_DOUBLE_CLICK | MOUSE_LEFT;
-    case WM_RBUTTONDOWN: return MOUSE_DOWN | MOUSE_RIGHT;
-    case WM_RBUTTONUP: return MOUSE_UP | MOUSE_RIGHT;
-    case WM_RBUTTONUP + 1: return MOUSE_DOUBLE_CLICK | MOUSE_RIGHT; // WM_RBUTTONDBLCLK
-    case WM_MBUTTONDOWN: return MOUSE_DOWN | MOUSE_MIDDLE;
-    case WM_MBUTTONUP: return MOUSE_UP | MOUSE_MIDDLE;
-    case WM_MBUTTONUP + 1: return MOUSE_DOUBLE_CLICK | MOUSE_MIDDLE; // WM_MBUTTONDBLCLK
-    case SM_LEFT_CLICK: return MOUSE_CLICK | MOUSE_LEFT;
-    case SM_MIDDLE_CLICK: return MOUSE_CLICK | MOUSE_MIDDLE;
-    case SM_RIGHT_CLICK: return MOUSE_CLICK | MOUSE_RIGHT;
-    default: return 0;
+    case WM_LBUTTONDOWN:
+        return MOUSE_DOWN | MOUSE_LEFT;
+    case WM_LBUTTONUP:
+        return MOUSE_UP | MOUSE_LEFT;
+    case WM_LBUTTONDBLCLK:
+        return MOUSE_DOUBLE_CLICK | MOUSE_LEFT;
+    case WM_RBUTTONDOWN:
+        return MOUSE_DOWN | MOUSE_RIGHT;
+    case WM_RBUTTONUP:
+        return MOUSE_UP | MOUSE_RIGHT;
+    case WM_RBUTTONUP + 1:
+        return MOUSE_DOUBLE_CLICK | MOUSE_RIGHT; // WM_RBUTTONDBLCLK
+    case WM_MBUTTONDOWN:
+        return MOUSE_DOWN | MOUSE_MIDDLE;
+    case WM_MBUTTONUP:
+        return MOUSE_UP | MOUSE_MIDDLE;
+    case WM_MBUTTONUP + 1:
+        return MOUSE_DOUBLE_CLICK | MOUSE_MIDDLE; // WM_MBUTTONDBLCLK
+    case SM_LEFT_CLICK:
+        return MOUSE_CLICK | MOUSE_LEFT;
+    case SM_MIDDLE_CLICK:
+        return MOUSE_CLICK | MOUSE_MIDDLE;
+    case SM_RIGHT_CLICK:
+        return MOUSE_CLICK | MOUSE_RIGHT;
+    default:
+        return 0;
     }
 }

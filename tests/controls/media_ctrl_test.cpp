@@ -32,8 +32,8 @@ public:
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
         if (message == SN_MEDIA_MOUSE) {
             const SMouseEvent* event = reinterpret_cast<const SMouseEvent*>(lParam);
-            notes.push_back(Note{message, reinterpret_cast<SWnd*>(wParam), event->code,
-                                 event->client, ""});
+            notes.push_back(
+                Note{message, reinterpret_cast<SWnd*>(wParam), event->code, event->client, ""});
             return 0;
         }
         if (message == SN_MEDIA_BUTTON_CLICKED) {
@@ -97,8 +97,10 @@ protected:
         for (int y = rect.top; y < rect.bottom; ++y) {
             for (int x = rect.left; x < rect.right; ++x) {
                 uint32_t pixel = shot.GetPixel(x, y);
-                int dr = static_cast<int>((pixel >> 16) & 0xFF) - static_cast<int>((rgb >> 16) & 0xFF);
-                int dg = static_cast<int>((pixel >> 8) & 0xFF) - static_cast<int>((rgb >> 8) & 0xFF);
+                int dr =
+                    static_cast<int>((pixel >> 16) & 0xFF) - static_cast<int>((rgb >> 16) & 0xFF);
+                int dg =
+                    static_cast<int>((pixel >> 8) & 0xFF) - static_cast<int>((rgb >> 8) & 0xFF);
                 int db = static_cast<int>(pixel & 0xFF) - static_cast<int>(rgb & 0xFF);
                 count += std::abs(dr) + std::abs(dg) + std::abs(db) <= tolerance ? 1 : 0;
             }
@@ -182,12 +184,14 @@ TEST_F(MediaCtrlTest, LinksOpenMailOrTheDesktopUnlessTheParentClaimsThem) {
     platform->Press(parent.GetHandle(), 10 + mail.left + 3, 10 + mail.top + 3);
     platform->Release(parent.GetHandle(), 10 + mail.left + 3, 10 + mail.top + 3);
     platform->Click(parent.GetHandle(), 10 + web.left + 3, 10 + web.top + 3);
-    EXPECT_EQ(Opened(), (std::vector<std::string>{"mailto:someone@example.org", "http://example.org/"}));
+    EXPECT_EQ(Opened(),
+              (std::vector<std::string>{"mailto:someone@example.org", "http://example.org/"}));
     ASSERT_GE(parent.notes.size(), 2u);
     EXPECT_EQ(parent.notes[0].message, SN_MEDIA_LINK_CLICKED);
     EXPECT_EQ(parent.notes[0].text, "someone@example.org");
     EXPECT_EQ(parent.notes[0].from, &control);
-    EXPECT_EQ(parent.notes[1].code, MOUSE_DOWN | MOUSE_LEFT) << "the press goes on to the mouse notification";
+    EXPECT_EQ(parent.notes[1].code, MOUSE_DOWN | MOUSE_LEFT)
+        << "the press goes on to the mouse notification";
     EXPECT_EQ(parent.notes[1].client, (SPoint{mail.left + 3, mail.top + 3}));
 
     parent.claimLinks = 1;
@@ -223,8 +227,9 @@ TEST_F(MediaCtrlTest, AButtonNotifiesItsClickAndEveryMouseEvent) {
     control.SetButton(true);
     platform->Click(parent.GetHandle(), 50, 30);
     // The click is made as the button goes up, before the release itself.
-    EXPECT_EQ(parent.Codes(), (std::vector<unsigned>{MOUSE_DOWN | MOUSE_LEFT, SN_MEDIA_BUTTON_CLICKED,
-                                                     MOUSE_CLICK | MOUSE_LEFT, MOUSE_UP | MOUSE_LEFT}));
+    EXPECT_EQ(parent.Codes(),
+              (std::vector<unsigned>{MOUSE_DOWN | MOUSE_LEFT, SN_MEDIA_BUTTON_CLICKED,
+                                     MOUSE_CLICK | MOUSE_LEFT, MOUSE_UP | MOUSE_LEFT}));
     EXPECT_EQ(parent.notes[2].client, (SPoint{40, 20}));
     parent.notes.clear();
     platform->Press(parent.GetHandle(), 50, 30, WM_RBUTTONDOWN);
@@ -366,7 +371,8 @@ TEST_F(MediaCtrlTest, AScrolledTextIsDrawnAtItsOffset) {
     SRect strip{10, 10, 210, 40};
     ASSERT_TRUE(control.IsAutoScrollOn());
     int start = FirstColumn(Shot(), strip, 0x000000);
-    EXPECT_TRUE(start == -1 || start >= 10 + 1 + 198) << "at the start the text waits at the right edge";
+    EXPECT_TRUE(start == -1 || start >= 10 + 1 + 198)
+        << "at the start the text waits at the right edge";
     SHeadlessPlatform::AdvanceClock(1000);
     SHeadlessPlatform::DispatchPending();
     int column = FirstColumn(Shot(), strip, 0x000000);

@@ -20,10 +20,10 @@
 
 namespace {
 
-constexpr uint32_t WINDOW = 0xE6E6E6;     // program colours, 0x00BBGGRR
+constexpr uint32_t WINDOW = 0xE6E6E6; // program colours, 0x00BBGGRR
 constexpr uint32_t PAGE = 0xFFFFFF;
 constexpr uint32_t INK = 0x202020;
-constexpr uint32_t LINK = 0xC06000;       // shows as 0x0060C0
+constexpr uint32_t LINK = 0xC06000; // shows as 0x0060C0
 constexpr uint32_t TICKER_BACK = 0x5A3A1E;
 constexpr uint32_t TICKER_TEXT = 0xFFFFFF;
 
@@ -78,7 +78,8 @@ uint32_t ToRgb(uint32_t color) {
 bool Near(uint32_t a, uint32_t b, int tolerance) {
     int sum = 0;
     for (int shift = 0; shift < 24; shift += 8) {
-        sum += std::abs(static_cast<int>((a >> shift) & 0xFF) - static_cast<int>((b >> shift) & 0xFF));
+        sum +=
+            std::abs(static_cast<int>((a >> shift) & 0xFF) - static_cast<int>((b >> shift) & 0xFF));
     }
     return sum <= tolerance;
 }
@@ -172,7 +173,9 @@ TEST(MediaCtrlOnGtk, MarkupTickerAndButtonStatesAsTheXServerShowsThem) {
         button.SetButton(true);
 
         SImage shot;
-        auto capture = [&] { return GtkCaptureSurface(top.GetHandle(), &shot) && shot.GetWidth() == 360; };
+        auto capture = [&] {
+            return GtkCaptureSurface(top.GetHandle(), &shot) && shot.GetWidth() == 360;
+        };
 
         // The marked-up text: bold and link runs where the layout put them.
         ASSERT_TRUE(PumpUntil([&] {
@@ -214,12 +217,14 @@ TEST(MediaCtrlOnGtk, MarkupTickerAndButtonStatesAsTheXServerShowsThem) {
             }
             firstColumn = -1;
             for (int x = strip.left; x < strip.right && firstColumn < 0; ++x) {
-                if (CountNear(shot, SRect{x, strip.top, x + 1, strip.bottom}, ToRgb(TICKER_TEXT), 120) > 0) {
+                if (CountNear(shot, SRect{x, strip.top, x + 1, strip.bottom}, ToRgb(TICKER_TEXT),
+                              120) > 0) {
                     firstColumn = x;
                 }
             }
             return firstColumn >= 0 && firstColumn < 10 + 1 + 158 + 4;
-        })) << "the scrolled ticker was not drawn; first text column " << firstColumn;
+        })) << "the scrolled ticker was not drawn; first text column "
+            << firstColumn;
         EXPECT_GE(firstColumn, 10 + 1 + 158) << "the text starts at its offset";
         EXPECT_EQ(Rgb(shot, 20, 117), ToRgb(TICKER_BACK)) << "nothing left of the offset";
         SavePng(shot, "media_ctrl_window.png");

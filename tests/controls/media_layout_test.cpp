@@ -70,14 +70,14 @@ TEST(MediaMarks, EveryNameIsKnownInAnyCase) {
         int kind;
         bool opening;
     } cases[] = {
-        {"<B>", MARK_BOLD, true},         {"</b>", MARK_BOLD, false},
-        {"<i>", MARK_ITALIC, true},       {"</U>", MARK_UNDERLINE, false},
-        {"<Link>", MARK_LINK, true},      {"</LINK>", MARK_LINK, false},
-        {"<img>", MARK_IMAGE, true},      {"</IMG>", MARK_IMAGE, false},
-        {"<LEFT>", MARK_LEFT, true},      {"</l>", MARK_LEFT, false},
-        {"<center>", MARK_CENTER, true},  {"<C>", MARK_CENTER, true},
-        {"</Right>", MARK_RIGHT, false},  {"<r>", MARK_RIGHT, true},
-        {"</#>", MARK_COLOR, false},      {"</#whatever>", MARK_COLOR, false},
+        {"<B>", MARK_BOLD, true},        {"</b>", MARK_BOLD, false},
+        {"<i>", MARK_ITALIC, true},      {"</U>", MARK_UNDERLINE, false},
+        {"<Link>", MARK_LINK, true},     {"</LINK>", MARK_LINK, false},
+        {"<img>", MARK_IMAGE, true},     {"</IMG>", MARK_IMAGE, false},
+        {"<LEFT>", MARK_LEFT, true},     {"</l>", MARK_LEFT, false},
+        {"<center>", MARK_CENTER, true}, {"<C>", MARK_CENTER, true},
+        {"</Right>", MARK_RIGHT, false}, {"<r>", MARK_RIGHT, true},
+        {"</#>", MARK_COLOR, false},     {"</#whatever>", MARK_COLOR, false},
     };
     for (const Case& c : cases) {
         bool opening = !c.opening;
