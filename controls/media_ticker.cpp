@@ -7,6 +7,9 @@ bool SMediaTicker::Start(double newSpeedX, double newSpeedY, bool force, const S
                          const Frame& frame, uint64_t now) {
     int innerWidth = std::max(0, frame.clientWidth - frame.left - frame.right);
     int innerHeight = std::max(0, frame.clientHeight - frame.top - frame.bottom);
+    // A speed that is no number stands still.
+    newSpeedX = std::isfinite(newSpeedX) ? newSpeedX : 0;
+    newSpeedY = std::isfinite(newSpeedY) ? newSpeedY : 0;
     if (!force) {
         // A short title stands still.
         if (frame.contentWidth <= innerWidth) {
@@ -60,8 +63,10 @@ bool SMediaTicker::Step(uint64_t now, const Frame& frame) {
     }
     double elapsed = now >= lastTick ? static_cast<double>(now - lastTick) : 0.0;
     lastTick = now;
-    exactX += elapsed * speedX;
-    exactY += elapsed * speedY;
+    // A ticker left running without a loop stops short of the int range.
+    constexpr double LIMIT = 1e9;
+    exactX = std::clamp(exactX + elapsed * speedX, -LIMIT, LIMIT);
+    exactY = std::clamp(exactY + elapsed * speedY, -LIMIT, LIMIT);
     int newX = static_cast<int>(std::trunc(exactX));
     int newY = static_cast<int>(std::trunc(exactY));
     if (newX == offsetX && newY == offsetY) {

@@ -308,4 +308,31 @@ TEST(MediaFrame, StatesOfTheButtonFrame) {
     EXPECT_EQ(MediaFrameState(false, false, true, false, true, true), MEDIA_FRAME_NONE);
 }
 
+TEST(MediaRuns, ArbitraryTextGivesRunsInsideTheTextThatHoldNoMark) {
+    // Texts made of mark pieces in a fixed pseudo-random order.
+    const char alphabet[] = "<>/#BICLRUKMGa0F9\r\n ";
+    uint32_t seed = 12345;
+    for (int round = 0; round < 2000; ++round) {
+        std::string text;
+        int length = static_cast<int>(seed % 120);
+        for (int i = 0; i < length; ++i) {
+            seed = seed * 1103515245u + 12345u;
+            text += alphabet[(seed >> 16) % (sizeof(alphabet) - 1)];
+        }
+        Built built;
+        Build(built, text.c_str(), 80, round % 4, round % 2 == 0);
+        for (const auto& line : built.layout.GetLines()) {
+            for (const auto& run : line.texts) {
+                ASSERT_GE(run.start, 0) << text;
+                ASSERT_GT(run.length, 0) << text;
+                ASSERT_LE(run.start + run.length, static_cast<int>(text.size())) << text;
+                SString piece = built.text.Mid(run.start, run.length);
+                ASSERT_LT(piece.Find('\r'), 0) << text;
+                ASSERT_LT(piece.Find('\n'), 0) << text;
+            }
+        }
+        ASSERT_GE(built.layout.GetContentHeight(), 12) << text;
+    }
+}
+
 } // namespace

@@ -2,6 +2,9 @@
 // and the wrap of each axis.
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
+
 #include "controls/media_ticker.h"
 
 namespace {
@@ -106,6 +109,17 @@ TEST(MediaTicker, BothSpeedsZeroStopAndPutTheTextBack) {
     EXPECT_FALSE(ticker.IsOn());
     EXPECT_EQ(ticker.GetOffsetX(), 0);
     EXPECT_FALSE(ticker.Step(1300, Wide())) << "a stopped ticker does not move";
+}
+
+TEST(MediaTicker, SpeedsThatAreNoNumberAndEndlessRunsStayInRange) {
+    SMediaTicker ticker;
+    double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_FALSE(
+        ticker.Start(nan, std::numeric_limits<double>::infinity(), true, nullptr, Wide(), 0));
+    ticker.loop = false;
+    ASSERT_TRUE(ticker.Start(-1000000, 0, true, nullptr, Wide(), 0));
+    ASSERT_TRUE(ticker.Step(10000000, Wide()));
+    EXPECT_EQ(ticker.GetOffsetX(), -1000000000) << "held at the limit, far from overflow";
 }
 
 } // namespace
