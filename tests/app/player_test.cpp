@@ -172,7 +172,12 @@ struct CliResult {
 
 CliResult RunCli(const std::string& arguments) {
     CliResult result;
-    std::string command = std::string(MELKORA_CLI_PATH) + " " + arguments + " 2>/dev/null";
+    // Under AddressSanitizer the job's leak check needs whole stacks to
+    // match the suppressions of GStreamer's globals (support/gst/).
+    const char* asan = getenv("ASAN_OPTIONS");
+    std::string options = std::string(asan != nullptr ? asan : "") + ":fast_unwind_on_malloc=0";
+    std::string command = "ASAN_OPTIONS='" + options + "' " + std::string(MELKORA_CLI_PATH) + " " +
+                          arguments + " 2>/dev/null";
     FILE* pipe = popen(command.c_str(), "r");
     if (pipe == nullptr) {
         return result;
