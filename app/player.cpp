@@ -38,6 +38,8 @@ void PMedia::ShutDownMachine() {
 }
 
 void PMedia::OnBuffering(bool stopped) {
+    // FIXME: show "buffering..." in status pane 2 and set the strip's flag
+    // once the main window and the strip exist; until then the flag is kept.
     buffering = !stopped;
 }
 
