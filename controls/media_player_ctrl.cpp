@@ -13,44 +13,14 @@
 namespace {
 
 // Posted by the player's threads to this window only.
-constexpr unsigned SM_MEDIA_ERROR = 0x8C5E; // a failure while playing
-constexpr unsigned SM_MEDIA_WAKE = 0x8C5F;  // the open state changed
-constexpr unsigned SM_MEDIA_FRAME = 0x8C60; // a video frame waits
+constexpr unsigned SM_PLAYER_ERROR = 0x8C5E; // a failure while playing
+constexpr unsigned SM_PLAYER_WAKE = 0x8C5F;  // the open state changed
+constexpr unsigned SM_PLAYER_FRAME = 0x8C60; // a video frame waits
 
 // Wakes the wait of an open now and then, so that Escape is seen even when
 // nothing else arrives.
 constexpr uintptr_t OPEN_POLL_TIMER_ID = 151;
 constexpr unsigned OPEN_POLL_ELAPSE = 10; // milliseconds
-
-constexpr unsigned WM_RBUTTONDBLCLK_CODE = 0x0206;
-constexpr unsigned WM_MBUTTONDBLCLK_CODE = 0x0209;
-
-constexpr unsigned MOUSE_LEFT = 1;
-constexpr unsigned MOUSE_MIDDLE = 2;
-constexpr unsigned MOUSE_RIGHT = 4;
-constexpr unsigned MOUSE_DOWN = 8;
-constexpr unsigned MOUSE_UP = 0x10;
-constexpr unsigned MOUSE_CLICK = 0x20;
-constexpr unsigned MOUSE_DOUBLE_CLICK = 0x40;
-
-// The mouse code of a mouse message, 0 for another message.
-unsigned MouseCode(unsigned message) {
-    switch (message) {
-    case WM_LBUTTONDOWN: return MOUSE_LEFT | MOUSE_DOWN;
-    case WM_LBUTTONUP: return MOUSE_LEFT | MOUSE_UP;
-    case WM_LBUTTONDBLCLK: return MOUSE_LEFT | MOUSE_DOUBLE_CLICK;
-    case WM_RBUTTONDOWN: return MOUSE_RIGHT | MOUSE_DOWN;
-    case WM_RBUTTONUP: return MOUSE_RIGHT | MOUSE_UP;
-    case WM_RBUTTONDBLCLK_CODE: return MOUSE_RIGHT | MOUSE_DOUBLE_CLICK;
-    case WM_MBUTTONDOWN: return MOUSE_MIDDLE | MOUSE_DOWN;
-    case WM_MBUTTONUP: return MOUSE_MIDDLE | MOUSE_UP;
-    case WM_MBUTTONDBLCLK_CODE: return MOUSE_MIDDLE | MOUSE_DOUBLE_CLICK;
-    case SM_LEFT_CLICK: return MOUSE_LEFT | MOUSE_CLICK;
-    case SM_MIDDLE_CLICK: return MOUSE_MIDDLE | MOUSE_CLICK;
-    case SM_RIGHT_CLICK: return MOUSE_RIGHT | MOUSE_CLICK;
-    default: return 0;
-    }
-}
 
 } // namespace
 
@@ -64,12 +34,12 @@ bool SMediaPlayerCtrl::InitPlayer() {
     ReleasePlayer();
     auto engine = std::make_unique<SGstPlayer>();
     SGstPlayer::Messages messages;
-    messages.ended = SM_MEDIA_PLAY_STATE;
+    messages.ended = SM_PLAYER_PLAY_STATE;
     messages.endedValue = PLAY_STATE_MEDIA_ENDED;
-    messages.error = SM_MEDIA_ERROR;
-    messages.buffering = SM_MEDIA_BUFFERING;
-    messages.wake = SM_MEDIA_WAKE;
-    messages.frame = SM_MEDIA_FRAME;
+    messages.error = SM_PLAYER_ERROR;
+    messages.buffering = SM_PLAYER_BUFFERING;
+    messages.wake = SM_PLAYER_WAKE;
+    messages.frame = SM_PLAYER_FRAME;
     if (!engine->Create(GetHandle(), messages, fakeSinks)) {
         return false;
     }
@@ -118,7 +88,7 @@ bool SMediaPlayerCtrl::OpenMedia(const char* path, bool start) {
             }
             break;
         }
-        if (message.hwnd == own && (message.message == SM_MEDIA_WAKE ||
+        if (message.hwnd == own && (message.message == SM_PLAYER_WAKE ||
                                     (message.message == WM_TIMER &&
                                      message.wParam == OPEN_POLL_TIMER_ID))) {
             continue;
@@ -362,12 +332,12 @@ void SMediaPlayerCtrl::NotifyParent(unsigned message, LPARAM lParam) {
 
 void SMediaPlayerCtrl::NotifyMouse(unsigned code, LPARAM lParam) {
     SetFocus(GetHandle());
-    SMediaMouse mouse;
+    SMouseEvent mouse;
     mouse.code = code;
     mouse.client = SPoint{PointParamX(lParam), PointParamY(lParam)};
     mouse.screen = mouse.client;
     ClientToScreen(&mouse.screen);
-    NotifyParent(SN_MEDIA_MOUSE, reinterpret_cast<LPARAM>(&mouse));
+    NotifyParent(SN_PLAYER_MOUSE, reinterpret_cast<LPARAM>(&mouse));
 }
 
 LRESULT SMediaPlayerCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
@@ -380,21 +350,21 @@ LRESULT SMediaPlayerCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lPar
     case WM_DESTROY:
         ReleasePlayer();
         break;
-    case SM_MEDIA_PLAY_STATE:
+    case SM_PLAYER_PLAY_STATE:
         if (!IsCurrent(lParam) || !mediaOpen || wParam != PLAY_STATE_MEDIA_ENDED) {
             return 0;
         }
         Stop();
         if (!loop) {
             OnMediaEnded();
-            NotifyParent(SN_MEDIA_ENDED, 0);
+            NotifyParent(SN_PLAYER_ENDED, 0);
         } else {
             Play();
             OnMediaLooped();
-            NotifyParent(SN_MEDIA_LOOPED, 0);
+            NotifyParent(SN_PLAYER_LOOPED, 0);
         }
         return 0;
-    case SM_MEDIA_BUFFERING:
+    case SM_PLAYER_BUFFERING:
         if (!IsCurrent(lParam)) {
             return 0;
         }
@@ -407,16 +377,16 @@ LRESULT SMediaPlayerCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lPar
             }
         }
         OnBuffering(wParam != 0);
-        NotifyParent(SN_MEDIA_BUFFERING, static_cast<LPARAM>(wParam));
+        NotifyParent(SN_PLAYER_BUFFERING, static_cast<LPARAM>(wParam));
         return 0;
-    case SM_MEDIA_ERROR:
+    case SM_PLAYER_ERROR:
         if (IsCurrent(lParam)) {
             Stop();
         }
         return 0;
-    case SM_MEDIA_WAKE:
+    case SM_PLAYER_WAKE:
         return 0;
-    case SM_MEDIA_FRAME:
+    case SM_PLAYER_FRAME:
         if (player != nullptr && player->TakeFrame(&frame)) {
             Invalidate();
         }
@@ -442,7 +412,7 @@ LRESULT SMediaPlayerCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lPar
         }
         return 0;
     default:
-        if (unsigned code = MouseCode(message); code != 0) {
+        if (unsigned code = MouseEventCode(message); code != 0) {
             NotifyMouse(code, lParam);
         }
         break;

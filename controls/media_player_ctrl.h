@@ -13,6 +13,7 @@
 
 #include "foundation/image.h"
 #include "foundation/path.h"
+#include "toolkit/mouse_event.h"
 #include "toolkit/wnd.h"
 
 class SGstPlayer;
@@ -20,17 +21,18 @@ class SGstPlayer;
 // Posted to the player window itself: the play state changed (wParam the
 // new state; PLAY_STATE_MEDIA_ENDED at the end of the medium), buffering
 // started (wParam 0) or ended (1).
-constexpr unsigned SM_MEDIA_PLAY_STATE = 0x8C58;
-constexpr unsigned SM_MEDIA_BUFFERING = 0x8C59;
+constexpr unsigned SM_PLAYER_PLAY_STATE = 0x8C58;
+constexpr unsigned SM_PLAYER_BUFFERING = 0x8C59;
 // Sent to the parent, with the player's SWnd* as wParam: a mouse button
-// (lParam an SMediaMouse*), the end of the medium, its replay with the
-// loop flag on, buffering (lParam 0 at the start, 1 at the end).
-constexpr unsigned SN_MEDIA_MOUSE = 0x8C5A;
-constexpr unsigned SN_MEDIA_ENDED = 0x8C5B;
-constexpr unsigned SN_MEDIA_LOOPED = 0x8C5C;
-constexpr unsigned SN_MEDIA_BUFFERING = 0x8C5D;
+// (lParam an SMouseEvent* of toolkit/mouse_event.h), the end of the medium,
+// its replay with the loop flag on, buffering (lParam 0 at the start, 1 at
+// the end).
+constexpr unsigned SN_PLAYER_MOUSE = 0x8C5A;
+constexpr unsigned SN_PLAYER_ENDED = 0x8C5B;
+constexpr unsigned SN_PLAYER_LOOPED = 0x8C5C;
+constexpr unsigned SN_PLAYER_BUFFERING = 0x8C5D;
 
-// Play states of SM_MEDIA_PLAY_STATE.
+// Play states of SM_PLAYER_PLAY_STATE.
 constexpr unsigned PLAY_STATE_STOPPED = 1;
 constexpr unsigned PLAY_STATE_MEDIA_ENDED = 8;
 
@@ -40,14 +42,6 @@ constexpr unsigned MEDIA_TIMER_ELAPSE = 20; // milliseconds
 
 // Messages for toolkit windows kept while an open waits; more are lost.
 constexpr int MEDIA_OPEN_KEPT_MESSAGES = 50;
-
-// The mouse record of SN_MEDIA_MOUSE. code: the button (1 left, 2 middle,
-// 4 right) with 8 down, 0x10 up, 0x20 click or 0x40 double click.
-struct SMediaMouse {
-    unsigned code = 0;
-    SPoint client;
-    SPoint screen;
-};
 
 class SMediaPlayerCtrl : public SWnd {
 public:

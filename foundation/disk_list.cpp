@@ -19,12 +19,11 @@
 #include <vector>
 
 #include "foundation/array.h"
+#include "foundation/hidden_list.h"
 
 namespace {
 
-// A ".hidden" file larger than this is read only this far.
-constexpr size_t MAX_HIDDEN_FILE = 1 << 20;
-constexpr const char* HIDDEN_FILE = ".hidden";
+constexpr const char* HIDDEN_FILE = HIDDEN_LIST_NAME;
 
 unsigned char FoldAscii(unsigned char c) {
     return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c;
@@ -77,50 +76,6 @@ bool MatchRange(const unsigned char* filter, const unsigned char* filterEnd,
 
 bool IsDotOrDotDot(const char* name) {
     return name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0));
-}
-
-// Reads at most MAX_HIDDEN_FILE bytes of an open file and closes it.
-std::string ReadAndClose(int fd) {
-    std::string content;
-    if (fd < 0) {
-        return content;
-    }
-    char block[8192];
-    while (content.size() < MAX_HIDDEN_FILE) {
-        ssize_t got = read(fd, block, sizeof(block));
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
-        if (got <= 0) {
-            break;
-        }
-        content.append(block, static_cast<size_t>(got));
-    }
-    close(fd);
-    if (content.size() > MAX_HIDDEN_FILE) {
-        content.resize(MAX_HIDDEN_FILE);
-    }
-    return content;
-}
-
-// Calls visit for each name of a ".hidden" text: one a line, LF or CR LF,
-// empty lines skipped.
-template <typename Visit> void ForEachHiddenLine(std::string_view content, Visit visit) {
-    size_t start = 0;
-    while (start < content.size()) {
-        size_t end = content.find('\n', start);
-        if (end == std::string_view::npos) {
-            end = content.size();
-        }
-        std::string_view line = content.substr(start, end - start);
-        if (!line.empty() && line.back() == '\r') {
-            line.remove_suffix(1);
-        }
-        if (!line.empty()) {
-            visit(line);
-        }
-        start = end + 1;
-    }
 }
 
 enum class Kind : unsigned char { File, Folder };
@@ -214,9 +169,9 @@ private:
     }
 
     void MarkListedNames(int dirFd) {
-        std::string content = ReadAndClose(openat(dirFd, HIDDEN_FILE, O_RDONLY | O_CLOEXEC));
+        std::string content = ReadHiddenList(openat(dirFd, HIDDEN_FILE, O_RDONLY | O_CLOEXEC));
         std::unordered_set<std::string_view> listed;
-        ForEachHiddenLine(content, [&listed](std::string_view line) { listed.insert(line); });
+        ForEachHiddenName(content, [&listed](std::string_view line) { listed.insert(line); });
         if (listed.empty()) {
             return;
         }
@@ -479,11 +434,11 @@ bool UpdateHiddenFile(const std::string& folder, const std::string& name, bool h
         if (fd < 0) {
             return false;
         }
-        content = ReadAndClose(fd);
+        content = ReadHiddenList(fd);
     }
     bool listed = false;
     std::string kept;
-    ForEachHiddenLine(content, [&](std::string_view line) {
+    ForEachHiddenName(content, [&](std::string_view line) {
         if (line == name) {
             listed = true;
             return;
@@ -526,6 +481,29 @@ bool UpdateHiddenFile(const std::string& folder, const std::string& name, bool h
 }
 
 } // namespace
+
+std::string ReadHiddenList(int fd) {
+    std::string content;
+    if (fd < 0) {
+        return content;
+    }
+    char block[8192];
+    while (content.size() < MAX_HIDDEN_LIST) {
+        ssize_t got = read(fd, block, sizeof(block));
+        if (got < 0 && errno == EINTR) {
+            continue;
+        }
+        if (got <= 0) {
+            break;
+        }
+        content.append(block, static_cast<size_t>(got));
+    }
+    close(fd);
+    if (content.size() > MAX_HIDDEN_LIST) {
+        content.resize(MAX_HIDDEN_LIST);
+    }
+    return content;
+}
 
 int CompareListingNames(const char* a, const char* b) {
     const auto* left = reinterpret_cast<const unsigned char*>(a);
@@ -635,8 +613,8 @@ int SDisk::GetAttributes(const char* path) const {
     bool hidden = name[0] == '.';
     if (!hidden) {
         std::string listPath = folder + HIDDEN_FILE;
-        std::string content = ReadAndClose(open(listPath.c_str(), O_RDONLY | O_CLOEXEC));
-        ForEachHiddenLine(content, [&](std::string_view line) { hidden = hidden || line == name; });
+        std::string content = ReadHiddenList(open(listPath.c_str(), O_RDONLY | O_CLOEXEC));
+        ForEachHiddenName(content, [&](std::string_view line) { hidden = hidden || line == name; });
     }
     return attributes | (hidden ? DISK_HIDDEN : 0);
 }

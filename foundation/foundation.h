@@ -7,6 +7,7 @@
 #include "foundation/array.h"
 #include "foundation/color.h"
 #include "foundation/disk.h"
+#include "foundation/hidden_list.h"
 #include "foundation/file.h"
 #include "foundation/geometry.h"
 #include "foundation/hash.h"

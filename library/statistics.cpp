@@ -17,13 +17,11 @@
 #include <unordered_set>
 #include <utility>
 
+#include "foundation/hidden_list.h"
 #include "library/media.h"
 
 namespace {
 
-constexpr const char* HIDDEN_FILE = ".hidden";
-// A ".hidden" file larger than this is read only this far.
-constexpr size_t MAX_HIDDEN_FILE = 1 << 20;
 // Buffer of one getdents64 call.
 constexpr size_t DIRENT_BUFFER = 32768;
 
@@ -37,48 +35,6 @@ struct LinuxDirent64 {
 
 bool IsDotOrDotDot(const char* name) {
     return name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0));
-}
-
-std::string ReadSmallFile(int dirFd, const char* name) {
-    std::string content;
-    int fd = openat(dirFd, name, O_RDONLY | O_CLOEXEC);
-    if (fd < 0) {
-        return content;
-    }
-    char block[8192];
-    while (content.size() < MAX_HIDDEN_FILE) {
-        ssize_t got = read(fd, block, sizeof(block));
-        if (got < 0 && errno == EINTR) {
-            continue;
-        }
-        if (got <= 0) {
-            break;
-        }
-        content.append(block, size_t(got));
-    }
-    close(fd);
-    return content;
-}
-
-// The names listed in a ".hidden" text: one a line, LF or CR LF.
-std::unordered_set<std::string> ParseHiddenNames(const std::string& content) {
-    std::unordered_set<std::string> names;
-    size_t start = 0;
-    while (start < content.size()) {
-        size_t end = content.find('\n', start);
-        if (end == std::string::npos) {
-            end = content.size();
-        }
-        size_t length = end - start;
-        if (length > 0 && content[end - 1] == '\r') {
-            --length;
-        }
-        if (length > 0) {
-            names.emplace(content, start, length);
-        }
-        start = end + 1;
-    }
-    return names;
 }
 
 // A folder reached through a symbolic link is told apart, since only such
@@ -149,20 +105,23 @@ public:
                 if (kind == Kind::Other) {
                     continue;
                 }
-                if (kind == Kind::File && strcmp(entry->d_name, HIDDEN_FILE) == 0) {
+                if (kind == Kind::File && strcmp(entry->d_name, HIDDEN_LIST_NAME) == 0) {
                     hasHiddenFile = true;
                 }
                 kinds.push_back({names.size(), kind});
                 names.append(entry->d_name, strlen(entry->d_name) + 1);
             }
         }
-        std::unordered_set<std::string> listed;
+        std::string content;
+        std::unordered_set<std::string_view> listed;
         if (hasHiddenFile && !withHidden) {
-            listed = ParseHiddenNames(ReadSmallFile(dirFd, HIDDEN_FILE));
+            content = ReadHiddenList(openat(dirFd, HIDDEN_LIST_NAME, O_RDONLY | O_CLOEXEC));
+            ForEachHiddenName(content, [&listed](std::string_view name) { listed.insert(name); });
         }
         for (const auto& [offset, kind] : kinds) {
             const char* name = names.data() + offset;
-            bool hidden = name[0] == '.' || (!listed.empty() && listed.count(name) != 0);
+            bool hidden = name[0] == '.' ||
+                          (!listed.empty() && listed.count(std::string_view(name)) != 0);
             if (kind == Kind::File) {
                 onFile(name, hidden);
             } else {
@@ -219,6 +178,34 @@ private:
     std::vector<Level> levels;
 };
 
+// The subfolders a walk goes down into, gathered while the walker's buffers
+// are in use: each name is kept behind 'L' for a folder reached through a
+// link or 'D' for a plain one, and followed by a zero byte.
+class SubfolderList {
+public:
+    void Add(const char* name, bool linked) {
+        names.push_back(linked ? 'L' : 'D');
+        names.append(name, strlen(name) + 1);
+    }
+    // Opens each folder below fd and calls enter(childFd, name, length,
+    // linked), which takes childFd; folders that do not open are skipped.
+    template <typename Visit> void Enter(int fd, Visit enter) const {
+        for (size_t at = 0; at < names.size();) {
+            bool linked = names[at] == 'L';
+            const char* name = names.data() + at + 1;
+            size_t length = strlen(name);
+            at += length + 2;
+            int child = openat(fd, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+            if (child >= 0) {
+                enter(child, name, length, linked);
+            }
+        }
+    }
+
+private:
+    std::string names;
+};
+
 class StatsWalk {
 public:
     std::vector<FolderRecord> records;
@@ -234,8 +221,7 @@ public:
         records.push_back({path, Counts()});
         chain.Push(fd);
         Counts counts;
-        subfolders.emplace_back();
-        size_t level = subfolders.size() - 1;
+        SubfolderList subfolders;
         walker.ReadFolder(
             fd,
             [&counts](const char* name, bool hidden) {
@@ -260,34 +246,21 @@ public:
                     break;
                 }
             },
-            [this, level](const char* name, bool hidden, bool linked) {
+            [&subfolders](const char* name, bool hidden, bool linked) {
                 if (!hidden) {
-                    subfolders[level].push_back(linked ? 'L' : 'D');
-                    subfolders[level].append(name, strlen(name) + 1);
+                    subfolders.Add(name, linked);
                 }
             });
-        // The walker's buffers are reused below, so the names were copied.
-        std::string names = std::move(subfolders[level]);
-        subfolders.pop_back();
         size_t pathLength = path.size();
-        // Each name is preceded by 'L' for a linked folder, 'D' for a plain one.
-        for (size_t at = 0; at < names.size();) {
-            bool isLink = names[at] == 'L';
-            const char* name = names.data() + at + 1;
-            size_t length = strlen(name);
-            at += length + 2;
-            int child = openat(fd, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-            if (child < 0) {
-                continue;
-            }
+        subfolders.Enter(fd, [&](int child, const char* name, size_t length, bool linked) {
             path.append(name, length);
             path.push_back('/');
-            Counts sub = Walk(child, path, isLink);
+            Counts sub = Walk(child, path, linked);
             path.resize(pathLength);
             counts.songs += sub.songs;
             counts.videos += sub.videos;
             counts.radios += sub.radios;
-        }
+        });
         chain.Pop();
         close(fd);
         records[record].counts = counts;
@@ -297,7 +270,6 @@ public:
 private:
     Walker walker{false};
     Chain chain;
-    std::vector<std::string> subfolders;
 };
 
 } // namespace
@@ -387,7 +359,7 @@ void PurgeFolder(int fd, bool viaLink, Chain& chain, Walker& walker, int& delete
         return;
     }
     chain.Push(fd);
-    std::string folders;
+    SubfolderList folders;
     walker.ReadFolder(
         fd,
         [&](const char* name, bool) {
@@ -397,21 +369,10 @@ void PurgeFolder(int fd, bool viaLink, Chain& chain, Walker& walker, int& delete
                 ++deleted;
             }
         },
-        [&folders](const char* name, bool, bool linked) {
-            folders.push_back(linked ? 'L' : 'D');
-            folders.append(name, strlen(name) + 1);
-        });
-    for (size_t at = 0; at < folders.size();) {
-        bool isLink = folders[at] == 'L';
-        const char* name = folders.data() + at + 1;
-        size_t length = strlen(name);
-        at += length + 2;
-        int child = openat(fd, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        if (child < 0) {
-            continue;
-        }
-        PurgeFolder(child, isLink, chain, walker, deleted);
-    }
+        [&folders](const char* name, bool, bool linked) { folders.Add(name, linked); });
+    folders.Enter(fd, [&](int child, const char*, size_t, bool linked) {
+        PurgeFolder(child, linked, chain, walker, deleted);
+    });
     chain.Pop();
     close(fd);
 }

@@ -2,8 +2,10 @@
 
 #include <cairo.h>
 #include <cmath>
+#include <vector>
 #include <pango/pangocairo.h>
 
+#include "foundation/file.h"
 #include "toolkit/platform/platform.h"
 
 namespace {
@@ -149,6 +151,49 @@ bool SClipboard::SetText(const char* text) {
 
 SString SClipboard::GetText() {
     return GetPlatform()->GetClipboardText();
+}
+
+bool SClipboard::SetFile(SFile* source, int count) {
+    if (source == nullptr || count < -1) {
+        return false;
+    }
+    int remaining = source->GetRemaining();
+    if (count == -1) {
+        count = remaining;
+    }
+    if (count > remaining) {
+        return false;
+    }
+    std::vector<uint8_t> block(static_cast<size_t>(count) + 5, 0);
+    uint32_t length = static_cast<uint32_t>(count); // little-endian
+    for (size_t i = 0; i < 4; ++i) {
+        block[i] = static_cast<uint8_t>(length >> (8 * i));
+    }
+    if (count > 0 && source->Read(block.data() + 4, count) != count) {
+        return false;
+    }
+    return GetPlatform()->SetClipboardData(CLIPBOARD_BLOCK_FORMAT, block);
+}
+
+bool SClipboard::GetFile(SFile* target) {
+    std::vector<uint8_t> block;
+    if (target == nullptr ||
+        !GetPlatform()->GetClipboardData(CLIPBOARD_BLOCK_FORMAT, &block) || block.size() < 5) {
+        return false;
+    }
+    uint32_t count = 0;
+    for (int i = 3; i >= 0; --i) {
+        count = (count << 8) | block[static_cast<size_t>(i)];
+    }
+    if (count > block.size() - 5) {
+        return false;
+    }
+    int size = static_cast<int>(count);
+    return size == 0 || target->Write(block.data() + 4, size) == size;
+}
+
+bool PressKey(unsigned char code) {
+    return GetPlatform()->PressKey(code);
 }
 
 const char* GetCursorName(int index) {

@@ -55,13 +55,29 @@ void DrawFrame(cairo_t* cr, const SRect* rect, const SPen& pen);
 void DrawLine(cairo_t* cr, SPoint from, SPoint to, const SPen& pen);
 void FillRect(cairo_t* cr, const SRect* rect, uint32_t color);
 
+// The private clipboard format of SetFile and GetFile: a block of the
+// 32-bit byte count (little-endian), the bytes, and a zero byte.
+constexpr const char* CLIPBOARD_BLOCK_FORMAT = "application/x-melkora-block";
+
 class SClipboard {
 public:
     virtual ~SClipboard();
     bool SetText(const char* text);
     // "" on any failure.
     SString GetText();
+    // Puts count bytes of source, from its position, on the clipboard in
+    // the private block format; -1 means all that remains. A count above
+    // what remains (or below -1) gives false and reads nothing.
+    bool SetFile(SFile* source, int count);
+    // Writes the bytes of the clipboard's block at target's position. False
+    // when the clipboard holds no block, or a block whose count runs past
+    // its end.
+    bool GetFile(SFile* target);
 };
+
+// Types a key, down then up, as if from the keyboard: it reaches the window
+// that has the keyboard focus. False when the platform cannot type it.
+bool PressKey(unsigned char code);
 
 // The cursor table: 21 cursors by index. 0 is the arrow of every window, 3
 // the hand shown over links.

@@ -51,6 +51,16 @@ void SetKeyHeld(unsigned message, unsigned code) {
     }
 }
 
+// A point of a top-level surface (window coordinates) in screen and in the
+// top-level's client coordinates; true when it lies in the client area.
+bool SurfacePoint(SWnd* top, int x, int y, SPoint* screen, SPoint* client) {
+    SRect window = top->GetWindowRect();
+    *screen = SPoint{window.left + x, window.top + y};
+    *client = *screen;
+    top->ScreenToClient(client);
+    return top->GetClientRect().Contains(*client);
+}
+
 } // namespace
 
 bool IsKeyHeld(unsigned code) {
@@ -62,12 +72,19 @@ void PlatformMouse(HWND top, unsigned message, int x, int y, unsigned keyFlags) 
     if (topWnd == nullptr) {
         return;
     }
-    SPoint screen{x, y};
-    topWnd->ClientToScreen(&screen);
+    SPoint screen;
+    SPoint topClient;
+    bool inClient = SurfacePoint(topWnd, x, y, &screen, &topClient);
     HWND target = GetCapture();
     bool nonClient = false;
-    if (target == 0) {
-        target = topWnd->ChildFromPoint(SPoint{x, y});
+    WPARAM hitTest = 0;
+    if (target == 0 && !inClient) {
+        // The top-level's own frame: its menu bar.
+        target = top;
+        nonClient = true;
+        hitTest = topWnd->GetMenu() != nullptr ? HTMENU : 0;
+    } else if (target == 0) {
+        target = topWnd->ChildFromPoint(topClient);
         SWnd* wnd = SWnd::FromHandle(target);
         if (wnd != nullptr) {
             SPoint inner = screen;
@@ -85,7 +102,7 @@ void PlatformMouse(HWND top, unsigned message, int x, int y, unsigned keyFlags) 
         SendMessage(target, WM_SETCURSOR, target, 0);
     }
     if (nonClient && NonClientOf(message) != 0) {
-        PostMessage(target, NonClientOf(message), 0, MakePointParam(screen.x, screen.y));
+        PostMessage(target, NonClientOf(message), hitTest, MakePointParam(screen.x, screen.y));
         return;
     }
     SPoint client = screen;
@@ -177,6 +194,12 @@ void PlatformPaint(HWND top, cairo_t* cr, int width, int height) {
     cairo_t* back = cairo_create(buffer);
     cairo_set_source_rgb(back, 1, 1, 1);
     cairo_paint(back);
+    int left = 0, frameTop = 0;
+    wnd->GetFrameWidths(&left, &frameTop, nullptr, nullptr);
+    if (wnd->GetMenu() != nullptr) {
+        SendMessage(top, WM_NCPAINT, reinterpret_cast<WPARAM>(back), 0);
+    }
+    cairo_translate(back, left, frameTop);
     wnd->PaintTree(back);
     cairo_destroy(back);
     cairo_save(cr);
@@ -192,7 +215,12 @@ void PlatformDropFiles(HWND top, int x, int y, SStringArray* files) {
     if (topWnd == nullptr || files == nullptr) {
         return;
     }
-    SWnd* wnd = SWnd::FromHandle(topWnd->ChildFromPoint(SPoint{x, y}));
+    SPoint screen;
+    SPoint client;
+    if (!SurfacePoint(topWnd, x, y, &screen, &client)) {
+        return;
+    }
+    SWnd* wnd = SWnd::FromHandle(topWnd->ChildFromPoint(client));
     while (wnd != nullptr && (wnd->GetExStyle() & WS_EX_ACCEPTFILES) == 0) {
         wnd = wnd->GetParentWnd();
     }

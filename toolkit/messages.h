@@ -3,7 +3,40 @@
 // The platform vocabulary (WM_*) is in foundation/message.h.
 #pragma once
 
+#include "foundation/geometry.h"
 #include "foundation/message.h"
+
+// Platform messages the window core adds to those of foundation/message.h.
+// WM_NCPAINT: wParam the cairo_t* of the whole window (window coordinates);
+// the default draws the menu bar.
+constexpr unsigned WM_NCPAINT = 0x0085;
+// Hit-test code in wParam of the non-client mouse messages over the menu bar.
+constexpr unsigned HTMENU = 5;
+
+// WM_GETMINMAXINFO's lParam: the limits of the whole window's size, -1 for
+// free. The window core asks before each change of a top-level window's
+// size (and of a child's with WS_THICKFRAME) and keeps the size inside.
+struct SMinMaxInfo {
+    SSize minTrackSize{-1, -1};
+    SSize maxTrackSize{-1, -1};
+};
+
+// size held inside limits whose -1 parts are free; the minimum wins over a
+// maximum below it.
+constexpr SSize KeepSizeInside(SSize size, const SSize& minimum, const SSize& maximum) {
+    int* const parts[2] = {&size.width, &size.height};
+    const int low[2] = {minimum.width, minimum.height};
+    const int high[2] = {maximum.width, maximum.height};
+    for (int i = 0; i < 2; ++i) {
+        if (high[i] >= 0 && *parts[i] > high[i]) {
+            *parts[i] = high[i];
+        }
+        if (low[i] >= 0 && *parts[i] < low[i]) {
+            *parts[i] = low[i];
+        }
+    }
+    return size;
+}
 
 // Toolkit messages, sent to the window itself unless told otherwise.
 constexpr unsigned SM_CREATE = 33769;          // 0, user data; non-zero refuses creation

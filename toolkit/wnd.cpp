@@ -1,12 +1,16 @@
 #include "toolkit/wnd.h"
 
 #include <algorithm>
+#include <atomic>
 #include <map>
 #include <mutex>
 #include <string>
 
 #include "foundation/network.h"
+#include "toolkit/draw.h"
 #include "toolkit/platform/platform.h"
+#include "toolkit/sys_colors.h"
+#include "toolkit/wnd_app.h"
 #include "toolkit/wnd_internal.h"
 
 // The target that binds a handle to its object.
@@ -27,7 +31,13 @@ std::map<std::string, SWindowProc>& Classes() {
     return classes;
 }
 
+std::atomic<SMenuBarPainter> menuBarPainter{nullptr};
+
 } // namespace
+
+void SetMenuBarPainter(SMenuBarPainter painter) {
+    menuBarPainter.store(painter);
+}
 
 ThreadWindowState& ThreadState() {
     thread_local ThreadWindowState state;
@@ -71,6 +81,18 @@ LRESULT DefWindowProc(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam)
         return 0;
     case WM_ERASEBKGND:
         return 1;
+    case WM_NCPAINT:
+        if (wnd != nullptr && wnd->GetMenu() != nullptr && wParam != 0) {
+            cairo_t* cr = reinterpret_cast<cairo_t*>(wParam);
+            SRect bar{0, 0, wnd->GetWidth(), GetMenuBarHeight()};
+            SMenuBarPainter painter = menuBarPainter.load();
+            if (painter != nullptr) {
+                painter(wnd, wnd->GetMenu(), cr, bar);
+            } else {
+                FillRect(cr, &bar, GetSysColor(SYS_COLOR_MENUBAR));
+            }
+        }
+        return 0;
     case WM_SETCURSOR:
         if (wnd != nullptr) {
             GetPlatform()->SetSurfaceCursor(wnd->GetTopWindow(), 0);
@@ -136,6 +158,7 @@ void SWnd::ResetState() {
     hotIndex = -2;
     moveByDrag = moveActive = false;
     tabGroup = tabOrder = -1;
+    menu = nullptr;
 }
 
 bool SWnd::Create(const char* title, unsigned windowStyle, unsigned windowExStyle,
@@ -212,6 +235,7 @@ bool SWnd::CreateWindow(const char* /*className*/, const char* title, unsigned w
         Destroy();
         return false;
     }
+    ApplyLimits();
     if (showAfter && handle != 0) {
         Show(SW_SHOW);
     }
@@ -235,6 +259,7 @@ void SWnd::DestroyTree() {
         return;
     }
     SWndProc(own, WM_DESTROY, 0, 0);
+    ToolTipForget(own);
     std::vector<HWND> list = children;
     for (HWND child : list) {
         SWnd* wnd = FromHandle(child);
@@ -475,6 +500,54 @@ void SWnd::SetMinMax(int minWidth, int minHeight, int maxWidth, int maxHeight) {
     minSize[1] = minHeight;
     maxSize[0] = maxWidth;
     maxSize[1] = maxHeight;
+    ApplyLimits();
+}
+
+void SWnd::SetMinMaxClient(int minWidth, int minHeight, int maxWidth, int maxHeight) {
+    minClient[0] = minWidth;
+    minClient[1] = minHeight;
+    maxClient[0] = maxWidth;
+    maxClient[1] = maxHeight;
+    ApplyLimits();
+}
+
+void SWnd::SetToolTip(bool enable) {
+    toolTip = enable;
+    if (!enable) {
+        ToolTipForget(handle);
+    }
+}
+
+void SWnd::SetToolTipText(const char* value) {
+    toolTipText = value != nullptr ? value : "";
+    if (toolTipText.IsEmpty()) {
+        ToolTipForget(handle);
+    }
+}
+
+bool SWnd::SetMenu(SMenu* newMenu, bool keepClientHeight) {
+    if (handle == 0 || parent != 0) {
+        return false;
+    }
+    if (newMenu == menu) {
+        return true;
+    }
+    int clientHeight = GetClientHeight();
+    menu = newMenu;
+    SRect target = rect;
+    if (keepClientHeight) {
+        int top = 0, bottom = 0;
+        GetFrameWidths(nullptr, &top, nullptr, &bottom);
+        target.bottom = target.top + clientHeight + top + bottom;
+    }
+    if (target.Height() != rect.Height()) {
+        MoveWindow(target);
+    } else {
+        SendClientSize();
+        Invalidate();
+    }
+    ApplyLimits();
+    return true;
 }
 
 void SWnd::SetHotItems(const std::vector<SRect>& items) {

@@ -22,7 +22,10 @@
 #include "toolkit/messages.h"
 
 typedef struct _cairo cairo_t;
+class SMenu;
 using HCURSOR = int; // an index of the cursor table plus 1; 0 is none
+
+class SWnd;
 
 // A window procedure of a registered class (CreateControl).
 using SWindowProc = LRESULT (*)(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam);
@@ -33,6 +36,12 @@ LRESULT DefWindowProc(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam)
 LRESULT SWndProc(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam);
 // Registers a class for CreateControl; its procedure becomes oldProc.
 bool RegisterWindowClass(const char* className, SWindowProc procedure);
+
+// Draws a window's menu bar into cr over bar (window coordinates). The menu
+// code installs it; without one the bar is a plain strip of the menu bar
+// colour. Null restores that.
+using SMenuBarPainter = void (*)(SWnd* window, SMenu* menu, cairo_t* cr, const SRect& bar);
+void SetMenuBarPainter(SMenuBarPainter painter);
 
 // Thread-wide window state, each for the calling thread.
 HWND GetFocus();
@@ -133,7 +142,20 @@ public:
     void SetCursor(HCURSOR cursor) { this->cursor = cursor; }
     void EnableCursor(bool enable) { cursorEnabled = enable; }
     bool GetCursorPosition(SPoint* point) const;
-    void SetToolTip(bool enable) { toolTip = enable; }
+    // Tool tips: with tips on and a tip text set, the text shows in a small
+    // box by the pointer once it has rested on the window for a moment, and
+    // goes at a click, a key, when the pointer leaves, or after a while.
+    void SetToolTip(bool enable);
+    bool IsToolTipEnabled() const { return toolTip; }
+    void SetToolTipText(const char* text);
+    const SString& GetToolTipText() const { return toolTipText; }
+    // The menu bar of a top-level window, drawn by the toolkit in the top of
+    // its frame (null removes it). keepClientHeight grows or shrinks the
+    // window so that the client area keeps its height; otherwise the
+    // window keeps its size and the client area gives the bar its room.
+    // False for a child window or one without a handle.
+    bool SetMenu(SMenu* menu, bool keepClientHeight);
+    SMenu* GetMenu() const { return menu; }
     void SetLayered(bool layered);
     void SetAlpha(int alpha);
     // Backgrounds. The image is copied; slices (image coordinates of the
@@ -194,7 +216,12 @@ public:
         shortcutMask = mask;
     }
     void SetMoveByDrag(bool enable) { moveByDrag = enable; }
+    // Size limits (-1 free), of the whole window and of its client area;
+    // WM_GETMINMAXINFO hands them out, and the window is brought inside them.
     void SetMinMax(int minWidth, int minHeight, int maxWidth, int maxHeight);
+    void SetMinMaxClient(int minWidth, int minHeight, int maxWidth, int maxHeight);
+    // The limits of the window's size as WM_GETMINMAXINFO gives them.
+    SMinMaxInfo GetMinMaxInfo() const;
     void SetHotItems(const std::vector<SRect>& items);
     int GetHotIndex() const { return hotIndex; }
     void SetTabOrder(int group, int order) {
@@ -262,6 +289,11 @@ private:
                       LPARAM userData, SWindowProc classProc);
     void DestroyTree(); // WM_DESTROY down the tree, then WM_NCDESTROY up
     void ComputeFrameFlags();
+    // rect with its size held inside the limits (the top-left corner stays).
+    SRect LimitSize(const SRect& target) const;
+    // Hands the limits to the platform and brings the window inside them.
+    void ApplyLimits();
+    void SendClientSize();
     void ApplyAnchor();
     bool HandleKeyDown(unsigned key);
     void HandleClick(unsigned message, LPARAM lParam, bool nonClient);
@@ -341,6 +373,8 @@ private:
     int tabGroup = -1;
     int tabOrder = -1;
     bool toolTip = false;
+    SString toolTipText;
+    SMenu* menu = nullptr;
     int alpha = 255;
     void* font = nullptr;
     std::vector<std::unique_ptr<SDataBlock>> dataBlocks; // a free row is null

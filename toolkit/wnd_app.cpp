@@ -15,6 +15,7 @@
 #include "foundation/timer.h"
 #include "toolkit/draw.h"
 #include "toolkit/platform/platform.h"
+#include "toolkit/sys_colors.h"
 
 namespace {
 
@@ -33,6 +34,7 @@ struct ToolkitState {
     SDialogMessageHook dialogHook = nullptr;
     std::unique_ptr<SWndApp> helperWindow;
     std::unique_ptr<SFont> fonts[6]; // five system fonts, then the default
+    int menuBarHeight = 20;
     bool hasArguments = false;
     std::vector<SString> arguments;
 };
@@ -146,11 +148,22 @@ bool ToolkitStart(void* instance, int showCommand, bool sockets, bool /*sound*/,
     state.programPath = ReadLink("/proc/self/exe");
     SPath path(state.programPath.c_str());
     state.programFolder = path.GetFolderPath();
-    // The desktop's interface font; fontconfig finds the face.
-    for (int i = 0; i < 5; ++i) {
-        state.fonts[i] = std::make_unique<SFont>("Sans", PointsToHeight(9), i == 0 ? FONT_BOLD : 0);
+    // The desktop's interface font and colours from its theme, else the
+    // classic ones; fontconfig finds the face.
+    SString face = "Sans";
+    double points = 9;
+    if (!GetPlatform()->GetInterfaceFont(&face, &points)) {
+        face = "Sans";
+        points = 9;
     }
-    state.fonts[5] = std::make_unique<SFont>("Sans", PointsToHeight(8), 0);
+    for (int i = 0; i < 5; ++i) {
+        state.fonts[i] = std::make_unique<SFont>(face.c_str(), PointsToHeight(points),
+                                                 i == 0 ? FONT_BOLD : 0);
+    }
+    state.fonts[5] = std::make_unique<SFont>(face.c_str(), PointsToHeight(points - 1), 0);
+    state.menuBarHeight = TextMetrics(state.fonts[2].get()).height + 6;
+    ResetSysColors();
+    GetPlatform()->LoadThemeColors();
     state.helperWindow = std::make_unique<SWndApp>();
     state.helperWindow->Create("", 0, 0, nullptr, 0);
     state.socketsStarted = sockets;
@@ -358,6 +371,10 @@ void* GetSound() {
 
 SFont* GetDefaultFont() {
     return State().fonts[5].get();
+}
+
+int GetMenuBarHeight() {
+    return State().menuBarHeight;
 }
 
 SFont* GetSystemFont(int index) {

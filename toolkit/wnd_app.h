@@ -31,9 +31,10 @@ using SIdleFunction = void (*)(void* argument);
 using SDialogMessageHook = bool (*)(HWND dialog, SMessage* message);
 
 // Starts the toolkit on the calling thread (the main one): the thread's
-// row, the locale and clock, the cursors and fonts, the platform's work
-// area and modifier keys for the foundation, the program's path and the
-// helper window. sockets, sound and noCom are kept for the callers that
+// row, the locale and clock, the cursors, the system fonts and colours
+// (from the desktop theme on a platform that has one, else the classic
+// "Sans" 9 points and colours), the platform's work area and modifier keys
+// for the foundation, the program's path and the helper window. sockets, sound and noCom are kept for the callers that
 // test them; sockets need no start on Linux, and the sound device belongs
 // to the player. True when the toolkit runs.
 bool ToolkitStart(void* instance, int showCommand, bool sockets, bool sound, bool noCom);
@@ -83,3 +84,6 @@ void* GetSound();
 // caption, 2 menu, 3 status, 4 message.
 SFont* GetDefaultFont();
 SFont* GetSystemFont(int index);
+// The height of a window's menu bar: one line of the menu font and its
+// margins.
+int GetMenuBarHeight();

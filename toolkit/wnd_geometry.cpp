@@ -10,6 +10,7 @@
 #include "foundation/parser.h"
 #include "foundation/registry.h"
 #include "toolkit/platform/platform.h"
+#include "toolkit/wnd_app.h"
 
 void SWnd::GetFrameWidths(int* left, int* top, int* right, int* bottom) const {
     // Children draw their own frame: 2 pixels for a sunken edge, 1 for a
@@ -34,6 +35,48 @@ void SWnd::GetFrameWidths(int* left, int* top, int* right, int* bottom) const {
     if (bottom != nullptr) {
         *bottom = width;
     }
+    // The menu bar of a top-level window lies in the top of its frame.
+    if (top != nullptr && handle != 0 && parent == 0 && menu != nullptr) {
+        *top += GetMenuBarHeight();
+    }
+}
+
+SMinMaxInfo SWnd::GetMinMaxInfo() const {
+    SMinMaxInfo info;
+    if (handle != 0) {
+        SendMessage(handle, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&info));
+    }
+    return info;
+}
+
+SRect SWnd::LimitSize(const SRect& target) const {
+    if (handle == 0 || (parent != 0 && (style & WS_THICKFRAME) == 0)) {
+        return target;
+    }
+    SMinMaxInfo info = GetMinMaxInfo();
+    SSize size = KeepSizeInside(SSize{target.Width(), target.Height()}, info.minTrackSize,
+                                info.maxTrackSize);
+    return SRect{target.left, target.top, target.left + size.width, target.top + size.height};
+}
+
+void SWnd::ApplyLimits() {
+    if (handle == 0) {
+        return;
+    }
+    if (parent == 0) {
+        SMinMaxInfo info = GetMinMaxInfo();
+        GetPlatform()->SetSurfaceLimits(handle, info.minTrackSize, info.maxTrackSize);
+    }
+    SRect limited = LimitSize(rect);
+    if (limited != rect && !IsMinimized()) {
+        MoveWindow(limited);
+    }
+}
+
+void SWnd::SendClientSize() {
+    SSize client = GetClientSize();
+    SendMessage(handle, WM_SIZE, IsMaximized() ? SIZE_MAXIMIZED : SIZE_RESTORED,
+                MakePointParam(client.width, client.height));
 }
 
 void SWnd::GetClientOffset(SRect* offset) const {
@@ -134,12 +177,12 @@ void SWnd::ScreenToClient(SRect* area) const {
                   area->bottom - origin.y};
 }
 
-bool SWnd::MoveWindow(const SRect& target, bool repaint) {
+bool SWnd::MoveWindow(const SRect& wanted, bool repaint) {
     if (handle == 0) {
         return false;
     }
     SRect old = rect;
-    rect = target;
+    rect = LimitSize(wanted);
     if (showState == SW_SHOWNORMAL) {
         normalRect = rect;
     }
@@ -150,9 +193,7 @@ bool SWnd::MoveWindow(const SRect& target, bool repaint) {
         SendMessage(handle, WM_MOVE, 0, MakePointParam(rect.left, rect.top));
     }
     if (handle != 0 && (old.Width() != rect.Width() || old.Height() != rect.Height())) {
-        SSize client = GetClientSize();
-        SendMessage(handle, WM_SIZE, IsMaximized() ? SIZE_MAXIMIZED : SIZE_RESTORED,
-                    MakePointParam(client.width, client.height));
+        SendClientSize();
     }
     if (repaint) {
         SWnd* parentWnd = GetParentWnd();
@@ -227,7 +268,7 @@ void SWnd::Maximize() {
     if (parent == 0) {
         GetPlatform()->ShowSurface(handle, SW_SHOWMAXIMIZED);
     }
-    rect = area;
+    rect = LimitSize(area);
     if (parent == 0) {
         GetPlatform()->MoveSurface(handle, rect);
     }

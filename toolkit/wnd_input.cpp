@@ -75,6 +75,7 @@ bool SWnd::PreMessage(unsigned message, WPARAM* wParam, LPARAM* lParam, LRESULT*
     ThreadWindowState& state = ThreadState();
     switch (message) {
     case WM_KEYDOWN:
+        ToolTipDismiss(handle);
         return HandleKeyDown(static_cast<unsigned>(*wParam));
     case WM_SYSKEYDOWN: {
         HWND top = GetTopWindow();
@@ -89,7 +90,37 @@ bool SWnd::PreMessage(unsigned message, WPARAM* wParam, LPARAM* lParam, LRESULT*
     case WM_DESTROY:
         isModal = false;
         caretShown = false;
+        menu = nullptr;
         return true;
+    case WM_GETMINMAXINFO: {
+        auto* info = reinterpret_cast<SMinMaxInfo*>(*lParam);
+        if (info == nullptr) {
+            return true;
+        }
+        int left = 0, top = 0, right = 0, bottom = 0;
+        GetFrameWidths(&left, &top, &right, &bottom);
+        const int frame[2] = {left + right, top + bottom};
+        int* minimum[2] = {&info->minTrackSize.width, &info->minTrackSize.height};
+        int* maximum[2] = {&info->maxTrackSize.width, &info->maxTrackSize.height};
+        for (int i = 0; i < 2; ++i) {
+            // The window measure as it stands; the client measure with the
+            // frame added. Where both are set, both hold.
+            if (minSize[i] >= 0) {
+                *minimum[i] = std::max(*minimum[i], minSize[i]);
+            }
+            if (minClient[i] >= 0) {
+                *minimum[i] = std::max(*minimum[i], minClient[i] + frame[i]);
+            }
+            if (maxSize[i] >= 0) {
+                *maximum[i] = *maximum[i] >= 0 ? std::min(*maximum[i], maxSize[i]) : maxSize[i];
+            }
+            if (maxClient[i] >= 0) {
+                int limit = maxClient[i] + frame[i];
+                *maximum[i] = *maximum[i] >= 0 ? std::min(*maximum[i], limit) : limit;
+            }
+        }
+        return true;
+    }
     case WM_SIZE: {
         unsigned kind = static_cast<unsigned>(*wParam);
         if (kind == SIZE_RESTORED && sizeKind != SIZE_RESTORED) {
@@ -189,6 +220,9 @@ bool SWnd::PreMessage(unsigned message, WPARAM* wParam, LPARAM* lParam, LRESULT*
             TrackMouseEvent(TME_LEAVE, handle);
             SendMessage(handle, SM_MOUSE_ENTER, *wParam, *lParam);
         }
+        if (handle != 0) {
+            ToolTipMouseMove(this, PointParamX(*lParam), PointParamY(*lParam));
+        }
         if (moveActive) {
             SPoint cursorPoint{PointParamX(*lParam), PointParamY(*lParam)};
             ClientToScreen(&cursorPoint);
@@ -203,9 +237,11 @@ bool SWnd::PreMessage(unsigned message, WPARAM* wParam, LPARAM* lParam, LRESULT*
         return true;
     }
     case WM_MOUSELEAVE:
+        ToolTipForget(handle);
         SendMessage(handle, SM_MOUSE_LEAVE, 0, 0);
         return true;
     case WM_LBUTTONDOWN:
+        ToolTipDismiss(handle);
         if (moveByDrag && !IsMaximized() && !IsMinimized() &&
             SendMessage(handle, SM_MOVE_START, 0, *lParam) == 0 && handle != 0) {
             int left = 0, top = 0, right = 0, bottom = 0;
@@ -225,8 +261,11 @@ bool SWnd::PreMessage(unsigned message, WPARAM* wParam, LPARAM* lParam, LRESULT*
         HandleClick(message, *lParam, false);
         return true;
     case WM_MBUTTONDOWN:
-    case WM_MBUTTONUP:
     case WM_RBUTTONDOWN:
+        ToolTipDismiss(handle);
+        HandleClick(message, *lParam, false);
+        return true;
+    case WM_MBUTTONUP:
     case WM_RBUTTONUP:
         HandleClick(message, *lParam, false);
         return true;

@@ -15,3 +15,14 @@ struct ThreadWindowState {
 };
 
 ThreadWindowState& ThreadState();
+
+// Tool tips (tooltip.cpp), driven from slot 19 and the window's life.
+class SWnd;
+// The pointer moved to point (client coordinates) of wnd.
+void ToolTipMouseMove(SWnd* wnd, int x, int y);
+// A click or a key on hwnd: its tip goes and stays away until the pointer
+// leaves the window.
+void ToolTipDismiss(HWND hwnd);
+// The pointer left hwnd, or hwnd is destroyed or lost its tip: the tip goes
+// and hwnd is no longer followed.
+void ToolTipForget(HWND hwnd);

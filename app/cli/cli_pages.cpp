@@ -106,20 +106,30 @@ bool TakeImages(int& argc, char** argv, const char** setting) {
 
 const PCliJob& JobNamed(const char* name);
 
-int RunPages(int argc, char** argv) {
-    const PCliJob& job = JobNamed("pages");
+// What every job does first: "--help", then "--images" (its value into
+// images when given), then, for a job of fixed arguments (count 0 or more),
+// the count and the root folder in the first of them. CONTINUE when the job
+// goes on, else the exit code.
+constexpr int CONTINUE = -1;
+int StartJob(const char* name, int& argc, char** argv, int count, SString* root,
+             const char** images = nullptr) {
+    const PCliJob& job = JobNamed(name);
     if (IsHelp(argc, argv)) {
         return Help(job);
     }
-    if (!TakeImages(argc, argv, nullptr)) {
+    if (!TakeImages(argc, argv, images) || (count >= 0 && argc != count)) {
         return Usage(job);
     }
-    if (argc != 1) {
-        return Usage(job);
-    }
-    SString root;
-    if (!ReadRoot(argv[0], root)) {
+    if (count > 0 && root != nullptr && !ReadRoot(argv[0], *root)) {
         return 1;
+    }
+    return CONTINUE;
+}
+
+int RunPages(int argc, char** argv) {
+    SString root;
+    if (int code = StartJob("pages", argc, argv, 1, &root); code != CONTINUE) {
+        return code;
     }
     PKnownFolders known;
     known.Load(root.c_str());
@@ -132,19 +142,9 @@ int RunPages(int argc, char** argv) {
 }
 
 int RunPage(int argc, char** argv) {
-    const PCliJob& job = JobNamed("page");
-    if (IsHelp(argc, argv)) {
-        return Help(job);
-    }
-    if (!TakeImages(argc, argv, nullptr)) {
-        return Usage(job);
-    }
-    if (argc != 2) {
-        return Usage(job);
-    }
     SString root;
-    if (!ReadRoot(argv[0], root)) {
-        return 1;
+    if (int code = StartJob("page", argc, argv, 2, &root); code != CONTINUE) {
+        return code;
     }
     SString relative(argv[1]);
     while (relative.GetLength() > 0 && relative.GetAt(relative.GetLength() - 1) == '/') {
@@ -162,19 +162,9 @@ int RunPage(int argc, char** argv) {
 }
 
 int RunDescribeLine(int argc, char** argv) {
-    const PCliJob& job = JobNamed("describe-line");
-    if (IsHelp(argc, argv)) {
-        return Help(job);
-    }
-    if (!TakeImages(argc, argv, nullptr)) {
-        return Usage(job);
-    }
-    if (argc != 1) {
-        return Usage(job);
-    }
     SString root;
-    if (!ReadRoot(argv[0], root)) {
-        return 1;
+    if (int code = StartJob("describe-line", argc, argv, 1, &root); code != CONTINUE) {
+        return code;
     }
     PKnownFolders known;
     known.Load(root.c_str());
@@ -204,18 +194,15 @@ int RunDescribeLine(int argc, char** argv) {
 }
 
 int RunBook(int argc, char** argv) {
-    const PCliJob& job = JobNamed("book");
-    if (IsHelp(argc, argv)) {
-        return Help(job);
+    const char* imageNames = nullptr;
+    if (int code = StartJob("book", argc, argv, -1, nullptr, &imageNames); code != CONTINUE) {
+        return code;
     }
+    const PCliJob& job = JobNamed("book");
     const char* rootText = nullptr;
     const char* output = nullptr;
     bool makeImages = true;
     PBook book;
-    const char* imageNames = nullptr;
-    if (!TakeImages(argc, argv, &imageNames)) {
-        return Usage(job);
-    }
     book.SetImageNames(imageNames);
     for (int i = 0; i < argc; ++i) {
         if (strcmp(argv[i], "--no-images") == 0) {
@@ -245,13 +232,10 @@ int RunBook(int argc, char** argv) {
 }
 
 int RunZipBook(int argc, char** argv) {
+    if (int code = StartJob("zip-book", argc, argv, -1, nullptr); code != CONTINUE) {
+        return code;
+    }
     const PCliJob& job = JobNamed("zip-book");
-    if (IsHelp(argc, argv)) {
-        return Help(job);
-    }
-    if (!TakeImages(argc, argv, nullptr)) {
-        return Usage(job);
-    }
     const char* rootText = nullptr;
     const char* output = nullptr;
     for (int i = 0; i < argc; ++i) {

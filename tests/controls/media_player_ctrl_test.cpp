@@ -108,7 +108,7 @@ TEST_F(MediaPlayerTest, TheEndOfAMediumTellsTheParentOnce) {
     ASSERT_TRUE(PumpUntil([&] { return player.ended > 0; }));
     PumpFor(100);
     EXPECT_EQ(player.ended, 1);
-    EXPECT_EQ(parent.Count(SN_MEDIA_ENDED), 1);
+    EXPECT_EQ(parent.Count(SN_PLAYER_ENDED), 1);
     EXPECT_EQ(player.looped, 0);
     EXPECT_FALSE(player.IsPlaying());
     EXPECT_GT(player.ticks, 10); // 20 ms ticks over a second of play
@@ -122,7 +122,7 @@ TEST_F(MediaPlayerTest, WithTheLoopFlagTheMediumPlaysAgain) {
     ASSERT_TRUE(player.OpenMedia(Media("tone1s.wav").c_str(), true));
     ASSERT_TRUE(PumpUntil([&] { return player.looped > 0; }));
     EXPECT_EQ(player.ended, 0);
-    EXPECT_EQ(parent.Count(SN_MEDIA_LOOPED), 1);
+    EXPECT_EQ(parent.Count(SN_PLAYER_LOOPED), 1);
     EXPECT_TRUE(player.IsPlaying());
 }
 
@@ -212,8 +212,8 @@ TEST_F(MediaPlayerTest, FullScreenNeedsAPictureAndRestoresTheWindows) {
 class MouseParent : public SWnd {
 public:
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
-        if (message == SN_MEDIA_MOUSE) {
-            const auto* mouse = reinterpret_cast<const SMediaMouse*>(lParam);
+        if (message == SN_PLAYER_MOUSE) {
+            const auto* mouse = reinterpret_cast<const SMouseEvent*>(lParam);
             codes.push_back(mouse->code);
             points.push_back(mouse->client);
         }

@@ -106,6 +106,24 @@ TEST_F(CliPagesTest, UsageErrorsAndHelp) {
     EXPECT_EQ(run.err.find('\n'), run.err.size() - 1); // one line
 }
 
+TEST_F(CliPagesTest, EveryJobStartsWithHelpImagesAndItsArguments) {
+    const char* const jobs[] = {"pages", "page", "describe-line", "book", "zip-book"};
+    for (const char* job : jobs) {
+        SCOPED_TRACE(job);
+        CliRun help = RunCli(temp, std::string(job) + " " + quotedRoot + " -h");
+        EXPECT_EQ(help.status, 0) << "help wins over any other argument";
+        EXPECT_EQ(help.out.rfind(std::string("usage: melkora-cli ") + job + " ", 0), 0u);
+        EXPECT_EQ(RunCli(temp, std::string(job) + " " + quotedRoot + " --images").status, 2)
+            << "--images without its value";
+        EXPECT_EQ(RunCli(temp, job).status, 2) << "no root";
+    }
+    EXPECT_EQ(RunCli(temp, "page " + quotedRoot + " Rock extra").status, 2);
+    EXPECT_EQ(RunCli(temp, "describe-line '" + (temp / "missing") + "'").status, 1);
+    CliRun images = RunCli(temp, "describe-line --images 'A;B' " + quotedRoot, "plain");
+    EXPECT_EQ(images.status, 0) << "--images and its value are taken out wherever they stand";
+    EXPECT_EQ(images.out, "plain<br>\n");
+}
+
 } // namespace
 
 #endif

@@ -1,6 +1,7 @@
 // The way in from a platform: each implementation turns its events into
 // these calls, on the thread that owns the top-level window. Points are in
-// the top-level's client coordinates.
+// the top-level surface's coordinates: its client area, below the menu bar
+// when the window has one (the toolkit draws the bar in the surface).
 #pragma once
 
 #include "foundation/message.h"

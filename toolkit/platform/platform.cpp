@@ -15,6 +15,12 @@ std::unique_ptr<SPlatform>& Current() {
 
 SPlatform::~SPlatform() = default;
 
+bool SPlatform::GetInterfaceFont(SString* /*face*/, double* /*points*/) {
+    return false;
+}
+
+void SPlatform::LoadThemeColors() {}
+
 SPlatform* GetPlatform() {
     std::unique_ptr<SPlatform>& platform = Current();
     if (platform == nullptr) {

@@ -5,10 +5,13 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "foundation/geometry.h"
 #include "foundation/message.h"
 #include "foundation/string.h"
+
+class SImage;
 
 class SPlatform {
 public:
@@ -32,9 +35,28 @@ public:
     // for none.
     virtual void SetSurfaceCursor(HWND hwnd, int cursorIndex) = 0;
 
-    // The desktop.
+    // Size limits of a top-level surface in pixels, -1 for free: the window
+    // manager keeps the user's resizing inside them.
+    virtual void SetSurfaceLimits(HWND hwnd, const SSize& minimum, const SSize& maximum) = 0;
+
+    // The tool tip of the thread's windows: a small surface above all
+    // others at rect (screen coordinates) showing picture, drawn by the
+    // toolkit; owner is the window it tells about. One at a time: showing
+    // it again moves it.
+    virtual void ShowToolTip(HWND owner, const SRect& rect, const SImage& picture) = 0;
+    virtual void HideToolTip() = 0;
+
+    // The desktop. The clipboard holds one thing at a time: text, or a
+    // block of bytes of a private format of the program (a MIME type).
     virtual bool SetClipboardText(const char* text) = 0;
     virtual SString GetClipboardText() = 0;
+    virtual bool SetClipboardData(const char* format, const std::vector<uint8_t>& data) = 0;
+    // False when the clipboard holds nothing of that format.
+    virtual bool GetClipboardData(const char* format, std::vector<uint8_t>* data) = 0;
+    // A key pressed and released as if typed, by virtual key code; it
+    // reaches the window that has the keyboard. False when the platform
+    // cannot type that key.
+    virtual bool PressKey(unsigned code) = 0;
     virtual bool GetScreenRect(SRect* rect) = 0;
     virtual bool GetWorkArea(SRect* rect) = 0;
     // Dots per inch of the screen.
@@ -43,6 +65,13 @@ public:
     virtual unsigned GetModifiers() = 0;
     // The pointer in screen coordinates.
     virtual SPoint GetPointer() = 0;
+
+    // The desktop theme, read once when the toolkit starts. The interface
+    // font's face and size in points; false keeps the classic "Sans" 9.
+    virtual bool GetInterfaceFont(SString* face, double* points);
+    // Overwrites entries of the system colour table (toolkit/sys_colors.h)
+    // with the theme's; the default keeps the classic values.
+    virtual void LoadThemeColors();
 };
 
 // The platform in use; the headless one until SetPlatform. The toolkit owns

@@ -12,6 +12,7 @@
 #include "toolkit/draw.h"
 #include "toolkit/messages.h"
 #include "toolkit/platform/events.h"
+#include "toolkit/platform/gtk/gtk_theme.h"
 #include "toolkit/platform/platform.h"
 
 namespace {
@@ -83,6 +84,33 @@ unsigned VirtualKey(guint keyval) {
     case GDK_KEY_Menu: return 93;
     default: return 0;
     }
+}
+
+// The GDK key value of a virtual key code, the reverse of VirtualKey; 0 for
+// a code without one.
+guint KeyvalOf(unsigned code) {
+    if (code >= 'A' && code <= 'Z') {
+        return GDK_KEY_a + (code - 'A');
+    }
+    if (code >= '0' && code <= '9') {
+        return GDK_KEY_0 + (code - '0');
+    }
+    if (code >= 112 && code <= 135) {
+        return GDK_KEY_F1 + (code - 112);
+    }
+    if (code >= 96 && code <= 105) {
+        return GDK_KEY_KP_0 + (code - 96);
+    }
+    for (guint keyval : {GDK_KEY_BackSpace, GDK_KEY_Tab, GDK_KEY_Return, GDK_KEY_Shift_L,
+                         GDK_KEY_Control_L, GDK_KEY_Alt_L, GDK_KEY_Pause, GDK_KEY_Caps_Lock,
+                         GDK_KEY_Escape, GDK_KEY_space, GDK_KEY_Page_Up, GDK_KEY_Page_Down,
+                         GDK_KEY_End, GDK_KEY_Home, GDK_KEY_Left, GDK_KEY_Up, GDK_KEY_Right,
+                         GDK_KEY_Down, GDK_KEY_Insert, GDK_KEY_Delete, GDK_KEY_Menu}) {
+        if (VirtualKey(keyval) == code) {
+            return keyval;
+        }
+    }
+    return 0;
 }
 
 unsigned ButtonMessage(guint button, bool down) {
@@ -204,9 +232,41 @@ void OnDragData(GtkWidget*, GdkDragContext* context, gint x, gint y, GtkSelectio
     }
 }
 
+// The tool tip: a popup window of the tool tip kind showing the picture the
+// toolkit painted.
+struct ToolTipWindow {
+    GtkWidget* window = nullptr;
+    SImage picture;
+};
+
+gboolean OnToolTipDraw(GtkWidget*, cairo_t* cr, gpointer data) {
+    static_cast<ToolTipWindow*>(data)->picture.Draw(cr);
+    return TRUE;
+}
+
+// A block of the clipboard in a private format, served while we own it.
+struct ClipboardBlock {
+    SString format;
+    std::vector<uint8_t> data;
+};
+
+void OnClipboardGet(GtkClipboard*, GtkSelectionData* selection, guint, gpointer data) {
+    auto* block = static_cast<ClipboardBlock*>(data);
+    gtk_selection_data_set(selection, gdk_atom_intern(block->format.c_str(), FALSE), 8,
+                           block->data.data(), static_cast<gint>(block->data.size()));
+}
+
+void OnClipboardClear(GtkClipboard*, gpointer data) {
+    delete static_cast<ClipboardBlock*>(data);
+}
+
 class GtkPlatform : public SPlatform {
 public:
     ~GtkPlatform() override {
+        if (toolTip.window != nullptr) {
+            g_signal_handlers_disconnect_by_data(toolTip.window, &toolTip);
+            gtk_widget_destroy(toolTip.window);
+        }
         for (auto& [hwnd, surface] : surfaces) {
             g_signal_handlers_disconnect_by_data(surface->window, surface);
             g_signal_handlers_disconnect_by_data(surface->area, surface);
@@ -349,6 +409,115 @@ public:
         }
     }
 
+    void SetSurfaceLimits(HWND hwnd, const SSize& minimum, const SSize& maximum) override {
+        Surface* surface = Find(hwnd);
+        if (surface == nullptr) {
+            return;
+        }
+        // Geometry hints: the window manager keeps resizes inside them, and
+        // GTK itself holds the sizes it asks for to them.
+        GdkGeometry hints = {};
+        unsigned mask = 0;
+        if (minimum.width >= 0 || minimum.height >= 0) {
+            hints.min_width = std::max(1, minimum.width);
+            hints.min_height = std::max(1, minimum.height);
+            mask |= GDK_HINT_MIN_SIZE;
+        }
+        if (maximum.width >= 0 || maximum.height >= 0) {
+            hints.max_width = maximum.width >= 0 ? std::max(1, maximum.width) : G_MAXINT / 2;
+            hints.max_height = maximum.height >= 0 ? std::max(1, maximum.height) : G_MAXINT / 2;
+            mask |= GDK_HINT_MAX_SIZE;
+        }
+        gtk_window_set_geometry_hints(GTK_WINDOW(surface->window), nullptr, &hints,
+                                      static_cast<GdkWindowHints>(mask));
+    }
+
+    void ShowToolTip(HWND /*owner*/, const SRect& rect, const SImage& picture) override {
+        if (toolTip.window == nullptr) {
+            toolTip.window = gtk_window_new(GTK_WINDOW_POPUP);
+            gtk_window_set_type_hint(GTK_WINDOW(toolTip.window), GDK_WINDOW_TYPE_HINT_TOOLTIP);
+            gtk_widget_set_app_paintable(toolTip.window, TRUE);
+            g_signal_connect(toolTip.window, "draw", G_CALLBACK(OnToolTipDraw), &toolTip);
+        }
+        toolTip.picture.CopyFrom(&picture);
+        gtk_window_move(GTK_WINDOW(toolTip.window), rect.left, rect.top);
+        gtk_window_resize(GTK_WINDOW(toolTip.window), std::max(1, rect.Width()),
+                          std::max(1, rect.Height()));
+        gtk_widget_set_size_request(toolTip.window, std::max(1, rect.Width()),
+                                    std::max(1, rect.Height()));
+        gtk_widget_show(toolTip.window);
+        gtk_widget_queue_draw(toolTip.window);
+    }
+
+    void HideToolTip() override {
+        if (toolTip.window != nullptr) {
+            gtk_widget_hide(toolTip.window);
+        }
+    }
+
+    GtkWidget* GetToolTipWindow() const { return toolTip.window; }
+
+    bool SetClipboardData(const char* format, const std::vector<uint8_t>& data) override {
+        if (format == nullptr || *format == 0) {
+            return false;
+        }
+        auto* block = new ClipboardBlock{SString(format), data};
+        GtkTargetEntry target = {const_cast<gchar*>(block->format.c_str()), 0, 0};
+        GtkClipboard* clipboard = gtk_clipboard_get(GDK_SELECTION_CLIPBOARD);
+        if (!gtk_clipboard_set_with_data(clipboard, &target, 1, OnClipboardGet, OnClipboardClear,
+                                         block)) {
+            delete block;
+            return false;
+        }
+        return true;
+    }
+
+    bool GetClipboardData(const char* format, std::vector<uint8_t>* data) override {
+        if (format == nullptr || *format == 0 || data == nullptr) {
+            return false;
+        }
+        GtkSelectionData* selection = gtk_clipboard_wait_for_contents(
+            gtk_clipboard_get(GDK_SELECTION_CLIPBOARD), gdk_atom_intern(format, FALSE));
+        if (selection == nullptr) {
+            return false;
+        }
+        gint length = gtk_selection_data_get_length(selection);
+        const guchar* bytes = gtk_selection_data_get_data(selection);
+        bool found = length >= 0 && (bytes != nullptr || length == 0);
+        if (found) {
+            data->assign(bytes, bytes + length);
+        }
+        gtk_selection_data_free(selection);
+        return found;
+    }
+
+    bool PressKey(unsigned code) override {
+        GdkDisplay* display = gdk_display_get_default();
+        guint keyval = KeyvalOf(code);
+        if (display == nullptr || keyval == 0 || !GDK_IS_X11_DISPLAY(display)) {
+            return false;
+        }
+        Display* x = GDK_DISPLAY_XDISPLAY(display);
+        int eventBase = 0, errorBase = 0, major = 0, minor = 0;
+        if (!XTestQueryExtension(x, &eventBase, &errorBase, &major, &minor)) {
+            return false;
+        }
+        KeyCode keycode = XKeysymToKeycode(x, keyval);
+        if (keycode == 0) {
+            return false;
+        }
+        XTestFakeKeyEvent(x, keycode, True, CurrentTime);
+        XTestFakeKeyEvent(x, keycode, False, CurrentTime);
+        XFlush(x);
+        return true;
+    }
+
+    bool GetInterfaceFont(SString* face, double* points) override {
+        return GtkInterfaceFont(face, points);
+    }
+
+    void LoadThemeColors() override { GtkLoadThemeColors(); }
+
     bool SetClipboardText(const char* text) override {
         if (text == nullptr) {
             return false;
@@ -430,10 +599,17 @@ public:
     }
 
     std::map<HWND, Surface*> surfaces;
+    ToolTipWindow toolTip;
 };
 
 GtkPlatform* Current() {
     return dynamic_cast<GtkPlatform*>(GetPlatform());
+}
+
+// The surface of a top-level window on the GTK platform, or null.
+Surface* FindSurface(HWND top) {
+    GtkPlatform* platform = Current();
+    return platform != nullptr ? platform->Find(top) : nullptr;
 }
 
 } // namespace
@@ -455,8 +631,7 @@ void GtkSync() {
 }
 
 bool GtkCaptureSurface(HWND top, SImage* picture) {
-    GtkPlatform* platform = Current();
-    Surface* surface = platform != nullptr ? platform->Find(top) : nullptr;
+    Surface* surface = FindSurface(top);
     GdkWindow* window = surface != nullptr ? gtk_widget_get_window(surface->area) : nullptr;
     if (window == nullptr || picture == nullptr) {
         return false;
@@ -483,9 +658,62 @@ bool GtkCaptureSurface(HWND top, SImage* picture) {
     return picture->LoadPixels(argb.data(), width, height);
 }
 
-bool GtkSimulateClick(HWND top, int x, int y) {
+bool GtkResizeSurface(HWND top, int width, int height) {
+    Surface* surface = FindSurface(top);
+    if (surface == nullptr) {
+        return false;
+    }
+    gtk_window_resize(GTK_WINDOW(surface->window), std::max(1, width), std::max(1, height));
+    return true;
+}
+
+bool GtkGetSurfaceSize(HWND top, SSize* size) {
+    Surface* surface = FindSurface(top);
+    GdkWindow* window = surface != nullptr ? gtk_widget_get_window(surface->area) : nullptr;
+    if (window == nullptr || size == nullptr) {
+        return false;
+    }
+    *size = SSize{gdk_window_get_width(window), gdk_window_get_height(window)};
+    return true;
+}
+
+void GtkSetInterfaceFontName(const char* name) {
+    GtkSettings* settings = gtk_settings_get_default();
+    if (settings != nullptr && name != nullptr) {
+        g_object_set(settings, "gtk-font-name", name, nullptr);
+    }
+}
+
+bool GtkAddStyleSheet(const char* css) {
+    GdkScreen* screen = gdk_screen_get_default();
+    if (screen == nullptr || css == nullptr) {
+        return false;
+    }
+    GtkCssProvider* provider = gtk_css_provider_new();
+    bool loaded = gtk_css_provider_load_from_data(provider, css, -1, nullptr) != FALSE;
+    if (loaded) {
+        gtk_style_context_add_provider_for_screen(screen, GTK_STYLE_PROVIDER(provider),
+                                                  GTK_STYLE_PROVIDER_PRIORITY_USER);
+    }
+    g_object_unref(provider);
+    return loaded;
+}
+
+bool GtkGetToolTipRect(SRect* rect) {
     GtkPlatform* platform = Current();
-    Surface* surface = platform != nullptr ? platform->Find(top) : nullptr;
+    GtkWidget* window = platform != nullptr ? platform->GetToolTipWindow() : nullptr;
+    if (window == nullptr || rect == nullptr || !gtk_widget_get_visible(window)) {
+        return false;
+    }
+    int x = 0, y = 0, width = 0, height = 0;
+    gtk_window_get_position(GTK_WINDOW(window), &x, &y);
+    gtk_window_get_size(GTK_WINDOW(window), &width, &height);
+    *rect = SRect{x, y, x + width, y + height};
+    return true;
+}
+
+bool GtkSimulateClick(HWND top, int x, int y) {
+    Surface* surface = FindSurface(top);
     GdkWindow* window = surface != nullptr ? gtk_widget_get_window(surface->area) : nullptr;
     if (window == nullptr || !GDK_IS_X11_DISPLAY(gdk_window_get_display(window))) {
         return false;

@@ -19,5 +19,17 @@ bool GtkCaptureSurface(HWND top, SImage* picture);
 // A real click of the left button at a point of a top-level window's
 // client area, synthesised through the X test extension.
 bool GtkSimulateClick(HWND top, int x, int y);
+// Asks GTK for a new size of a top-level window, as the window manager
+// does when the user drags its edge; GTK keeps it to the window's limits.
+bool GtkResizeSurface(HWND top, int width, int height);
+// The size the X server gives a top-level window's surface.
+bool GtkGetSurfaceSize(HWND top, SSize* size);
+// Sets the desktop's interface font ("Serif 13"), as a settings daemon would;
+// call before ToolkitStart.
+void GtkSetInterfaceFontName(const char* name);
+// Adds CSS to the theme for the whole screen, as a user's gtk.css would.
+bool GtkAddStyleSheet(const char* css);
+// The place of the tool tip window while it shows; false when hidden.
+bool GtkGetToolTipRect(SRect* rect);
 // Waits until the X server has handled every request sent so far.
 void GtkSync();

@@ -1,5 +1,6 @@
 #include "toolkit/platform/headless/headless_platform.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cairo.h>
 
@@ -88,15 +89,89 @@ void SHeadlessPlatform::SetSurfaceCursor(HWND hwnd, int cursorIndex) {
     }
 }
 
+void SHeadlessPlatform::SetSurfaceLimits(HWND hwnd, const SSize& minimum, const SSize& maximum) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = surfaces.find(hwnd);
+    if (it != surfaces.end()) {
+        it->second.minimum = minimum;
+        it->second.maximum = maximum;
+    }
+}
+
+void SHeadlessPlatform::ShowToolTip(HWND owner, const SRect& rect, const SImage& picture) {
+    std::lock_guard<std::mutex> lock(mutex);
+    toolTip.owner = owner;
+    toolTip.rect = rect;
+    toolTip.picture.CopyFrom(&picture);
+    ++toolTip.shown;
+}
+
+void SHeadlessPlatform::HideToolTip() {
+    std::lock_guard<std::mutex> lock(mutex);
+    toolTip.owner = 0;
+}
+
+SHeadlessPlatform::ToolTip SHeadlessPlatform::GetToolTip() const {
+    std::lock_guard<std::mutex> lock(mutex);
+    ToolTip copy;
+    copy.owner = toolTip.owner;
+    copy.rect = toolTip.rect;
+    copy.picture.CopyFrom(&toolTip.picture);
+    copy.shown = toolTip.shown;
+    return copy;
+}
+
 bool SHeadlessPlatform::SetClipboardText(const char* text) {
     std::lock_guard<std::mutex> lock(mutex);
     clipboard = text != nullptr ? text : "";
+    clipboardFormat.Empty();
+    clipboardData.clear();
     return true;
 }
 
 SString SHeadlessPlatform::GetClipboardText() {
     std::lock_guard<std::mutex> lock(mutex);
-    return clipboard;
+    return clipboardFormat.IsEmpty() ? clipboard : SString();
+}
+
+bool SHeadlessPlatform::SetClipboardData(const char* format, const std::vector<uint8_t>& data) {
+    if (format == nullptr || *format == 0) {
+        return false;
+    }
+    std::lock_guard<std::mutex> lock(mutex);
+    clipboard.Empty();
+    clipboardFormat = format;
+    clipboardData = data;
+    return true;
+}
+
+bool SHeadlessPlatform::GetClipboardData(const char* format, std::vector<uint8_t>* data) {
+    std::lock_guard<std::mutex> lock(mutex);
+    if (format == nullptr || data == nullptr || clipboardFormat.IsEmpty() ||
+        clipboardFormat.Compare(format) != 0) {
+        return false;
+    }
+    *data = clipboardData;
+    return true;
+}
+
+bool SHeadlessPlatform::PressKey(unsigned code) {
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        pressedKeys.push_back(code);
+    }
+    SWnd* focus = SWnd::FromHandle(GetFocus());
+    if (focus != nullptr) {
+        HWND top = focus->GetTopWindow();
+        PlatformKey(top, WM_KEYDOWN, code);
+        PlatformKey(top, WM_KEYUP, code);
+    }
+    return true;
+}
+
+std::vector<unsigned> SHeadlessPlatform::GetPressedKeys() const {
+    std::lock_guard<std::mutex> lock(mutex);
+    return pressedKeys;
 }
 
 bool SHeadlessPlatform::GetScreenRect(SRect* rect) {
@@ -145,8 +220,8 @@ void SHeadlessPlatform::SetScreenRect(const SRect& area) {
 void SHeadlessPlatform::MoveMouse(HWND top, int x, int y, unsigned keyFlags) {
     SWnd* wnd = SWnd::FromHandle(top);
     if (wnd != nullptr) {
-        SPoint screenPoint{x, y};
-        wnd->ClientToScreen(&screenPoint);
+        SRect window = wnd->GetWindowRect();
+        SPoint screenPoint{window.left + x, window.top + y};
         std::lock_guard<std::mutex> lock(mutex);
         pointer = screenPoint;
     }
@@ -188,6 +263,12 @@ void SHeadlessPlatform::Key(HWND top, unsigned code, unsigned keyModifiers) {
 }
 
 void SHeadlessPlatform::Resize(HWND top, int width, int height) {
+    Surface surface;
+    if (GetSurface(top, &surface)) {
+        SSize kept = KeepSizeInside(SSize{width, height}, surface.minimum, surface.maximum);
+        width = kept.width;
+        height = kept.height;
+    }
     PlatformResized(top, width, height, SIZE_RESTORED);
     DispatchPending();
 }

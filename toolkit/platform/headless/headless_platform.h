@@ -6,6 +6,7 @@
 
 #include <map>
 #include <mutex>
+#include <vector>
 
 #include "foundation/image.h"
 #include "toolkit/platform/platform.h"
@@ -20,6 +21,16 @@ public:
         int alpha = 255;
         int cursor = 0;
         int frameRequests = 0;
+        SSize minimum{-1, -1}; // the size limits, -1 free
+        SSize maximum{-1, -1};
+    };
+    // The tool tip as shown: its owner, place and picture (an offscreen
+    // surface); owner 0 when hidden.
+    struct ToolTip {
+        HWND owner = 0;
+        SRect rect;
+        SImage picture;
+        int shown = 0; // how many times it was shown
     };
 
     SHeadlessPlatform();
@@ -34,15 +45,24 @@ public:
     void InvalidateSurface(HWND hwnd) override;
     void CaptureMouse(HWND hwnd) override;
     void SetSurfaceCursor(HWND hwnd, int cursorIndex) override;
+    void SetSurfaceLimits(HWND hwnd, const SSize& minimum, const SSize& maximum) override;
+    void ShowToolTip(HWND owner, const SRect& rect, const SImage& picture) override;
+    void HideToolTip() override;
     bool SetClipboardText(const char* text) override;
     SString GetClipboardText() override;
+    bool SetClipboardData(const char* format, const std::vector<uint8_t>& data) override;
+    bool GetClipboardData(const char* format, std::vector<uint8_t>* data) override;
+    // Posts the key, down then up, to the focus window of the calling
+    // thread (when it has one), and notes the code in GetPressedKeys.
+    bool PressKey(unsigned code) override;
     bool GetScreenRect(SRect* rect) override;
     bool GetWorkArea(SRect* rect) override;
     double GetDpi() override { return 96.0; }
     unsigned GetModifiers() override;
     SPoint GetPointer() override;
 
-    // Scripting. Points are in the top-level's client coordinates; each
+    // Scripting. Points are in the top-level surface's coordinates (the
+    // client's unless the window has a menu bar); each
     // call posts what the real platform would, then dispatches the queue.
     void MoveMouse(HWND top, int x, int y, unsigned keyFlags = 0);
     void Press(HWND top, int x, int y, unsigned downMessage = WM_LBUTTONDOWN);
@@ -53,8 +73,13 @@ public:
     void SetModifiers(unsigned modifiers);
     void SetWorkArea(const SRect& area);
     void SetScreenRect(const SRect& area);
-    // The user resizes a top-level window.
+    // The user resizes a top-level window; as a window manager does, the
+    // size is first kept inside the limits the window gave.
     void Resize(HWND top, int width, int height);
+    // The keys PressKey typed, oldest first.
+    std::vector<unsigned> GetPressedKeys() const;
+    // A copy of the tool tip as it stands.
+    ToolTip GetToolTip() const;
 
     // The frame a top-level window shows now, painted into picture.
     bool Snapshot(HWND top, SImage* picture);
@@ -74,6 +99,10 @@ private:
     mutable std::mutex mutex;
     std::map<HWND, Surface> surfaces;
     SString clipboard;
+    SString clipboardFormat; // empty: the clipboard holds text
+    std::vector<uint8_t> clipboardData;
+    std::vector<unsigned> pressedKeys;
+    ToolTip toolTip;
     SRect workArea{0, 0, 1280, 770};
     SRect screen{0, 0, 1280, 800};
     unsigned modifiers = 0;

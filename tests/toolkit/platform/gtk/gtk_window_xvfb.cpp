@@ -9,6 +9,7 @@
 
 #include "foundation/file.h"
 #include "toolkit/platform/gtk/gtk_platform.h"
+#include "toolkit/platform/gtk/gtk_pump.h"
 #include "toolkit/wnd.h"
 #include "toolkit/wnd_app.h"
 
@@ -36,24 +37,6 @@ public:
         return SWnd::OnMessage(message, wParam, lParam);
     }
 };
-
-// Runs the loop until done says so or five seconds pass.
-template <typename Done> bool PumpUntil(Done done) {
-    auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    SMessage message;
-    while (!done()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        GtkSync();
-        if (PeekMessage(&message, true)) {
-            DispatchMessage(&message);
-        } else {
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-    }
-    return true;
-}
 
 uint32_t Rgb(const SImage& picture, int x, int y) {
     return picture.GetPixel(x, y) & 0xFFFFFF;
