@@ -128,6 +128,7 @@ bool PPlayQueue::PlayTrack(int entry, bool paused) {
     const SString& path = *queue.GetAt(entry);
     SString address = GetPlayableAddress(path.c_str());
     if (address.IsEmpty() || !host.OpenMedia(address.c_str())) {
+        host.OnSkipped(path.c_str());
         return false;
     }
     if (paused) {

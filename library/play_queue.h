@@ -33,6 +33,8 @@ public:
     virtual void OnNowPlaying(const char* /*path*/, int /*position*/, int /*count*/) {}
     // Playing stopped: panels, video window and transport commands clear.
     virtual void OnNowPlayingCleared() {}
+    // An entry could not be opened and was passed over (path as queued).
+    virtual void OnSkipped(const char* /*path*/) {}
     // Entries were added to a queue that was already playing.
     virtual void OnQueueGrown(int /*count*/) {}
     // The queue ended with the shutdown flag on: power the machine off.

@@ -17,11 +17,17 @@ packages=(
     # toolkit: GTK 3 windows on X11; the window tests run on a virtual X
     # server and synthesise input through the X test extension
     libgtk-3-dev libxtst-dev xvfb xauth
+    # controls: the media player host on GStreamer (playbin, the codecs of
+    # songs, videos and radio streams); gst-launch-1.0 makes the test media
+    libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev gstreamer1.0-plugins-base
+    gstreamer1.0-plugins-good gstreamer1.0-plugins-bad gstreamer1.0-plugins-ugly
+    gstreamer1.0-libav gstreamer1.0-tools
 )
 
-# Benchmarks also make synthetic collections and compare with other tools.
+# Benchmarks also make synthetic collections and compare with other tools
+# (gst-play-1.0, of gstreamer1.0-plugins-base-apps, for bench/open).
 if [ "${1:-}" = "--bench" ]; then
-    packages+=(imagemagick libvips-tools hyperfine)
+    packages+=(imagemagick libvips-tools hyperfine gstreamer1.0-plugins-base-apps)
 fi
 
 missing=()

@@ -3,6 +3,8 @@
 // and posted, so that it passes through the thread's loop.
 #include "toolkit/platform/events.h"
 
+#include <atomic>
+
 #include <cairo.h>
 
 #include "toolkit/wnd.h"
@@ -34,6 +36,21 @@ void EndTracking(HWND keep, bool nonClient) {
     }
 }
 
+// The keys held now, by virtual key code; written on the window thread,
+// read by any.
+std::atomic<bool> heldKeys[256];
+
+void SetKeyHeld(unsigned message, unsigned code) {
+    if (code >= 256) {
+        return;
+    }
+    if (message == WM_KEYDOWN || message == WM_SYSKEYDOWN) {
+        heldKeys[code] = true;
+    } else if (message == WM_KEYUP || message == WM_SYSKEYUP) {
+        heldKeys[code] = false;
+    }
+}
+
 // A point of a top-level surface (window coordinates) in screen and in the
 // top-level's client coordinates; true when it lies in the client area.
 bool SurfacePoint(SWnd* top, int x, int y, SPoint* screen, SPoint* client) {
@@ -45,6 +62,10 @@ bool SurfacePoint(SWnd* top, int x, int y, SPoint* screen, SPoint* client) {
 }
 
 } // namespace
+
+bool IsKeyHeld(unsigned code) {
+    return code < 256 && heldKeys[code].load();
+}
 
 void PlatformMouse(HWND top, unsigned message, int x, int y, unsigned keyFlags) {
     SWnd* topWnd = SWnd::FromHandle(top);
@@ -100,6 +121,7 @@ void PlatformMouseLeave(HWND top) {
 }
 
 void PlatformKey(HWND top, unsigned message, unsigned code) {
+    SetKeyHeld(message, code);
     HWND target = GetFocus();
     SWnd* focus = SWnd::FromHandle(target);
     if (focus == nullptr || focus->GetTopWindow() != top) {
@@ -116,6 +138,12 @@ void PlatformFocus(HWND top, bool gained) {
         }
     } else if (focus != nullptr && focus->GetTopWindow() == top) {
         SetFocus(0);
+    }
+    if (!gained) {
+        // Keys released while another program has the focus never come back.
+        for (std::atomic<bool>& key : heldKeys) {
+            key = false;
+        }
     }
 }
 

@@ -11,6 +11,7 @@
 
 #include "foundation/array.h"
 #include "app/cli/cli_pages.h"
+#include "app/cli/cli_play.h"
 #include "foundation/disk.h"
 #include "library/playlist.h"
 #include "library/statistics.h"
@@ -31,6 +32,9 @@ constexpr const char* USAGE =
     "  playlist ROOT list              lists the playlists of ROOT/Playlists\n"
     "  playlist ROOT show NAME         prints the entries of one playlist\n"
     "  playlist ROOT add NAME PATH...  appends files (absolute paths) and saves\n"
+    "  play PATH... [--repeat] [--shuffle] [--sink fake]\n"
+    "                                  plays the files in order; prints open, end,\n"
+    "                                  skip and stop as they happen\n"
     "\n"
     "Options:\n"
     "  --help                          prints this text (or a job's usage)\n"
@@ -203,6 +207,9 @@ int main(int argc, char** argv) {
     // The jobs of the generated pages read their own arguments.
     if (const PCliJob* pagesJob = FindPagesJob(job.c_str())) {
         return pagesJob->run(argc - 2, argv + 2);
+    }
+    if (job == "play") {
+        return RunPlayJob(argc - 2, argv + 2);
     }
     if (!TakeCommonOptions(arguments)) {
         return Usage(USAGE);

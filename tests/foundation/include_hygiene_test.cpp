@@ -113,6 +113,41 @@ TEST(IncludeHygiene, OnlyTheGtkPlatformIncludesWindowingHeaders) {
     EXPECT_TRUE(leaks.empty()) << report;
 }
 
+// GStreamer headers in any source or header outside controls/gst/, the
+// library that wraps the player.
+TEST(IncludeHygiene, OnlyThePlayerWrapperIncludesGStreamer) {
+    std::vector<std::string> leaks;
+    int filesRead = 0;
+    for (const char* layer : kLayers) {
+        std::filesystem::path folder = std::filesystem::path(MELKORA_SOURCE_DIR) / layer;
+        if (!std::filesystem::is_directory(folder)) {
+            continue;
+        }
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+            std::string path = entry.path().string();
+            std::string extension = entry.path().extension().string();
+            if ((extension != ".h" && extension != ".cpp") ||
+                path.find("/controls/gst/") != std::string::npos) {
+                continue;
+            }
+            ++filesRead;
+            std::ifstream in(entry.path());
+            std::string line;
+            while (std::getline(in, line)) {
+                if (line.rfind("#include", 0) == 0 && line.find("<gst/") != std::string::npos) {
+                    leaks.push_back(path + ": " + line);
+                }
+            }
+        }
+    }
+    ASSERT_GT(filesRead, 0);
+    std::string report;
+    for (const std::string& leak : leaks) {
+        report += leak + "\n";
+    }
+    EXPECT_TRUE(leaks.empty()) << report;
+}
+
 TEST(IncludeHygiene, UmbrellaHeaderIncludesEveryFoundationHeader) {
     std::filesystem::path folder = std::filesystem::path(MELKORA_SOURCE_DIR) / "foundation";
     std::ifstream in(folder / "foundation.h");

@@ -39,6 +39,7 @@ public:
         events.push_back("now " + std::to_string(position) + "/" + std::to_string(count));
     }
     void OnQueueGrown(int count) override { events.push_back("grown " + std::to_string(count)); }
+    void OnSkipped(const char* path) override { skipped.push_back(Name(path)); }
     void ShutDownMachine() override { events.push_back("shutdown"); }
 
     // The file name alone keeps the expectations short.
@@ -50,6 +51,7 @@ public:
 
     std::set<std::string> failing;
     Events events;
+    Events skipped; // as the queue reported them, by queued path
     int opens = 0;
 };
 
@@ -262,6 +264,19 @@ TEST_F(PlayQueueTest, RadioFilesHandTheirStreamToThePlayer) {
     ASSERT_TRUE(queue.SetPlayQueue(&list));
     EXPECT_EQ(queue.GetIndex(), 1);
     EXPECT_EQ(Take(), (Events{"open x", "now 2/2"}));
+    // A radio file without an address is skipped under its own name.
+    EXPECT_EQ(host.skipped, (Events{"e.wvx"}));
+}
+
+TEST_F(PlayQueueTest, SkippedEntriesAreReportedByTheirQueuedPath) {
+    Fail("a.mp3");
+    Fail("c.mp3");
+    SStringArray list = Paths({"a.mp3", "b.mp3", "c.mp3"});
+    ASSERT_TRUE(queue.SetPlayQueue(&list));
+    EXPECT_EQ(host.skipped, (Events{"a.mp3"}));
+    queue.OnTrackEnded();
+    EXPECT_EQ(host.skipped, (Events{"a.mp3", "c.mp3"}));
+    EXPECT_EQ(queue.GetIndex(), -1);
 }
 
 TEST_F(PlayQueueTest, StopIsFalseOnAnEmptyQueue) {

@@ -17,6 +17,10 @@ void PlatformMouseLeave(HWND top);
 // WM_KEYDOWN, WM_KEYUP, WM_SYSKEYDOWN with a virtual key code, or WM_CHAR
 // with a character code; to the focus window.
 void PlatformKey(HWND top, unsigned message, unsigned code);
+// Whether the platform last reported the key (a virtual key code) down and
+// not yet up, as GetAsyncKeyState would: for a wait that polls a key, as the
+// media player's open polls Escape. Any thread may ask.
+bool IsKeyHeld(unsigned code);
 void PlatformFocus(HWND top, bool gained);
 // The surface's client area changed; kind is SIZE_RESTORED, SIZE_MINIMIZED
 // or SIZE_MAXIMIZED.

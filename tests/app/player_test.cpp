@@ -1,0 +1,230 @@
+#include "app/player.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <sys/wait.h>
+#include <vector>
+
+#include "support/http_server.h"
+#include "support/message_pump.h"
+#include "support/temp_dir.h"
+#include "toolkit/toolkit_fixture.h"
+
+namespace {
+
+std::string Media(const char* name) {
+    return std::string(MELKORA_TEST_MEDIA) + "/" + name;
+}
+
+// The program's player, counting the opens the queue asks for.
+class CountingMedia : public PMedia {
+public:
+    using PMedia::OpenMedia;
+    bool OpenMedia(const char* address) override {
+        ++opens;
+        return PMedia::OpenMedia(address);
+    }
+    void OnSkipped(const char* path) override { skipped.push_back(path); }
+    void OnNowPlayingCleared() override { ++cleared; }
+    int opens = 0;
+    int cleared = 0;
+    std::vector<std::string> skipped;
+};
+
+class PlayerQueueTest : public ToolkitTest {
+protected:
+    void SetUp() override {
+        ToolkitTest::SetUp();
+        media.SetFakeSinks(true);
+        SRect rect = Rect(0, 0, 320, 240);
+        ASSERT_TRUE(media.Create("video", 0, 0, &rect, 0));
+        media.SetQueue(&queue);
+    }
+    void TearDown() override {
+        media.SetQueue(nullptr);
+        media.Destroy();
+        ToolkitTest::TearDown();
+    }
+    bool Play(std::initializer_list<std::string> paths) {
+        SStringArray list;
+        for (const std::string& path : paths) {
+            list.Add(path.c_str());
+        }
+        return queue.SetPlayQueue(&list);
+    }
+
+    TempDir dir;
+    CountingMedia media;
+    PPlayQueue queue{media};
+};
+
+TEST_F(PlayerQueueTest, FilesThatDoNotOpenAreSkipped) {
+    std::string damaged = dir.Write("damaged.mp3", std::string(3000, '\x55'));
+    std::string missing = dir / "missing.ogg";
+    ASSERT_TRUE(Play({missing, damaged, Media("tone1s.wav")}));
+    EXPECT_EQ(queue.GetIndex(), 2);
+    EXPECT_EQ(media.skipped, (std::vector<std::string>{missing, damaged}));
+    EXPECT_TRUE(media.IsPlaying());
+}
+
+TEST_F(PlayerQueueTest, TheEndOfATrackPlaysTheNextAndTheLastStops) {
+    ASSERT_TRUE(Play({Media("tone1s.ogg"), Media("tone1s.mp3")}));
+    ASSERT_TRUE(PumpUntil([&] { return queue.GetIndex() == 1; }));
+    EXPECT_STREQ(media.GetMediaPath().GetFullPath().c_str(), Media("tone1s.mp3").c_str());
+    ASSERT_TRUE(PumpUntil([&] { return queue.GetIndex() == -1; }));
+    // Emptied, not only stopped.
+    EXPECT_EQ(queue.GetCount(), 0);
+    EXPECT_FALSE(media.IsMediaOpen());
+    EXPECT_EQ(media.cleared, 1);
+    EXPECT_EQ(media.opens, 2);
+}
+
+TEST_F(PlayerQueueTest, OneEntryWithRepeatReplaysWithoutOpeningAgain) {
+    queue.SetRepeat(true);
+    ASSERT_TRUE(Play({Media("tone1s.wav")}));
+    unsigned start = media.GetPosition();
+    // Past the end of the first play: it has started again from 0.
+    PumpUntil([&] { return media.GetPosition() > 900; });
+    PumpUntil([&] { return media.GetPosition() > 0 && media.GetPosition() < 500; });
+    EXPECT_LT(start, 200u);
+    EXPECT_TRUE(media.IsPlaying());
+    EXPECT_EQ(queue.GetIndex(), 0);
+    EXPECT_EQ(media.opens, 1);
+}
+
+TEST_F(PlayerQueueTest, RepeatRestartsAQueueOfSeveralAtItsEnd) {
+    queue.SetRepeat(true);
+    ASSERT_TRUE(Play({Media("tone1s.wav"), Media("tone1s.ogg")}));
+    ASSERT_TRUE(PumpUntil([&] { return queue.GetIndex() == 1; }));
+    ASSERT_TRUE(PumpUntil([&] { return queue.GetIndex() == 0; }));
+    EXPECT_EQ(media.opens, 3);
+    EXPECT_EQ(queue.GetCount(), 2);
+}
+
+TEST_F(PlayerQueueTest, TheShutdownFlagRunsTheShutdownCommandAtTheEnd) {
+    std::string marker = dir / "shut";
+    std::string command = "touch " + marker;
+    setenv("MELKORA_SHUTDOWN_COMMAND", command.c_str(), 1);
+    queue.SetShutdown(true);
+    // The last entry fails to open: the queue ends there, and shuts down.
+    ASSERT_TRUE(Play({Media("tone1s.wav"), dir / "gone.mp3"}));
+    bool ended = PumpUntil([&] { return queue.GetIndex() == -1; });
+    unsetenv("MELKORA_SHUTDOWN_COMMAND");
+    ASSERT_TRUE(ended);
+    EXPECT_TRUE(std::filesystem::exists(marker));
+}
+
+TEST_F(PlayerQueueTest, WithoutTheShutdownFlagNothingRuns) {
+    std::string marker = dir / "shut";
+    std::string command = "touch " + marker;
+    setenv("MELKORA_SHUTDOWN_COMMAND", command.c_str(), 1);
+    ASSERT_TRUE(Play({Media("tone1s.wav")}));
+    bool ended = PumpUntil([&] { return queue.GetIndex() == -1; });
+    unsetenv("MELKORA_SHUTDOWN_COMMAND");
+    ASSERT_TRUE(ended);
+    EXPECT_FALSE(std::filesystem::exists(marker));
+}
+
+TEST_F(PlayerQueueTest, ARadioFilePlaysItsStreamFromTheServer) {
+    TestHttpServer server;
+    // As a radio station sends it: no length, the stream ends when it ends.
+    server.Route("/radio.ogg", TestHttpServer::Ok(TempDir::Read(Media("tone5s.ogg")), false));
+    ASSERT_TRUE(server.Start());
+    std::string asx = dir.Write("Radio.asx", "<ASX version=\"3.0\">\r\n<Entry>\r\n<Ref href=\"" +
+                                                 server.Url("/radio.ogg") +
+                                                 "\"/>\r\n</Entry>\r\n</ASX>\r\n");
+    ASSERT_TRUE(Play({asx}));
+    EXPECT_EQ(queue.GetIndex(), 0);
+    EXPECT_STREQ(media.GetMediaPath().GetFullPath().c_str(), server.Url("/radio.ogg").c_str());
+    EXPECT_TRUE(PumpUntil([&] { return media.GetPosition() > 300; }));
+    ASSERT_FALSE(server.Targets().empty());
+    EXPECT_EQ(server.Targets().front(), "/radio.ogg");
+}
+
+TEST_F(PlayerQueueTest, TheVideoWindowIgnoresItsCloseBox) {
+    media.Close();
+    EXPECT_NE(media.GetHandle(), 0u);
+    EXPECT_TRUE(media.HasPlayer());
+}
+
+TEST_F(PlayerQueueTest, PauseAndSeekGoThroughThePlayer) {
+    ASSERT_TRUE(Play({Media("tone5s.wav")}));
+    EXPECT_TRUE(queue.SeekSeconds(3));
+    PumpUntil([&] { return media.GetPosition() >= 3000; });
+    EXPECT_GE(media.GetPosition(), 3000u);
+    EXPECT_TRUE(queue.TogglePause());
+    EXPECT_TRUE(media.IsPaused());
+    EXPECT_TRUE(queue.TogglePause());
+    EXPECT_TRUE(media.IsPlaying());
+    EXPECT_TRUE(queue.StopPlaying());
+    EXPECT_FALSE(media.IsMediaOpen());
+}
+
+// melkora-cli play, run as a user would.
+struct CliResult {
+    int status = -1;
+    std::string out;
+};
+
+CliResult RunCli(const std::string& arguments) {
+    CliResult result;
+    // Under AddressSanitizer the job's leak check needs whole stacks to
+    // match the suppressions of GStreamer's globals (support/gst/).
+    const char* asan = getenv("ASAN_OPTIONS");
+    std::string options = std::string(asan != nullptr ? asan : "") + ":fast_unwind_on_malloc=0";
+    std::string command = "ASAN_OPTIONS='" + options + "' " + std::string(MELKORA_CLI_PATH) + " " +
+                          arguments + " 2>/dev/null";
+    FILE* pipe = popen(command.c_str(), "r");
+    if (pipe == nullptr) {
+        return result;
+    }
+    char buffer[4096];
+    size_t count = 0;
+    while ((count = fread(buffer, 1, sizeof(buffer), pipe)) > 0) {
+        result.out.append(buffer, count);
+    }
+    int status = pclose(pipe);
+    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return result;
+}
+
+TEST(CliPlay, PrintsEachEventOfTheQueueInOrder) {
+    TempDir dir;
+    std::string bad = dir.Write("bad.ogg", "OggS but nothing more");
+    std::string wav = Media("tone1s.wav");
+    std::string mp3 = Media("tone1s.mp3");
+    CliResult result = RunCli("play " + wav + " " + bad + " " + mp3 + " --sink fake");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "open " + wav + "\nend " + wav + "\nskip " + bad + "\nopen " + mp3 +
+                              "\nend " + mp3 + "\nstop\n");
+}
+
+TEST(CliPlay, NothingPlayableFailsAndUsageErrorsAreTold) {
+    TempDir dir;
+    std::string missing = dir / "missing.mp3";
+    CliResult result = RunCli("play " + missing + " --sink fake");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "skip " + missing + "\nstop\n");
+    EXPECT_EQ(RunCli("play --sink fake").status, 2);
+    EXPECT_EQ(RunCli("play " + Media("tone1s.wav") + " --sink alsa").status, 2);
+    EXPECT_EQ(RunCli("play " + Media("tone1s.wav") + " --loud").status, 2);
+    CliResult help = RunCli("play --help");
+    EXPECT_EQ(help.status, 0);
+    EXPECT_EQ(help.out.rfind("usage: melkora-cli play", 0), 0u);
+}
+
+TEST(CliPlay, ShuffleKeepsEveryFile) {
+    std::string wav = Media("tone1s.wav");
+    std::string ogg = Media("tone1s.ogg");
+    CliResult result = RunCli("play " + wav + " " + ogg + " --shuffle --sink fake");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_NE(result.out.find("end " + wav + "\n"), std::string::npos);
+    EXPECT_NE(result.out.find("end " + ogg + "\n"), std::string::npos);
+    EXPECT_EQ(result.out.substr(result.out.size() - 5), "stop\n");
+}
+
+} // namespace
