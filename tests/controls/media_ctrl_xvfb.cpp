@@ -13,6 +13,7 @@
 
 #include "controls/media_ctrl.h"
 #include "foundation/file.h"
+#include "support/pixels.h"
 #include "toolkit/draw.h"
 #include "toolkit/platform/events.h"
 #include "toolkit/platform/gtk/gtk_platform.h"
@@ -36,16 +37,8 @@ uint64_t SteppedClock() {
 class Parent : public SWnd {
 public:
     int buttonClicks = 0;
-    std::string lastLink;
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
-        if (message == SN_MEDIA_BUTTON_CLICKED) {
-            ++buttonClicks;
-            return 0;
-        }
-        if (message == SN_MEDIA_LINK_CLICKED) {
-            lastLink = reinterpret_cast<const char*>(lParam);
-            return 1; // claimed: nothing is opened
-        }
+        buttonClicks += message == SN_MEDIA_BUTTON_CLICKED ? 1 : 0;
         return SWnd::OnMessage(message, wParam, lParam);
     }
 };
@@ -75,35 +68,17 @@ uint32_t ToRgb(uint32_t color) {
     return ((color & 0xFF) << 16) | (color & 0xFF00) | ((color >> 16) & 0xFF);
 }
 
-bool Near(uint32_t a, uint32_t b, int tolerance) {
-    int sum = 0;
-    for (int shift = 0; shift < 24; shift += 8) {
-        sum +=
-            std::abs(static_cast<int>((a >> shift) & 0xFF) - static_cast<int>((b >> shift) & 0xFF));
-    }
-    return sum <= tolerance;
-}
-
-int CountNear(const SImage& shot, const SRect& rect, uint32_t rgb, int tolerance = 90) {
-    int count = 0;
-    for (int y = rect.top; y < rect.bottom; ++y) {
-        for (int x = rect.left; x < rect.right; ++x) {
-            count += Near(Rgb(shot, x, y), rgb, tolerance) ? 1 : 0;
-        }
-    }
-    return count;
-}
-
 // A vertical gradient from top to bottom (0xRRGGBB) with a darker outline,
 // as a button picture stretched over the control.
 SImage Skin(uint32_t top, uint32_t bottom) {
     cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 80, 36);
     cairo_t* cr = cairo_create(surface);
     cairo_pattern_t* pattern = cairo_pattern_create_linear(0, 0, 0, 36);
-    cairo_pattern_add_color_stop_rgb(pattern, 0, ((top >> 16) & 0xFF) / 255.0,
-                                     ((top >> 8) & 0xFF) / 255.0, (top & 0xFF) / 255.0);
-    cairo_pattern_add_color_stop_rgb(pattern, 1, ((bottom >> 16) & 0xFF) / 255.0,
-                                     ((bottom >> 8) & 0xFF) / 255.0, (bottom & 0xFF) / 255.0);
+    for (uint32_t at : {0u, 1u}) {
+        uint32_t c = at == 0 ? top : bottom;
+        cairo_pattern_add_color_stop_rgb(pattern, at, ((c >> 16) & 0xFF) / 255.0,
+                                         ((c >> 8) & 0xFF) / 255.0, (c & 0xFF) / 255.0);
+    }
     cairo_set_source(cr, pattern);
     cairo_paint(cr);
     cairo_pattern_destroy(pattern);
@@ -114,6 +89,17 @@ SImage Skin(uint32_t top, uint32_t bottom) {
     cairo_surface_destroy(surface);
     image.drawMode = DRAW_STRETCH;
     return image;
+}
+
+// Draws part (clipped to clip when given) onto picture at (x, y).
+void Paste(SImage& picture, const SImage& part, int x, int y, const SRect* clip = nullptr) {
+    cairo_surface_t* surface = picture.CreateSurface();
+    cairo_t* cr = cairo_create(surface);
+    part.DrawAt(cr, x, y, -1, -1, clip);
+    cairo_destroy(cr);
+    cairo_surface_flush(surface);
+    picture.LoadSurface(surface, 0, 0);
+    cairo_surface_destroy(surface);
 }
 
 void SavePng(const SImage& picture, const char* name) {
@@ -137,9 +123,12 @@ TEST(MediaCtrlOnGtk, MarkupTickerAndButtonStatesAsTheXServerShowsThem) {
         ASSERT_TRUE(top.Create("Melkora media control", WS_VISIBLE, 0, &bounds, 0));
         top.SetBackColor(WINDOW);
 
-        SRect textRect{10, 10, 350, 96};
-        ASSERT_TRUE(text.Create("", WS_VISIBLE, 0, &textRect, top.GetHandle()));
-        SendMessage(text.GetHandle(), WM_SETFONT, reinterpret_cast<WPARAM>(font.get()), 0);
+        auto make = [&](SMediaCtrl& control, const char* title, SRect rect) {
+            bool made = control.Create(title, WS_VISIBLE, 0, &rect, top.GetHandle());
+            SendMessage(control.GetHandle(), WM_SETFONT, reinterpret_cast<WPARAM>(font.get()), 0);
+            return made;
+        };
+        ASSERT_TRUE(make(text, "", SRect{10, 10, 350, 96}));
         text.SetBackColor(PAGE);
         text.SetTextColor(INK);
         text.SetLinkColor(LINK);
@@ -151,20 +140,16 @@ TEST(MediaCtrlOnGtk, MarkupTickerAndButtonStatesAsTheXServerShowsThem) {
                      "or see <LINK>http://example.org/</LINK>\r\n"
                      "<C><I>Centred,</I> <#C03020>coloured</#> and <B>bold</B></C>");
 
-        SRect tickerRect{10, 104, 350, 130};
-        ASSERT_TRUE(ticker.Create("Now playing: Artist - Album - A song title far too long "
-                                  "for this strip",
-                                  WS_VISIBLE, 0, &tickerRect, top.GetHandle()));
-        SendMessage(ticker.GetHandle(), WM_SETFONT, reinterpret_cast<WPARAM>(font.get()), 0);
+        ASSERT_TRUE(make(ticker,
+                         "Now playing: Artist - Album - A song title far too long for this strip",
+                         SRect{10, 104, 350, 130}));
         ticker.SetBackColor(TICKER_BACK);
         ticker.SetTextColor(TICKER_TEXT);
         ticker.SetAutoScroll(-60, 0);
         ASSERT_TRUE(ticker.IsAutoScrollOn());
         ASSERT_EQ(ticker.GetScrollOffset().x, 338) << "the far edge of the inner rectangle";
 
-        SRect buttonRect{10, 146, 110, 186};
-        ASSERT_TRUE(button.Create("Play", WS_VISIBLE, 0, &buttonRect, top.GetHandle()));
-        SendMessage(button.GetHandle(), WM_SETFONT, reinterpret_cast<WPARAM>(font.get()), 0);
+        ASSERT_TRUE(make(button, "Play", SRect{10, 146, 110, 186}));
         SImage skins[4] = {Skin(0x4A78B4, 0x2A4C80), Skin(0x6CA0E0, 0x3E6EB0),
                            Skin(0x1E3A66, 0x2E5288), Skin(0xB0B0B0, 0x909090)};
         button.SetSkin(&skins[0], &skins[1], &skins[2], &skins[3]);
@@ -189,8 +174,8 @@ TEST(MediaCtrlOnGtk, MarkupTickerAndButtonStatesAsTheXServerShowsThem) {
                    10 + 4 + static_cast<int>(lines[0].height)};
         SRect plain{bold.right, bold.top, bold.right + static_cast<int>(lines[0].texts[1].width),
                     bold.bottom};
-        double boldInk = static_cast<double>(CountNear(shot, bold, ToRgb(INK))) / bold.Width();
-        double plainInk = static_cast<double>(CountNear(shot, plain, ToRgb(INK))) / plain.Width();
+        double boldInk = static_cast<double>(CountNear(shot, bold, ToRgb(INK), 90)) / bold.Width();
+        double plainInk = static_cast<double>(CountNear(shot, plain, ToRgb(INK), 90)) / plain.Width();
         EXPECT_GT(boldInk, plainInk * 1.2) << "bold strokes cover more of each column";
         for (int i = 0; i < 2; ++i) {
             SRect link = text.GetLinkRect(i);
@@ -215,13 +200,7 @@ TEST(MediaCtrlOnGtk, MarkupTickerAndButtonStatesAsTheXServerShowsThem) {
             if (!capture()) {
                 return false;
             }
-            firstColumn = -1;
-            for (int x = strip.left; x < strip.right && firstColumn < 0; ++x) {
-                if (CountNear(shot, SRect{x, strip.top, x + 1, strip.bottom}, ToRgb(TICKER_TEXT),
-                              120) > 0) {
-                    firstColumn = x;
-                }
-            }
+            firstColumn = FirstColumn(shot, strip, ToRgb(TICKER_TEXT), 120);
             return firstColumn >= 0 && firstColumn < 10 + 1 + 158 + 4;
         })) << "the scrolled ticker was not drawn; first text column "
             << firstColumn;
@@ -239,17 +218,11 @@ TEST(MediaCtrlOnGtk, MarkupTickerAndButtonStatesAsTheXServerShowsThem) {
         auto keep = [&](int index) {
             SImage part;
             ASSERT_TRUE(part.Crop(&shot, 0, 136, 120, 60));
-            cairo_surface_t* surface = states.CreateSurface();
-            cairo_t* cr = cairo_create(surface);
-            part.DrawAt(cr, index * 110, 0);
-            cairo_destroy(cr);
-            cairo_surface_flush(surface);
-            states.LoadSurface(surface, 0, 0);
-            cairo_surface_destroy(surface);
+            Paste(states, part, index * 110, 0);
         };
         const uint32_t faces[4] = {0x4A78B4, 0x6CA0E0, 0x1E3A66, 0xB0B0B0};
         auto shows = [&](int skin) {
-            return capture() && Near(Rgb(shot, 14, 149), faces[skin], 40);
+            return capture() && NearRgb(Rgb(shot, 14, 149), faces[skin], 40);
         };
         ASSERT_TRUE(PumpUntil([&] { return shows(0); })) << "normal";
         EXPECT_EQ(button.GetFrameState(), MEDIA_FRAME_NONE);
@@ -281,15 +254,9 @@ TEST(MediaCtrlOnGtk, MarkupTickerAndButtonStatesAsTheXServerShowsThem) {
         SImage all;
         all.Create(states.GetWidth(), 136 + states.GetHeight(), PIXEL_FORMAT_32ARGB);
         all.Fill(0xFF000000u | ToRgb(WINDOW));
-        cairo_surface_t* surface = all.CreateSurface();
-        cairo_t* cr = cairo_create(surface);
         SRect upper{0, 0, window.GetWidth(), 136};
-        window.DrawAt(cr, 0, 0, -1, -1, &upper);
-        states.DrawAt(cr, 0, 136);
-        cairo_destroy(cr);
-        cairo_surface_flush(surface);
-        all.LoadSurface(surface, 0, 0);
-        cairo_surface_destroy(surface);
+        Paste(all, window, 0, 0, &upper);
+        Paste(all, states, 0, 136);
         SavePng(all, "media_ctrl.png");
     }
     SetMessageClock(nullptr, true);

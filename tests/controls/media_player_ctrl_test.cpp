@@ -1,11 +1,13 @@
+// SMediaPlayerCtrl on the headless platform with fake sinks: opening,
+// playing, the end, seeking, pausing, video, the mouse, and the nested
+// loop that waits for an open.
 #include "controls/media_player_ctrl.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <algorithm>
 #include <functional>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <cairo.h>
@@ -32,11 +34,21 @@ public:
     int ticks = 0;
 };
 
-// Lets real time pass while this thread's messages run.
-void PumpFor(int milliseconds) {
-    auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
-    PumpUntil([&] { return std::chrono::steady_clock::now() >= end; });
-}
+// A parent that records its messages, and reads the mouse records while
+// they live.
+class Parent : public RecordingWnd {
+public:
+    LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
+        if (message == SN_PLAYER_MOUSE) {
+            const auto* mouse = reinterpret_cast<const SMouseEvent*>(lParam);
+            codes.push_back(mouse->code);
+            points.push_back(mouse->client);
+        }
+        return RecordingWnd::OnMessage(message, wParam, lParam);
+    }
+    std::vector<unsigned> codes;
+    std::vector<SPoint> points;
+};
 
 class MediaPlayerTest : public ToolkitTest {
 protected:
@@ -45,7 +57,7 @@ protected:
         SRect parentRect = Rect(0, 0, 400, 300);
         ASSERT_TRUE(parent.Create("parent", 0, 0, &parentRect, 0));
         player.SetFakeSinks(true);
-        SRect rect = Rect(0, 0, 320, 240);
+        SRect rect = Rect(50, 20, 370, 260);
         ASSERT_TRUE(player.Create("player", WS_CHILD | WS_VISIBLE, 0, &rect, parent.GetHandle()));
         ASSERT_TRUE(player.HasPlayer());
     }
@@ -54,56 +66,40 @@ protected:
         parent.Destroy();
         ToolkitTest::TearDown();
     }
-
-    RecordingWnd parent;
+    Parent parent;
     CountingPlayer player;
     TempDir dir;
 };
 
-TEST_F(MediaPlayerTest, OpenFailsOnMissingAndDamagedFiles) {
-    EXPECT_FALSE(player.OpenMedia((dir / "missing.mp3").c_str(), true));
+TEST_F(MediaPlayerTest, OpenFailsOnMissingAndDamagedFilesAndThePlayerStaysGood) {
     std::string noise(4000, '\0');
     for (size_t i = 0; i < noise.size(); ++i) {
         noise[i] = static_cast<char>((i * 7919u + 13u) % 251u);
     }
-    EXPECT_FALSE(player.OpenMedia(dir.Write("noise.mp3", noise).c_str(), true));
-    EXPECT_FALSE(player.OpenMedia(dir.Write("text.ogg", "not a song at all").c_str(), true));
-    EXPECT_FALSE(player.OpenMedia(dir.Write("empty.wav", "").c_str(), true));
-    EXPECT_FALSE(player.OpenMedia("", true));
+    for (std::string path : {dir / "missing.mp3", dir.Write("noise.mp3", noise),
+                             dir.Write("text.ogg", "not a song at all"), dir.Write("empty.wav", ""),
+                             std::string()}) {
+        EXPECT_FALSE(player.OpenMedia(path.c_str(), true)) << path;
+    }
     EXPECT_FALSE(player.IsMediaOpen());
     EXPECT_FALSE(player.IsPlaying());
     EXPECT_EQ(player.GetPosition(), 0u);
     EXPECT_EQ(player.GetDuration(), 0u);
-    // The player is still good for the next file.
     EXPECT_TRUE(player.OpenMedia(Media("tone1s.wav").c_str(), true));
 }
 
-TEST_F(MediaPlayerTest, SongsOfEachFormatOpenWithTheirDuration) {
+TEST_F(MediaPlayerTest, SongsOfEachFormatOpenWithTheirDurationAndNoPicture) {
     for (const char* name : {"tone1s.wav", "tone1s.ogg", "tone1s.mp3"}) {
-        SCOPED_TRACE(name);
-        ASSERT_TRUE(player.OpenMedia(Media(name).c_str(), true));
+        ASSERT_TRUE(player.OpenMedia(Media(name).c_str(), true)) << name;
         EXPECT_TRUE(player.IsPlaying());
-        EXPECT_NEAR(static_cast<int>(player.GetDuration()), 1000, 80);
+        EXPECT_NEAR(static_cast<int>(player.GetDuration()), 1000, 80) << name;
         EXPECT_FALSE(player.HasPicture());
         EXPECT_EQ(player.GetNativeSize().width, 0);
         EXPECT_STREQ(player.GetMediaPath().GetFullPath().c_str(), Media(name).c_str());
     }
 }
 
-TEST_F(MediaPlayerTest, OpenWithoutStartStandsStoppedAtTheStart) {
-    ASSERT_TRUE(player.OpenMedia(Media("tone5s.ogg").c_str(), false));
-    EXPECT_FALSE(player.IsPlaying());
-    EXPECT_FALSE(player.IsPaused());
-    PumpFor(200);
-    EXPECT_EQ(player.GetPosition(), 0u);
-    EXPECT_EQ(player.ticks, 0);
-    // Neither playing nor paused: nothing to toggle.
-    EXPECT_FALSE(player.TogglePause());
-    EXPECT_TRUE(player.Play());
-    EXPECT_TRUE(player.IsPlaying());
-}
-
-TEST_F(MediaPlayerTest, TheEndOfAMediumTellsTheParentOnce) {
+TEST_F(MediaPlayerTest, TheEndTellsTheParentOnceOrLoopsWithTheLoopFlag) {
     ASSERT_TRUE(player.OpenMedia(Media("tone1s.ogg").c_str(), true));
     ASSERT_TRUE(PumpUntil([&] { return player.ended > 0; }));
     PumpFor(100);
@@ -111,23 +107,26 @@ TEST_F(MediaPlayerTest, TheEndOfAMediumTellsTheParentOnce) {
     EXPECT_EQ(parent.Count(SN_PLAYER_ENDED), 1);
     EXPECT_EQ(player.looped, 0);
     EXPECT_FALSE(player.IsPlaying());
-    EXPECT_GT(player.ticks, 10); // 20 ms ticks over a second of play
-    // Stopped, the medium stays open and plays again from its start.
-    EXPECT_TRUE(player.IsMediaOpen());
+    EXPECT_GT(player.ticks, 10) << "20 ms ticks over a second of play";
+    EXPECT_TRUE(player.IsMediaOpen()) << "stopped, the medium stays open";
     EXPECT_TRUE(player.Play());
-}
 
-TEST_F(MediaPlayerTest, WithTheLoopFlagTheMediumPlaysAgain) {
     player.SetLoop(true);
     ASSERT_TRUE(player.OpenMedia(Media("tone1s.wav").c_str(), true));
     ASSERT_TRUE(PumpUntil([&] { return player.looped > 0; }));
-    EXPECT_EQ(player.ended, 0);
+    EXPECT_EQ(player.ended, 1);
     EXPECT_EQ(parent.Count(SN_PLAYER_LOOPED), 1);
     EXPECT_TRUE(player.IsPlaying());
 }
 
-TEST_F(MediaPlayerTest, SeekPastTheEndStopsAtTheDuration) {
+TEST_F(MediaPlayerTest, OpenedStoppedItStandsAtTheStartAndSeeksStopAtTheDuration) {
     ASSERT_TRUE(player.OpenMedia(Media("tone5s.ogg").c_str(), false));
+    EXPECT_FALSE(player.IsPlaying());
+    EXPECT_FALSE(player.IsPaused());
+    PumpFor(200);
+    EXPECT_EQ(player.GetPosition(), 0u);
+    EXPECT_EQ(player.ticks, 0);
+    EXPECT_FALSE(player.TogglePause()) << "neither playing nor paused";
     unsigned duration = player.GetDuration();
     ASSERT_NEAR(static_cast<int>(duration), 5000, 80);
     EXPECT_TRUE(player.Seek(2000));
@@ -137,6 +136,7 @@ TEST_F(MediaPlayerTest, SeekPastTheEndStopsAtTheDuration) {
     PumpFor(100);
     EXPECT_LE(player.GetPosition(), duration);
     EXPECT_GE(player.GetPosition() + 200, duration);
+    EXPECT_TRUE(player.Play());
     player.CloseMedia();
     EXPECT_FALSE(player.Seek(1000));
 }
@@ -144,8 +144,7 @@ TEST_F(MediaPlayerTest, SeekPastTheEndStopsAtTheDuration) {
 TEST_F(MediaPlayerTest, PositionGrowsWhilePlayingAndFreezesWhilePaused) {
     ASSERT_TRUE(player.OpenMedia(Media("tone5s.mp3").c_str(), true));
     PumpFor(400);
-    unsigned playing = player.GetPosition();
-    EXPECT_GT(playing, 100u);
+    EXPECT_GT(player.GetPosition(), 100u);
     ASSERT_TRUE(player.TogglePause());
     EXPECT_TRUE(player.IsPaused());
     PumpFor(50);
@@ -153,48 +152,41 @@ TEST_F(MediaPlayerTest, PositionGrowsWhilePlayingAndFreezesWhilePaused) {
     int ticks = player.ticks;
     PumpFor(400);
     EXPECT_NEAR(static_cast<int>(player.GetPosition()), static_cast<int>(paused), 5);
-    EXPECT_EQ(player.ticks, ticks); // the display rests while paused
+    EXPECT_EQ(player.ticks, ticks) << "the display rests while paused";
     ASSERT_TRUE(player.TogglePause());
     EXPECT_TRUE(player.IsPlaying());
     PumpFor(300);
     EXPECT_GT(player.GetPosition(), paused + 100);
 }
 
-TEST_F(MediaPlayerTest, VolumeIsClampedToAHundred) {
+TEST_F(MediaPlayerTest, VolumeIsClampedFromZeroToAHundred) {
     EXPECT_EQ(player.GetVolume(), 100);
-    player.SetVolume(37);
-    EXPECT_EQ(player.GetVolume(), 37);
-    player.SetVolume(250);
-    EXPECT_EQ(player.GetVolume(), 100);
-    player.SetVolume(-4);
-    EXPECT_EQ(player.GetVolume(), 0);
+    for (int volume : {37, 250, -4}) {
+        player.SetVolume(volume);
+        EXPECT_EQ(player.GetVolume(), std::clamp(volume, 0, 100));
+    }
 }
 
-TEST_F(MediaPlayerTest, AVideoReportsItsSizeAndIsDrawn) {
+TEST_F(MediaPlayerTest, AVideoReportsItsSizeIsDrawnAndGoesFullScreen) {
+    ASSERT_TRUE(player.OpenMedia(Media("tone1s.wav").c_str(), true));
+    player.SetFullScreen(true);
+    EXPECT_FALSE(player.IsFullScreen()) << "a song has no picture to show";
+
     ASSERT_TRUE(player.OpenMedia(Media("pattern.ogv").c_str(), false));
     EXPECT_TRUE(player.HasPicture());
-    SSize size = player.GetNativeSize();
-    EXPECT_EQ(size.width, 160);
-    EXPECT_EQ(size.height, 120);
+    EXPECT_EQ(player.GetNativeSize(), (SSize{160, 120}));
     // The first frame is painted stretched into the window: the test
-    // pattern's colour bars, not the black of the film strip.
+    // pattern's colour bars, not the film strip's black and grey.
     PumpFor(200);
     SImage shot;
     ASSERT_TRUE(platform->Snapshot(parent.GetHandle(), &shot));
     int coloured = 0;
-    for (int x = 10; x < 310; x += 20) {
-        uint32_t pixel = shot.GetPixel(x, 60) & 0xFFFFFF;
+    for (int x = 60; x < 360; x += 20) {
+        uint32_t pixel = shot.GetPixel(x, 80) & 0xFFFFFF;
         coloured += pixel != 0 && pixel != 0xC0C0C0 ? 1 : 0;
     }
     EXPECT_GT(coloured, 10);
-}
 
-TEST_F(MediaPlayerTest, FullScreenNeedsAPictureAndRestoresTheWindows) {
-    ASSERT_TRUE(player.OpenMedia(Media("tone1s.wav").c_str(), true));
-    player.SetFullScreen(true);
-    EXPECT_FALSE(player.IsFullScreen());
-
-    ASSERT_TRUE(player.OpenMedia(Media("pattern.ogv").c_str(), true));
     SRect before = parent.GetRect();
     player.SetFullScreen(true);
     ASSERT_TRUE(player.IsFullScreen());
@@ -208,41 +200,15 @@ TEST_F(MediaPlayerTest, FullScreenNeedsAPictureAndRestoresTheWindows) {
     EXPECT_EQ(player.GetRect().Width(), 320);
 }
 
-// A parent that reads the mouse records while they live.
-class MouseParent : public SWnd {
-public:
-    LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
-        if (message == SN_PLAYER_MOUSE) {
-            const auto* mouse = reinterpret_cast<const SMouseEvent*>(lParam);
-            codes.push_back(mouse->code);
-            points.push_back(mouse->client);
-        }
-        return SWnd::OnMessage(message, wParam, lParam);
-    }
-    std::vector<unsigned> codes;
-    std::vector<SPoint> points;
-};
-
-TEST_F(MediaPlayerTest, MouseButtonsReachTheParentWithTheirCode) {
-    MouseParent top;
-    SRect topRect = Rect(0, 0, 300, 200);
-    ASSERT_TRUE(top.Create("top", 0, 0, &topRect, 0));
-    CountingPlayer inner;
-    inner.SetFakeSinks(true);
-    SRect rect = Rect(50, 20, 250, 180);
-    ASSERT_TRUE(inner.Create("inner", WS_CHILD | WS_VISIBLE, 0, &rect, top.GetHandle()));
-    platform->Press(top.GetHandle(), 60, 40, WM_RBUTTONDOWN);
-    platform->Release(top.GetHandle(), 60, 40, WM_RBUTTONUP);
-    platform->Click(top.GetHandle(), 70, 30);
-    EXPECT_EQ(GetFocus(), inner.GetHandle());
-    // Right down, click (the toolkit tells it as the button goes up) and up,
-    // then the same for the left button.
-    EXPECT_EQ(top.codes, (std::vector<unsigned>{0x0C, 0x24, 0x14, 0x09, 0x21, 0x11}));
-    ASSERT_FALSE(top.points.empty());
-    EXPECT_EQ(top.points[0].x, 10); // in the player's client coordinates
-    EXPECT_EQ(top.points[0].y, 20);
-    inner.Destroy();
-    top.Destroy();
+TEST_F(MediaPlayerTest, MouseButtonsReachTheParentWithTheirCodeAndFocusThePlayer) {
+    platform->Press(parent.GetHandle(), 60, 40, WM_RBUTTONDOWN);
+    platform->Release(parent.GetHandle(), 60, 40, WM_RBUTTONUP);
+    platform->Click(parent.GetHandle(), 70, 30);
+    EXPECT_EQ(GetFocus(), player.GetHandle());
+    // Right down, click (told as the button goes up) and up, then the left.
+    EXPECT_EQ(parent.codes, (std::vector<unsigned>{0x0C, 0x24, 0x14, 0x09, 0x21, 0x11}));
+    ASSERT_FALSE(parent.points.empty());
+    EXPECT_EQ(parent.points[0], (SPoint{10, 20})) << "in the player's client coordinates";
 }
 
 TEST(MediaPlayerPaint, FilmStripHasTwoRowsOfSquares) {
@@ -253,64 +219,55 @@ TEST(MediaPlayerPaint, FilmStripHasTwoRowsOfSquares) {
     SImage picture;
     ASSERT_TRUE(picture.LoadSurface(surface, 0, 0));
     cairo_surface_destroy(surface);
-    // Side 10: squares at x 0-9, 20-29...; rows at y 5-14 and 85-94.
-    auto at = [&](int x, int y) { return picture.GetPixel(x, y) & 0xFFFFFF; };
-    EXPECT_EQ(at(0, 5), 0xC0C0C0u);
-    EXPECT_EQ(at(9, 14), 0xC0C0C0u);
-    EXPECT_EQ(at(10, 5), 0u);
-    EXPECT_EQ(at(20, 10), 0xC0C0C0u);
-    EXPECT_EQ(at(5, 4), 0u);
-    EXPECT_EQ(at(5, 15), 0u);
-    EXPECT_EQ(at(5, 50), 0u);
-    EXPECT_EQ(at(5, 85), 0xC0C0C0u);
-    EXPECT_EQ(at(5, 94), 0xC0C0C0u);
-    EXPECT_EQ(at(5, 95), 0u);
-    EXPECT_EQ(at(195, 90), 0u); // 180-189 is a square, 190-199 a gap
-    EXPECT_EQ(at(185, 90), 0xC0C0C0u);
+    // Side 10: squares at x 0-9, 20-29... 180-189; rows at y 5-14 and 85-94.
+    struct Point {
+        int x, y;
+        bool square;
+    } points[] = {{0, 5, true},   {9, 14, true},  {10, 5, false}, {20, 10, true},
+                  {5, 4, false},  {5, 15, false}, {5, 50, false}, {5, 85, true},
+                  {5, 94, true},  {5, 95, false}, {185, 90, true}, {195, 90, false}};
+    for (const Point& p : points) {
+        EXPECT_EQ(picture.GetPixel(p.x, p.y) & 0xFFFFFF, p.square ? 0xC0C0C0u : 0u)
+            << p.x << "," << p.y;
+    }
 }
 
 // The wait of an open: a server that never sends the stream keeps it
-// waiting, so what ends it is the test's doing.
-class MediaOpenWaitTest : public MediaPlayerTest {
+// waiting, so what ends it is the test's doing. A port, a message target
+// that is no toolkit window (as a worker's is), runs during the wait.
+class MediaOpenWaitTest : public MediaPlayerTest, public SMessageTarget {
 protected:
     void SetUp() override {
         MediaPlayerTest::SetUp();
+        port = RegisterTarget(this);
         server.Route("/stalled.ogg", TestHttpServer::Stalled("OggS", 100000));
         ASSERT_TRUE(server.Start());
     }
-    TestHttpServer server;
-};
-
-// A message target that is no toolkit window, as a worker's port is.
-class PortTarget : public SMessageTarget {
-public:
-    PortTarget() { handle = RegisterTarget(this); }
-    ~PortTarget() override { UnregisterTarget(handle); }
-    LRESULT HandleMessage(HWND, unsigned message, WPARAM wParam, LPARAM) override {
-        if (onMessage) {
-            onMessage(message, wParam);
-        }
+    void TearDown() override {
+        UnregisterTarget(port);
+        MediaPlayerTest::TearDown();
+    }
+    LRESULT HandleMessage(HWND, unsigned message, WPARAM, LPARAM) override {
+        onPort(message);
         return 0;
     }
-    HWND handle = 0;
-    std::function<void(unsigned, WPARAM)> onMessage;
+    bool OpenStalled() { return player.OpenMedia(server.Url("/stalled.ogg").c_str(), true); }
+    TestHttpServer server;
+    HWND port = 0;
+    std::function<void(unsigned)> onPort = [](unsigned) {};
 };
 
 TEST_F(MediaOpenWaitTest, KeepsFiftyWindowMessagesInOrderAndPostsQuitAgain) {
-    std::vector<std::string> order;
-    PortTarget port;
-    port.onMessage = [&](unsigned message, WPARAM) {
-        if (message == WM_USER) {
-            order.push_back("port");
-        }
-    };
+    int portMessages = 0;
+    onPort = [&](unsigned message) { portMessages += message == WM_USER ? 1 : 0; };
     for (int i = 0; i < 51; ++i) {
         ASSERT_TRUE(PostMessage(parent.GetHandle(), WM_USER + 1, static_cast<WPARAM>(i), 0));
     }
-    ASSERT_TRUE(PostMessage(port.handle, WM_USER, 0, 0));
+    ASSERT_TRUE(PostMessage(port, WM_USER, 0, 0));
     PostQuitMessage(7);
-    EXPECT_FALSE(player.OpenMedia(server.Url("/stalled.ogg").c_str(), true));
-    EXPECT_EQ(order, std::vector<std::string>{"port"});
+    EXPECT_FALSE(OpenStalled());
+    EXPECT_EQ(portMessages, 1) << "the port's message ran during the wait";
+    EXPECT_FALSE(player.IsMediaOpen());
 
     std::vector<WPARAM> replayed;
     for (const RecordingWnd::Entry& entry : parent.ownLog) {
@@ -318,7 +275,7 @@ TEST_F(MediaOpenWaitTest, KeepsFiftyWindowMessagesInOrderAndPostsQuitAgain) {
             replayed.push_back(entry.wParam);
         }
     }
-    ASSERT_EQ(replayed.size(), 50u); // the 51st is lost
+    ASSERT_EQ(replayed.size(), 50u) << "the 51st is lost";
     for (size_t i = 0; i < replayed.size(); ++i) {
         EXPECT_EQ(replayed[i], i);
     }
@@ -326,23 +283,20 @@ TEST_F(MediaOpenWaitTest, KeepsFiftyWindowMessagesInOrderAndPostsQuitAgain) {
     ASSERT_TRUE(PeekMessage(&message, true));
     EXPECT_EQ(message.message, WM_QUIT);
     EXPECT_EQ(message.wParam, 7u);
-    EXPECT_FALSE(player.IsMediaOpen());
 }
 
 TEST_F(MediaOpenWaitTest, EscapeHeldDownCancelsTheOpen) {
-    // A port's timer runs during the wait and presses Escape.
-    PortTarget port;
-    port.onMessage = [&](unsigned message, WPARAM) {
+    // The port's timer runs during the wait and presses Escape.
+    onPort = [&](unsigned message) {
         if (message == WM_TIMER) {
-            KillTimer(port.handle, 1);
+            KillTimer(port, 1);
             PlatformKey(parent.GetHandle(), WM_KEYDOWN, VK_ESCAPE);
         }
     };
-    ASSERT_TRUE(SetTimer(port.handle, 1, 100));
-    EXPECT_FALSE(player.OpenMedia(server.Url("/stalled.ogg").c_str(), true));
+    ASSERT_TRUE(SetTimer(port, 1, 100));
+    EXPECT_FALSE(OpenStalled());
     EXPECT_TRUE(IsKeyHeld(VK_ESCAPE));
     PlatformKey(parent.GetHandle(), WM_KEYUP, VK_ESCAPE);
-    EXPECT_FALSE(IsKeyHeld(VK_ESCAPE));
     EXPECT_TRUE(player.OpenMedia(Media("tone1s.wav").c_str(), true));
 }
 

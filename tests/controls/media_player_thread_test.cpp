@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <string>
 
 #include "support/message_pump.h"
@@ -38,11 +37,6 @@ protected:
     }
     ThreadedPlayer player;
 };
-
-void PumpFor(int milliseconds) {
-    auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
-    PumpUntil([&] { return std::chrono::steady_clock::now() >= end; });
-}
 
 TEST_F(MediaPlayerThreadTest, FramesAndTheEndArriveOnTheWindowThread) {
     ASSERT_TRUE(player.OpenMedia(Media("pattern.ogv").c_str(), true));

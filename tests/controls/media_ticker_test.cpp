@@ -2,7 +2,6 @@
 // and the wrap of each axis.
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 
 #include "controls/media_ticker.h"
@@ -10,49 +9,47 @@
 namespace {
 
 // A 200 by 40 control with margins of 1 and a text of 300 by 16.
-SMediaTicker::Frame Wide() {
+SMediaTicker::Frame Wide(int contentWidth = 300) {
     SMediaTicker::Frame frame;
     frame.clientWidth = 200;
     frame.clientHeight = 40;
     frame.left = frame.top = frame.right = frame.bottom = 1;
-    frame.contentWidth = 300;
+    frame.contentWidth = contentWidth;
     frame.contentHeight = 16;
     return frame;
 }
 
 TEST(MediaTicker, AnAxisOnWhichTheTextFitsStandsStillUnlessForced) {
     SMediaTicker ticker;
-    SMediaTicker::Frame frame = Wide();
-    frame.contentWidth = 198; // exactly the inner width
-    EXPECT_FALSE(ticker.Start(-50, 0, false, nullptr, frame, 1000));
+    SMediaTicker::Frame fits = Wide(198); // exactly the inner width
+    EXPECT_FALSE(ticker.Start(-50, 0, false, nullptr, fits, 1000));
     EXPECT_FALSE(ticker.IsOn());
-    EXPECT_EQ(ticker.GetSpeedX(), 0);
-    EXPECT_TRUE(ticker.Start(-50, 0, true, nullptr, frame, 1000));
+    EXPECT_TRUE(ticker.Start(-50, 0, true, nullptr, fits, 1000));
     EXPECT_DOUBLE_EQ(ticker.GetSpeedX(), -0.05) << "pixels per millisecond";
     ASSERT_TRUE(ticker.Start(-50, -20, false, nullptr, Wide(), 1000));
     EXPECT_EQ(ticker.GetSpeedY(), 0) << "the text is 16 high in 38: no vertical speed";
+    // Both speeds 0 stop the ticker and put the text back.
+    ASSERT_TRUE(ticker.Step(1100, Wide()));
+    EXPECT_FALSE(ticker.Start(0, 0, true, nullptr, Wide(), 1200));
+    EXPECT_EQ(ticker.GetOffsetX(), 0);
+    EXPECT_FALSE(ticker.Step(1300, Wide())) << "a stopped ticker does not move";
+    double nan = std::numeric_limits<double>::quiet_NaN();
+    EXPECT_FALSE(ticker.Start(nan, std::numeric_limits<double>::infinity(), true, nullptr, Wide(), 0));
 }
 
-TEST(MediaTicker, ALoopingTickerStartsAtTheFarEdgeOfItsAxis) {
-    SMediaTicker ticker;
-    ASSERT_TRUE(ticker.Start(-50, 0, false, nullptr, Wide(), 1000));
-    EXPECT_EQ(ticker.GetOffsetX(), 198);
-    EXPECT_EQ(ticker.GetOffsetY(), 0);
-    EXPECT_FALSE(ticker.vertical);
-    SMediaTicker down;
+TEST(MediaTicker, ALoopingTickerStartsAtTheFarEdgeUnlessGivenAStart) {
+    SMediaTicker across, down, placed, still;
+    ASSERT_TRUE(across.Start(-50, 0, false, nullptr, Wide(), 1000));
+    EXPECT_EQ(across.GetOffsetX(), 198);
+    EXPECT_FALSE(across.vertical);
     ASSERT_TRUE(down.Start(0, -10, true, nullptr, Wide(), 1000));
     EXPECT_TRUE(down.vertical);
     EXPECT_EQ(down.GetOffsetY(), 38);
     EXPECT_EQ(down.GetOffsetX(), 0);
-}
-
-TEST(MediaTicker, AStartPositionOrNoLoopKeepsTheGivenOffsets) {
-    SMediaTicker ticker;
     SPoint start{-5, 3};
-    ASSERT_TRUE(ticker.Start(-50, 0, false, &start, Wide(), 1000));
-    EXPECT_EQ(ticker.GetOffsetX(), -5);
-    EXPECT_EQ(ticker.GetOffsetY(), 3);
-    SMediaTicker still;
+    ASSERT_TRUE(placed.Start(-50, 0, false, &start, Wide(), 1000));
+    EXPECT_EQ(placed.GetOffsetX(), -5);
+    EXPECT_EQ(placed.GetOffsetY(), 3);
     still.loop = false;
     ASSERT_TRUE(still.Start(-50, 0, false, nullptr, Wide(), 1000));
     EXPECT_EQ(still.GetOffsetX(), 0);
@@ -64,7 +61,6 @@ TEST(MediaTicker, StepsRepaintOnlyWhenAWholePixelIsCrossed) {
     SPoint start{0, 0};
     ASSERT_TRUE(ticker.Start(50, 0, true, &start, Wide(), 1000));
     EXPECT_FALSE(ticker.Step(1010, Wide())) << "half a pixel";
-    EXPECT_EQ(ticker.GetOffsetX(), 0);
     EXPECT_TRUE(ticker.Step(1020, Wide()));
     EXPECT_EQ(ticker.GetOffsetX(), 1);
     EXPECT_FALSE(ticker.Step(1020, Wide())) << "no time passed";
@@ -72,54 +68,29 @@ TEST(MediaTicker, StepsRepaintOnlyWhenAWholePixelIsCrossed) {
     EXPECT_EQ(ticker.GetOffsetX(), 51) << "the exact offset keeps the fractions";
 }
 
-TEST(MediaTicker, AHorizontalTextWrapsWhenItsLastPixelHasLeft) {
-    SMediaTicker ticker;
-    ASSERT_TRUE(ticker.Start(-1000, 0, false, nullptr, Wide(), 0));
-    ASSERT_TRUE(ticker.Step(498, Wide()));
-    EXPECT_EQ(ticker.GetOffsetX(), -300) << "300 + -300 is not below 0 yet";
-    ASSERT_TRUE(ticker.Step(499, Wide()));
-    EXPECT_EQ(ticker.GetOffsetX(), 198) << "back at the far edge";
-    ASSERT_TRUE(ticker.Step(500, Wide()));
-    EXPECT_EQ(ticker.GetOffsetX(), 197) << "and going on from there";
-}
+TEST(MediaTicker, EachAxisWrapsWhenTheTextHasLeftUnlessItDoesNotLoop) {
+    SMediaTicker across, down, gone, far;
+    ASSERT_TRUE(across.Start(-1000, 0, false, nullptr, Wide(), 0));
+    ASSERT_TRUE(across.Step(498, Wide()));
+    EXPECT_EQ(across.GetOffsetX(), -300) << "300 + -300 is not below 0 yet";
+    ASSERT_TRUE(across.Step(499, Wide()));
+    EXPECT_EQ(across.GetOffsetX(), 198) << "back at the far edge";
+    ASSERT_TRUE(across.Step(500, Wide()));
+    EXPECT_EQ(across.GetOffsetX(), 197);
 
-TEST(MediaTicker, AVerticalTextRestartsOneMarginLowerThanItFirstStarted) {
-    SMediaTicker ticker;
-    ASSERT_TRUE(ticker.Start(0, -1000, true, nullptr, Wide(), 0));
-    ASSERT_EQ(ticker.GetOffsetY(), 38);
-    ASSERT_TRUE(ticker.Step(53, Wide()));
-    EXPECT_EQ(ticker.GetOffsetY(), -15) << "16 - 15 is not below the top margin";
-    ASSERT_TRUE(ticker.Step(54, Wide()));
-    EXPECT_EQ(ticker.GetOffsetY(), 39) << "client height less the bottom margin";
-}
+    ASSERT_TRUE(down.Start(0, -1000, true, nullptr, Wide(), 0));
+    ASSERT_TRUE(down.Step(53, Wide()));
+    EXPECT_EQ(down.GetOffsetY(), -15) << "16 - 15 is not below the top margin";
+    ASSERT_TRUE(down.Step(54, Wide()));
+    EXPECT_EQ(down.GetOffsetY(), 39) << "one margin lower than it first started";
 
-TEST(MediaTicker, WithoutLoopTheTextLeavesForGood) {
-    SMediaTicker ticker;
-    ticker.loop = false;
-    ASSERT_TRUE(ticker.Start(-1000, 0, false, nullptr, Wide(), 0));
-    ASSERT_TRUE(ticker.Step(1000, Wide()));
-    EXPECT_EQ(ticker.GetOffsetX(), -1000);
-}
-
-TEST(MediaTicker, BothSpeedsZeroStopAndPutTheTextBack) {
-    SMediaTicker ticker;
-    ASSERT_TRUE(ticker.Start(-50, 0, false, nullptr, Wide(), 1000));
-    ASSERT_TRUE(ticker.Step(1100, Wide()));
-    EXPECT_FALSE(ticker.Start(0, 0, true, nullptr, Wide(), 1200));
-    EXPECT_FALSE(ticker.IsOn());
-    EXPECT_EQ(ticker.GetOffsetX(), 0);
-    EXPECT_FALSE(ticker.Step(1300, Wide())) << "a stopped ticker does not move";
-}
-
-TEST(MediaTicker, SpeedsThatAreNoNumberAndEndlessRunsStayInRange) {
-    SMediaTicker ticker;
-    double nan = std::numeric_limits<double>::quiet_NaN();
-    EXPECT_FALSE(
-        ticker.Start(nan, std::numeric_limits<double>::infinity(), true, nullptr, Wide(), 0));
-    ticker.loop = false;
-    ASSERT_TRUE(ticker.Start(-1000000, 0, true, nullptr, Wide(), 0));
-    ASSERT_TRUE(ticker.Step(10000000, Wide()));
-    EXPECT_EQ(ticker.GetOffsetX(), -1000000000) << "held at the limit, far from overflow";
+    gone.loop = far.loop = false;
+    ASSERT_TRUE(gone.Start(-1000, 0, false, nullptr, Wide(), 0));
+    ASSERT_TRUE(gone.Step(1000, Wide()));
+    EXPECT_EQ(gone.GetOffsetX(), -1000);
+    ASSERT_TRUE(far.Start(-1000000, 0, true, nullptr, Wide(), 0));
+    ASSERT_TRUE(far.Step(10000000, Wide()));
+    EXPECT_EQ(far.GetOffsetX(), -1000000000) << "held at the limit, far from overflow";
 }
 
 } // namespace

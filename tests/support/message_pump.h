@@ -23,3 +23,9 @@ template <typename Done> bool PumpUntil(Done done) {
     }
     return true;
 }
+
+// Lets real time pass while this thread's messages run.
+inline void PumpFor(int milliseconds) {
+    auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+    PumpUntil([&] { return std::chrono::steady_clock::now() >= end; });
+}
