@@ -120,9 +120,9 @@ TEST_F(PlayerQueueTest, ARadioFilePlaysItsStreamFromTheServer) {
     // As a radio station sends it: no length, the stream ends when it ends.
     server.Route("/radio.ogg", TestHttpServer::Ok(TempDir::Read(Media("tone5s.ogg")), false));
     ASSERT_TRUE(server.Start());
-    std::string asx = dir.Write("Radio.asx", "<ASX version=\"3.0\">\r\n<Entry>\r\n<Ref href=\"" +
-                                                 server.Url("/radio.ogg") +
-                                                 "\"/>\r\n</Entry>\r\n</ASX>\r\n");
+    std::string asx =
+        dir.Write("Radio.asx", "<ASX version=\"3.0\">\r\n<Entry>\r\n<Ref href=\"" +
+                                   server.Url("/radio.ogg") + "\"/>\r\n</Entry>\r\n</ASX>\r\n");
     ASSERT_TRUE(Play({asx}));
     EXPECT_EQ(queue.GetIndex(), 0);
     EXPECT_STREQ(media.GetMediaPath().GetFullPath().c_str(), server.Url("/radio.ogg").c_str());
@@ -196,7 +196,8 @@ TEST(CliPlay, NothingPlayableFailsUsageErrorsAreToldAndShuffleKeepsEveryFile) {
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.out, "skip " + missing + "\nstop\n");
     std::string wav = Media("tone1s.wav");
-    for (std::string arguments : {std::string("--sink fake"), wav + " --sink alsa", wav + " --loud"}) {
+    for (std::string arguments :
+         {std::string("--sink fake"), wav + " --sink alsa", wav + " --loud"}) {
         EXPECT_EQ(RunCli("play " + arguments).status, 2) << arguments;
     }
     CliResult help = RunCli("play --help");

@@ -175,7 +175,8 @@ TEST(MediaCtrlOnGtk, MarkupTickerAndButtonStatesAsTheXServerShowsThem) {
         SRect plain{bold.right, bold.top, bold.right + static_cast<int>(lines[0].texts[1].width),
                     bold.bottom};
         double boldInk = static_cast<double>(CountNear(shot, bold, ToRgb(INK), 90)) / bold.Width();
-        double plainInk = static_cast<double>(CountNear(shot, plain, ToRgb(INK), 90)) / plain.Width();
+        double plainInk =
+            static_cast<double>(CountNear(shot, plain, ToRgb(INK), 90)) / plain.Width();
         EXPECT_GT(boldInk, plainInk * 1.2) << "bold strokes cover more of each column";
         for (int i = 0; i < 2; ++i) {
             SRect link = text.GetLinkRect(i);
@@ -247,6 +248,11 @@ TEST(MediaCtrlOnGtk, MarkupTickerAndButtonStatesAsTheXServerShowsThem) {
         ASSERT_TRUE(PumpUntil([&] { return shows(3); })) << "disabled";
         EXPECT_EQ(button.GetFrameState(), MEDIA_FRAME_NONE) << "no frame, though hovered";
         keep(3);
+        button.Enable(true);
+        button.SetChecked(true);
+        PlatformMouse(top.GetHandle(), WM_MOUSEMOVE, 300, 20, 0);
+        ASSERT_TRUE(PumpUntil([&] { return shows(2); })) << "checked stays down";
+        EXPECT_EQ(button.GetFrameState(), MEDIA_FRAME_SUNKEN);
         SavePng(states, "media_button_states.png");
 
         // One picture of it all for the documentation: the window, and the

@@ -76,9 +76,9 @@ TEST_F(MediaPlayerTest, OpenFailsOnMissingAndDamagedFilesAndThePlayerStaysGood) 
     for (size_t i = 0; i < noise.size(); ++i) {
         noise[i] = static_cast<char>((i * 7919u + 13u) % 251u);
     }
-    for (std::string path : {dir / "missing.mp3", dir.Write("noise.mp3", noise),
-                             dir.Write("text.ogg", "not a song at all"), dir.Write("empty.wav", ""),
-                             std::string()}) {
+    for (std::string path :
+         {dir / "missing.mp3", dir.Write("noise.mp3", noise),
+          dir.Write("text.ogg", "not a song at all"), dir.Write("empty.wav", ""), std::string()}) {
         EXPECT_FALSE(player.OpenMedia(path.c_str(), true)) << path;
     }
     EXPECT_FALSE(player.IsMediaOpen());
@@ -223,9 +223,9 @@ TEST(MediaPlayerPaint, FilmStripHasTwoRowsOfSquares) {
     struct Point {
         int x, y;
         bool square;
-    } points[] = {{0, 5, true},   {9, 14, true},  {10, 5, false}, {20, 10, true},
-                  {5, 4, false},  {5, 15, false}, {5, 50, false}, {5, 85, true},
-                  {5, 94, true},  {5, 95, false}, {185, 90, true}, {195, 90, false}};
+    } points[] = {{0, 5, true},  {9, 14, true},  {10, 5, false},  {20, 10, true},
+                  {5, 4, false}, {5, 15, false}, {5, 50, false},  {5, 85, true},
+                  {5, 94, true}, {5, 95, false}, {185, 90, true}, {195, 90, false}};
     for (const Point& p : points) {
         EXPECT_EQ(picture.GetPixel(p.x, p.y) & 0xFFFFFF, p.square ? 0xC0C0C0u : 0u)
             << p.x << "," << p.y;

@@ -11,7 +11,8 @@
 inline bool NearRgb(uint32_t a, uint32_t b, int tolerance) {
     int sum = 0;
     for (int shift = 0; shift < 24; shift += 8) {
-        sum += std::abs(static_cast<int>((a >> shift) & 0xFF) - static_cast<int>((b >> shift) & 0xFF));
+        sum +=
+            std::abs(static_cast<int>((a >> shift) & 0xFF) - static_cast<int>((b >> shift) & 0xFF));
     }
     return sum <= tolerance;
 }
