@@ -68,51 +68,47 @@ void Build(Built& built, const char* text, int innerWidth = 200, unsigned align 
     built.layout.Build(built.text, font, TEXT, LINK, wrapping, innerWidth, align, measure, images);
 }
 
+// The kind of a mark, 0 for none, and whether it opens.
+int Kind(const char* mark, bool* opening = nullptr, uint32_t* color = nullptr) {
+    bool open = false;
+    uint32_t value = 0;
+    int kind = ClassifyMark(mark, static_cast<int>(strlen(mark)), &open, &value);
+    *(opening != nullptr ? opening : &open) = open;
+    *(color != nullptr ? color : &value) = value;
+    return kind;
+}
+
 TEST(MediaMarks, NamesInAnyCaseColoursAndTextThatIsNoMark) {
     struct Case {
         const char* mark;
         int kind;
         bool opening;
-        uint32_t color;
-    } cases[] = {
-        {"<B>", MARK_BOLD, true, 0},
-        {"</b>", MARK_BOLD, false, 0},
-        {"<i>", MARK_ITALIC, true, 0},
-        {"</U>", MARK_UNDERLINE, false, 0},
-        {"<Link>", MARK_LINK, true, 0},
-        {"</LINK>", MARK_LINK, false, 0},
-        {"<img>", MARK_IMAGE, true, 0},
-        {"</IMG>", MARK_IMAGE, false, 0},
-        {"<LEFT>", MARK_LEFT, true, 0},
-        {"</l>", MARK_LEFT, false, 0},
-        {"<center>", MARK_CENTER, true, 0},
-        {"<C>", MARK_CENTER, true, 0},
-        {"</Right>", MARK_RIGHT, false, 0},
-        {"<r>", MARK_RIGHT, true, 0},
-        {"</#>", MARK_COLOR, false, 0},
-        {"</#whatever>", MARK_COLOR, false, 0},
-        // Red at the set alpha, with or without an alpha of FF; a lower
-        // alpha is kept.
-        {"<#FF0000>", MARK_COLOR, true, 0xFE0000FFu},
-        {"<#FF0000FF>", MARK_COLOR, true, 0xFE0000FFu},
-        {"<#12aB5680>", MARK_COLOR, true, 0x8056AB12u},
-    };
+    } cases[] = {{"<B>", MARK_BOLD, true},        {"</b>", MARK_BOLD, false},
+                 {"<i>", MARK_ITALIC, true},      {"</U>", MARK_UNDERLINE, false},
+                 {"<Link>", MARK_LINK, true},     {"</LINK>", MARK_LINK, false},
+                 {"<img>", MARK_IMAGE, true},     {"</IMG>", MARK_IMAGE, false},
+                 {"<LEFT>", MARK_LEFT, true},     {"</l>", MARK_LEFT, false},
+                 {"<center>", MARK_CENTER, true}, {"<C>", MARK_CENTER, true},
+                 {"</Right>", MARK_RIGHT, false}, {"<r>", MARK_RIGHT, true},
+                 {"</#>", MARK_COLOR, false},     {"</#whatever>", MARK_COLOR, false}};
     for (const Case& c : cases) {
         bool opening = !c.opening;
-        uint32_t color = 0;
-        EXPECT_EQ(ClassifyMark(c.mark, static_cast<int>(strlen(c.mark)), &opening, &color), c.kind)
-            << c.mark;
+        EXPECT_EQ(Kind(c.mark, &opening), c.kind) << c.mark;
         EXPECT_EQ(opening, c.opening) << c.mark;
-        if (c.color != 0) {
-            EXPECT_EQ(color, c.color) << c.mark;
-        }
     }
     for (const char* text : {"<Z>", "<>", "</>", "< B>", "<BB>", "<LINKS>", "<#FF00>", "<#GG0000>",
                              "<#FF0000F>", "<#FF0000FF00>", "<B", "B>"}) {
-        bool opening = false;
-        uint32_t color = 0;
-        EXPECT_EQ(ClassifyMark(text, static_cast<int>(strlen(text)), &opening, &color), 0) << text;
+        EXPECT_EQ(Kind(text), 0) << text;
     }
+    // Red at the set alpha, with or without an alpha of FF; a lower alpha is
+    // kept. Program colours take the set alpha the same way.
+    uint32_t red = 0, redFF = 0, low = 0;
+    EXPECT_EQ(Kind("<#FF0000>", nullptr, &red) + Kind("<#FF0000FF>", nullptr, &redFF) +
+                  Kind("<#12aB5680>", nullptr, &low),
+              3 * MARK_COLOR);
+    EXPECT_EQ(red, 0xFE0000FFu);
+    EXPECT_EQ(redFF, 0xFE0000FFu);
+    EXPECT_EQ(low, 0x8056AB12u);
     EXPECT_EQ(MediaColor(0x00123456), 0xFE123456u);
     EXPECT_EQ(MediaColor(0xFF123456), 0xFE123456u);
     EXPECT_EQ(MediaColor(0x80123456), 0x80123456u);
@@ -233,23 +229,19 @@ TEST(MediaPlace, VerticalAlignShiftsUnlessScrollingAndHiddenLinesAreLeftOut) {
 }
 
 TEST(MediaFrame, StatesOfTheButtonFrame) {
+    // Button, flat, enabled, checked, hovered, pressed as 1 or 0. Pressed
+    // with the pointer gone shows no frame, nor does a disabled button even
+    // when hovered.
     struct Case {
-        bool button, flat, enabled, checked, hovered, pressed;
+        const char* state;
         int frame;
-    } cases[] = {
-        {true, false, true, false, false, false, MEDIA_FRAME_NONE},
-        {true, false, true, false, true, false, MEDIA_FRAME_RAISED},
-        {true, false, true, false, true, true, MEDIA_FRAME_SUNKEN},
-        {true, false, true, false, false, true, MEDIA_FRAME_NONE}, // pressed, pointer left
-        {true, false, true, true, false, false, MEDIA_FRAME_SUNKEN},
-        {true, false, false, true, true, true, MEDIA_FRAME_NONE}, // disabled, though hovered
-        {true, true, true, false, true, false, MEDIA_FRAME_NONE},
-        {false, false, true, false, true, true, MEDIA_FRAME_NONE},
-    };
+    } cases[] = {{"101000", MEDIA_FRAME_NONE},   {"101010", MEDIA_FRAME_RAISED},
+                 {"101011", MEDIA_FRAME_SUNKEN}, {"101001", MEDIA_FRAME_NONE},
+                 {"101100", MEDIA_FRAME_SUNKEN}, {"100111", MEDIA_FRAME_NONE},
+                 {"111010", MEDIA_FRAME_NONE},   {"001011", MEDIA_FRAME_NONE}};
     for (const Case& c : cases) {
-        EXPECT_EQ(MediaFrameState(c.button, c.flat, c.enabled, c.checked, c.hovered, c.pressed),
-                  c.frame)
-            << &c - cases;
+        auto on = [&](int i) { return c.state[i] == '1'; };
+        EXPECT_EQ(MediaFrameState(on(0), on(1), on(2), on(3), on(4), on(5)), c.frame) << c.state;
     }
 }
 
