@@ -27,20 +27,18 @@ public:
     LRESULT claimLinks = 0;
 
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
-        if (message == SN_MEDIA_MOUSE || message == SN_MEDIA_BUTTON_CLICKED ||
-            message == SN_MEDIA_LINK_CLICKED) {
-            from = reinterpret_cast<SWnd*>(wParam);
-            const auto* event = reinterpret_cast<const SMouseEvent*>(lParam);
-            codes.push_back(message == SN_MEDIA_MOUSE ? event->code : message);
-            points.push_back(message == SN_MEDIA_MOUSE ? event->client : SPoint{});
+        bool mouse = message == SN_MEDIA_MOUSE;
+        if (!mouse && message != SN_MEDIA_BUTTON_CLICKED && message != SN_MEDIA_LINK_CLICKED) {
+            return SWnd::OnMessage(message, wParam, lParam);
         }
+        from = reinterpret_cast<SWnd*>(wParam);
+        const auto* event = reinterpret_cast<const SMouseEvent*>(lParam);
+        codes.push_back(mouse ? event->code : message);
+        points.push_back(mouse ? event->client : SPoint{});
         if (message == SN_MEDIA_LINK_CLICKED) {
             links.push_back(reinterpret_cast<const char*>(lParam));
-            return claimLinks;
         }
-        return message == SN_MEDIA_MOUSE || message == SN_MEDIA_BUTTON_CLICKED
-                   ? 0
-                   : SWnd::OnMessage(message, wParam, lParam);
+        return message == SN_MEDIA_LINK_CLICKED ? claimLinks : 0;
     }
 };
 
@@ -81,10 +79,10 @@ protected:
         return shot;
     }
     uint32_t At(int x, int y) { return Shot().GetPixel(x, y) & 0xFFFFFF; }
-    unsigned Cursor() {
+    SHeadlessPlatform::Surface Surface() {
         SHeadlessPlatform::Surface surface;
         EXPECT_TRUE(platform->GetSurface(parent.GetHandle(), &surface));
-        return surface.cursor;
+        return surface;
     }
     // Runs the fake clock on by milliseconds.
     static void Advance(uint64_t milliseconds) {
@@ -108,15 +106,13 @@ TEST_F(MediaCtrlTest, DefaultsAndSettingsThatClampOrChangeNothing) {
     EXPECT_EQ(control.GetInnerRect().Width(), 0) << "a negative inner width counts as 0";
     control.SetAlign(0xFF);
     EXPECT_EQ(control.GetAlign(), 0x33u) << "only the alignment bits are kept";
-    SHeadlessPlatform::Surface before, after;
-    ASSERT_TRUE(platform->GetSurface(parent.GetHandle(), &before));
+    auto frames = Surface().frameRequests;
     control.SetAlign(0x33);
     control.SetWrapping(false);
     control.SetTrimming(true);
     control.SetMarkup(false);
     control.SetTextColor(control.GetTextColor());
-    ASSERT_TRUE(platform->GetSurface(parent.GetHandle(), &after));
-    EXPECT_EQ(after.frameRequests, before.frameRequests) << "unchanged values ask for no frame";
+    EXPECT_EQ(Surface().frameRequests, frames) << "unchanged values ask for no frame";
 }
 
 TEST_F(MediaCtrlTest, BoldAndColourMarksDrawHeavierTextInTheChosenColours) {
@@ -149,9 +145,9 @@ TEST_F(MediaCtrlTest, LinksOpenMailOrTheDesktopUnlessTheParentClaimsThem) {
     EXPECT_GE(web.left, mail.right) << "the second link follows the first";
 
     platform->MoveMouse(parent.GetHandle(), 10 + web.left + 2, 10 + web.top + 2);
-    EXPECT_EQ(Cursor(), CURSOR_HAND);
+    EXPECT_EQ(Surface().cursor, CURSOR_HAND);
     platform->MoveMouse(parent.GetHandle(), 10 + web.right + 20, 10 + web.top + 2);
-    EXPECT_EQ(Cursor(), CURSOR_ARROW);
+    EXPECT_EQ(Surface().cursor, CURSOR_ARROW);
 
     platform->Click(parent.GetHandle(), 10 + mail.left + 3, 10 + mail.top + 3);
     platform->Click(parent.GetHandle(), 10 + web.left + 3, 10 + web.top + 3);
