@@ -6,13 +6,12 @@
 #include <gtest/gtest.h>
 
 #include <cairo.h>
-#include <chrono>
 #include <cmath>
 #include <string>
-#include <thread>
 
 #include "controls/media_ctrl.h"
 #include "foundation/file.h"
+#include "support/message_pump.h"
 #include "support/pixels.h"
 #include "toolkit/draw.h"
 #include "toolkit/platform/events.h"
@@ -43,21 +42,12 @@ public:
     }
 };
 
-template <typename Done> bool PumpUntil(Done done) {
-    auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-    SMessage message;
-    while (!done()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
+// Runs the messages, letting GTK draw, until done() holds.
+template <typename Done> bool Until(Done done) {
+    return PumpUntil([&] {
         GtkSync();
-        if (PeekMessage(&message, true)) {
-            DispatchMessage(&message);
-        } else {
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-    }
-    return true;
+        return done();
+    });
 }
 
 uint32_t Rgb(const SImage& picture, int x, int y) {
@@ -163,7 +153,7 @@ TEST(MediaCtrlOnGtk, MarkupTickerAndButtonStatesAsTheXServerShowsThem) {
         };
 
         // The marked-up text: bold and link runs where the layout put them.
-        ASSERT_TRUE(PumpUntil([&] {
+        ASSERT_TRUE(Until([&] {
             return capture() && Rgb(shot, 12, 12) == ToRgb(PAGE) && text.GetLinkCount() == 2;
         })) << "the window was not drawn";
         const auto& lines = text.GetLines();
@@ -197,7 +187,7 @@ TEST(MediaCtrlOnGtk, MarkupTickerAndButtonStatesAsTheXServerShowsThem) {
         EXPECT_EQ(ticker.GetScrollOffset().x, 158);
         SRect strip{10, 104, 350, 130};
         int firstColumn = -1;
-        ASSERT_TRUE(PumpUntil([&] {
+        ASSERT_TRUE(Until([&] {
             if (!capture()) {
                 return false;
             }
@@ -225,12 +215,12 @@ TEST(MediaCtrlOnGtk, MarkupTickerAndButtonStatesAsTheXServerShowsThem) {
         auto shows = [&](int skin) {
             return capture() && NearRgb(Rgb(shot, 14, 149), faces[skin], 40);
         };
-        ASSERT_TRUE(PumpUntil([&] { return shows(0); })) << "normal";
+        ASSERT_TRUE(Until([&] { return shows(0); })) << "normal";
         EXPECT_EQ(button.GetFrameState(), MEDIA_FRAME_NONE);
         keep(0);
 
         ASSERT_TRUE(GtkSimulateClick(top.GetHandle(), 60, 166));
-        ASSERT_TRUE(PumpUntil([&] { return top.buttonClicks == 1 && shows(1); }))
+        ASSERT_TRUE(Until([&] { return top.buttonClicks == 1 && shows(1); }))
             << "the real click did not arrive, or the hovered skin did not show";
         EXPECT_EQ(button.GetFrameState(), MEDIA_FRAME_RAISED);
         EXPECT_EQ(Rgb(shot, 10, 166), 0xFFFFFFu) << "raised: white left edge";
@@ -238,20 +228,20 @@ TEST(MediaCtrlOnGtk, MarkupTickerAndButtonStatesAsTheXServerShowsThem) {
         keep(1);
 
         PlatformMouse(top.GetHandle(), WM_LBUTTONDOWN, 60, 166, MK_LBUTTON);
-        ASSERT_TRUE(PumpUntil([&] { return shows(2); })) << "pressed";
+        ASSERT_TRUE(Until([&] { return shows(2); })) << "pressed";
         EXPECT_EQ(button.GetFrameState(), MEDIA_FRAME_SUNKEN);
         EXPECT_EQ(Rgb(shot, 10, 166), 0xA0A0A0u) << "sunken: the edges swap";
         keep(2);
         PlatformMouse(top.GetHandle(), WM_LBUTTONUP, 60, 166, 0);
 
         button.Enable(false);
-        ASSERT_TRUE(PumpUntil([&] { return shows(3); })) << "disabled";
+        ASSERT_TRUE(Until([&] { return shows(3); })) << "disabled";
         EXPECT_EQ(button.GetFrameState(), MEDIA_FRAME_NONE) << "no frame, though hovered";
         keep(3);
         button.Enable(true);
         button.SetChecked(true);
         PlatformMouse(top.GetHandle(), WM_MOUSEMOVE, 300, 20, 0);
-        ASSERT_TRUE(PumpUntil([&] { return shows(2); })) << "checked stays down";
+        ASSERT_TRUE(Until([&] { return shows(2); })) << "checked stays down";
         EXPECT_EQ(button.GetFrameState(), MEDIA_FRAME_SUNKEN);
         SavePng(states, "media_button_states.png");
 

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -275,10 +276,9 @@ TEST_F(MediaOpenWaitTest, KeepsFiftyWindowMessagesInOrderAndPostsQuitAgain) {
             replayed.push_back(entry.wParam);
         }
     }
-    ASSERT_EQ(replayed.size(), 50u) << "the 51st is lost";
-    for (size_t i = 0; i < replayed.size(); ++i) {
-        EXPECT_EQ(replayed[i], i);
-    }
+    std::vector<WPARAM> kept(50);
+    std::iota(kept.begin(), kept.end(), 0);
+    EXPECT_EQ(replayed, kept) << "fifty kept in order, the 51st lost";
     SMessage message;
     ASSERT_TRUE(PeekMessage(&message, true));
     EXPECT_EQ(message.message, WM_QUIT);
