@@ -1,6 +1,6 @@
 // SMediaCtrl as a window on the headless platform: what it paints, the
 // notifications its parent receives, links and their default action, the
-// button's states and the ticker on the fake clock.
+// button's clicks and the ticker on the fake clock.
 #include <gtest/gtest.h>
 
 #include <string>
