@@ -12,8 +12,7 @@ class Anchoring : public ToolkitTest, public ::testing::WithParamInterface<Ancho
 
 TEST_P(Anchoring, ParentGrowthMovesTheEdgesTheBitsName) {
     RecordingWnd top, child;
-    SRect bounds = Rect(0, 0, 200, 100);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 200, 100)));
     SRect rect = Rect(10, 10, 50, 30);
     ASSERT_TRUE(child.Create("child", WS_VISIBLE, 0, &rect, top.GetHandle()));
     child.SetAnchor(GetParam().bits);
@@ -43,8 +42,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(ToolkitTest, AnchoringIsMeasuredFromWhenItWasSetNotFromTheLastStep) {
     RecordingWnd top, child;
-    SRect bounds = Rect(0, 0, 200, 100);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 200, 100)));
     SRect rect = Rect(10, 10, 50, 30);
     ASSERT_TRUE(child.Create("child", WS_VISIBLE, 0, &rect, top.GetHandle()));
     child.SetAnchor(1);

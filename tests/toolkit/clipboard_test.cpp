@@ -115,8 +115,7 @@ using TypedKeys = ToolkitTest;
 
 TEST_F(TypedKeys, PressKeyReachesTheFocusWindowDownThenUp) {
     RecordingWnd top, child;
-    SRect bounds = Rect(0, 0, 200, 200);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 200, 200)));
     SRect inner = Rect(10, 10, 50, 50);
     ASSERT_TRUE(child.Create("child", WS_VISIBLE, 0, &inner, top.GetHandle()));
     SetFocus(child.GetHandle());
@@ -135,8 +134,7 @@ TEST_F(TypedKeys, PressKeyReachesTheFocusWindowDownThenUp) {
 
 TEST_F(TypedKeys, PressKeyWithoutAFocusWindowIsTypedIntoNothing) {
     RecordingWnd top;
-    SRect bounds = Rect(0, 0, 200, 200);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 200, 200)));
     SetFocus(0);
     EXPECT_TRUE(PressKey('A'));
     SHeadlessPlatform::DispatchPending();

@@ -20,8 +20,7 @@ public:
 
 TEST_F(SizeLimits, FreeUntilSetThenEveryResizeKeepsInside) {
     RecordingWnd top;
-    SRect bounds = Rect(100, 100, 300, 250);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(100, 100, 300, 250)));
     SMinMaxInfo free = top.GetMinMaxInfo();
     EXPECT_EQ(free.minTrackSize, (SSize{-1, -1}));
     EXPECT_EQ(free.maxTrackSize, (SSize{-1, -1}));
@@ -42,8 +41,7 @@ TEST_F(SizeLimits, FreeUntilSetThenEveryResizeKeepsInside) {
 
 TEST_F(SizeLimits, TheWindowManagerKeepsTheUsersResizeInside) {
     RecordingWnd top;
-    SRect bounds = Rect(0, 0, 300, 200);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 300, 200)));
     top.SetMinMax(200, 150, -1, 400);
     SHeadlessPlatform::Surface surface;
     ASSERT_TRUE(platform->GetSurface(top.GetHandle(), &surface));
@@ -61,8 +59,7 @@ TEST_F(SizeLimits, TheWindowManagerKeepsTheUsersResizeInside) {
 TEST_F(SizeLimits, ResizeReportsBelowTheLimitsAreBroughtBack) {
     // A window manager that ignores the hints: the window core holds on.
     RecordingWnd top;
-    SRect bounds = Rect(0, 0, 300, 200);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 300, 200)));
     top.SetMinMax(250, 180, -1, -1);
     PlatformResized(top.GetHandle(), 100, 100, SIZE_RESTORED);
     EXPECT_EQ(top.GetSize(), (SSize{250, 180}));
@@ -73,8 +70,7 @@ TEST_F(SizeLimits, ResizeReportsBelowTheLimitsAreBroughtBack) {
 
 TEST_F(SizeLimits, ClientLimitsCountTheFrameAndBothKindsHold) {
     RecordingWnd top, pane;
-    SRect bounds = Rect(0, 0, 400, 400);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 400, 400)));
     SRect rect = Rect(10, 10, 200, 200);
     ASSERT_TRUE(
         pane.Create("pane", WS_VISIBLE | WS_THICKFRAME, WS_EX_CLIENTEDGE, &rect, top.GetHandle()));
@@ -93,8 +89,7 @@ TEST_F(SizeLimits, ClientLimitsCountTheFrameAndBothKindsHold) {
 
 TEST_F(SizeLimits, MinimumWinsOverAMaximumBelowIt) {
     RecordingWnd top;
-    SRect bounds = Rect(0, 0, 300, 300);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 300, 300)));
     top.SetMinMax(200, 200, 100, 100);
     top.SetSize(150, 150);
     EXPECT_EQ(top.GetSize(), (SSize{200, 200}));
@@ -102,8 +97,7 @@ TEST_F(SizeLimits, MinimumWinsOverAMaximumBelowIt) {
 
 TEST_F(SizeLimits, PlainChildrenAreNotLimited) {
     RecordingWnd top, child;
-    SRect bounds = Rect(0, 0, 300, 300);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 300, 300)));
     SRect rect = Rect(0, 0, 100, 100);
     ASSERT_TRUE(child.Create("child", WS_VISIBLE, 0, &rect, top.GetHandle()));
     child.SetMinMax(80, 80, -1, -1);
@@ -113,15 +107,14 @@ TEST_F(SizeLimits, PlainChildrenAreNotLimited) {
 
 TEST_F(SizeLimits, AWindowsOwnAnswerIsUsedAndMaximizingKeepsTheMaximum) {
     OwnLimits top;
-    SRect bounds = Rect(0, 0, 100, 100);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 100, 100)));
     EXPECT_EQ(top.GetSize(), (SSize{150, 120})) << "brought inside once created";
     SHeadlessPlatform::Surface surface;
     ASSERT_TRUE(platform->GetSurface(top.GetHandle(), &surface));
     EXPECT_EQ(surface.minimum, (SSize{150, 120}));
 
     RecordingWnd small;
-    ASSERT_TRUE(small.Create("small", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(small, "small", Rect(0, 0, 100, 100)));
     small.SetMinMax(-1, -1, 500, 300);
     small.Maximize();
     EXPECT_EQ(small.GetSize(), (SSize{500, 300})) << "the work area is larger";
