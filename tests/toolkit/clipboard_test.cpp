@@ -116,8 +116,7 @@ using TypedKeys = ToolkitTest;
 TEST_F(TypedKeys, PressKeyReachesTheFocusWindowDownThenUp) {
     RecordingWnd top, child;
     ASSERT_TRUE(Make(top, "top", Rect(0, 0, 200, 200)));
-    SRect inner = Rect(10, 10, 50, 50);
-    ASSERT_TRUE(child.Create("child", WS_VISIBLE, 0, &inner, top.GetHandle()));
+    ASSERT_TRUE(Make(child, "child", Rect(10, 10, 50, 50), top.GetHandle()));
     SetFocus(child.GetHandle());
     EXPECT_TRUE(PressKey(0x7F));
     SHeadlessPlatform::DispatchPending();

@@ -98,8 +98,7 @@ TEST_F(SizeLimits, MinimumWinsOverAMaximumBelowIt) {
 TEST_F(SizeLimits, PlainChildrenAreNotLimited) {
     RecordingWnd top, child;
     ASSERT_TRUE(Make(top, "top", Rect(0, 0, 300, 300)));
-    SRect rect = Rect(0, 0, 100, 100);
-    ASSERT_TRUE(child.Create("child", WS_VISIBLE, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(child, "child", Rect(0, 0, 100, 100), top.GetHandle()));
     child.SetMinMax(80, 80, -1, -1);
     child.SetSize(10, 10);
     EXPECT_EQ(child.GetSize(), (SSize{10, 10})) << "only a sizing frame makes a child keep limits";

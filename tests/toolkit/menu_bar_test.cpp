@@ -29,8 +29,7 @@ TEST_F(MenuBar, BarTakesItsRoomFromTheClientAreaOrGrowsTheWindow) {
     ASSERT_GT(bar, 10);
     RecordingWnd top, footer;
     ASSERT_TRUE(Make(top, "top", Rect(50, 50, 350, 250)));
-    SRect rect = Rect(0, 180, 300, 200);
-    ASSERT_TRUE(footer.Create("footer", WS_VISIBLE, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(footer, "footer", Rect(0, 180, 300, 200), top.GetHandle()));
     footer.SetAnchor(ANCHOR_TOP | ANCHOR_BOTTOM);
 
     ASSERT_TRUE(top.SetMenu(FakeMenu(), false));
@@ -63,8 +62,7 @@ TEST_F(MenuBar, ClicksOnTheBarAreNonClientAndTheClientKeepsItsCoordinates) {
     int bar = GetMenuBarHeight();
     RecordingWnd top, child;
     ASSERT_TRUE(Make(top, "top", Rect(0, 0, 300, 300)));
-    SRect rect = Rect(0, 0, 40, 40);
-    ASSERT_TRUE(child.Create("child", WS_VISIBLE, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(child, "child", Rect(0, 0, 40, 40), top.GetHandle()));
     ASSERT_TRUE(top.SetMenu(FakeMenu(), false));
     platform->Press(top.GetHandle(), 20, bar / 2);
     std::vector<unsigned> seen = top.Seen({WM_NCLBUTTONDOWN});

@@ -40,8 +40,7 @@ TEST_F(Painting, TransparentChildShowsItsParentsBackgroundNotTheParentsDrawing) 
     SImage stripe = Solid(200, 50, 0x00FF00);
     stripe.drawMode = DRAW_TOPLEFT;
     top.SetBackgroundImage(&stripe);
-    SRect rect = Rect(20, 30, 120, 80);
-    ASSERT_TRUE(label.Create("label", WS_VISIBLE, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(label, "label", Rect(20, 30, 120, 80), top.GetHandle()));
     label.SetBackColor(0xFF000001);
     SImage shot;
     ASSERT_TRUE(platform->Snapshot(top.GetHandle(), &shot));
@@ -57,8 +56,7 @@ TEST_F(Painting, HiddenChildrenAndUnsetColoursPaintNothing) {
     RecordingWnd top, child;
     ASSERT_TRUE(Make(top, "top", Rect(0, 0, 100, 100)));
     top.SetBackColor(0xFFFFFF);
-    SRect rect = Rect(10, 10, 60, 60);
-    ASSERT_TRUE(child.Create("child", 0, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(child, "child", Rect(10, 10, 60, 60), top.GetHandle(), 0));
     child.SetBackColor(0x000000);
     SImage shot;
     ASSERT_TRUE(platform->Snapshot(top.GetHandle(), &shot));
@@ -100,8 +98,7 @@ TEST_F(Painting, SkinStateSelectsThePicture) {
     }
     RecordingWnd top, button;
     ASSERT_TRUE(Make(top, "top", Rect(0, 0, 100, 100)));
-    SRect rect = Rect(10, 10, 50, 50);
-    ASSERT_TRUE(button.Create("button", WS_VISIBLE, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(button, "button", Rect(10, 10, 50, 50), top.GetHandle()));
     button.SetSkin(&normal, &hot, &down, &disabled);
     struct State {
         bool hot, down, enabled;
@@ -124,8 +121,7 @@ TEST_F(Painting, BorderedChildDrawsItsFrameAndShrinksItsClientArea) {
     RecordingWnd top, child;
     ASSERT_TRUE(Make(top, "top", Rect(0, 0, 100, 100)));
     top.SetBackColor(0xFFFFFF);
-    SRect rect = Rect(10, 10, 50, 50);
-    ASSERT_TRUE(child.Create("child", WS_VISIBLE | WS_BORDER, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(child, "child", Rect(10, 10, 50, 50), top.GetHandle(), WS_VISIBLE | WS_BORDER));
     child.SetBackColor(0x00FFFF);
     EXPECT_EQ(child.GetClientRect(), Rect(0, 0, 38, 38));
     SImage shot;

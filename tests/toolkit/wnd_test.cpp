@@ -15,9 +15,8 @@ TEST_F(WndCore, CreationSendsCreateThenShowsAndDestructionGoesParentFirst) {
     std::vector<RecordingWnd::Entry> log;
     RecordingWnd top(&log, 1), child(&log, 2), grandchild(&log, 3);
     ASSERT_TRUE(Make(top, "top", Rect(10, 10, 210, 110)));
-    SRect inner = Rect(5, 5, 105, 55);
-    ASSERT_TRUE(child.Create("child", WS_VISIBLE, 0, &inner, top.GetHandle()));
-    ASSERT_TRUE(grandchild.Create("grandchild", WS_VISIBLE, 0, &inner, child.GetHandle()));
+    ASSERT_TRUE(Make(child, "child", Rect(5, 5, 105, 55), top.GetHandle()));
+    ASSERT_TRUE(Make(grandchild, "grandchild", Rect(5, 5, 105, 55), child.GetHandle()));
     EXPECT_EQ(top.Seen({SM_CREATE, WM_SHOWWINDOW}),
               std::vector<unsigned>({SM_CREATE, WM_SHOWWINDOW}));
     log.clear();
@@ -163,8 +162,7 @@ protected:
     void SetUp() override {
         ToolkitTest::SetUp();
         ASSERT_TRUE(Make(top, "top", Rect(100, 100, 400, 300)));
-        SRect a = Rect(10, 10, 110, 60), b = Rect(150, 10, 250, 60);
-        ASSERT_TRUE(left.Create("left", WS_VISIBLE, 0, &a, top.GetHandle()));
+        ASSERT_TRUE(Make(left, "left", Rect(10, 10, 110, 60), b = Rect(150, 10, 250, 60), top.GetHandle()));
         ASSERT_TRUE(right.Create("right", WS_VISIBLE, 0, &b, top.GetHandle()));
     }
     RecordingWnd top, left, right;
@@ -223,8 +221,7 @@ TEST_F(WndCore, HotItemsEnterMoveAndLeaveByIndex) {
     RecordingWnd top;
     HotWnd framed;
     ASSERT_TRUE(Make(top, "top", Rect(0, 0, 300, 300)));
-    SRect rect = Rect(10, 10, 110, 110);
-    ASSERT_TRUE(framed.Create("framed", WS_VISIBLE | WS_BORDER, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(framed, "framed", Rect(10, 10, 110, 110), top.GetHandle(), WS_VISIBLE | WS_BORDER));
     framed.SetHotItems({Rect(0, 0, 50, 1), Rect(50, 0, 100, 1)});
     auto move = [&](int x, int y) {
         SendMessage(framed.GetHandle(), WM_NCMOUSEMOVE, 0, MakePointParam(x, y));
@@ -243,8 +240,7 @@ TEST_F(WndCore, HotItemsEnterMoveAndLeaveByIndex) {
 TEST_F(WndCore, PointerOverAFrameGivesNonClientMessages) {
     RecordingWnd top, framed;
     ASSERT_TRUE(Make(top, "top", Rect(0, 0, 300, 300)));
-    SRect rect = Rect(10, 10, 110, 110);
-    ASSERT_TRUE(framed.Create("framed", WS_VISIBLE | WS_BORDER, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(framed, "framed", Rect(10, 10, 110, 110), top.GetHandle(), WS_VISIBLE | WS_BORDER));
     framed.SetHotItems({Rect(0, 0, 100, 100)}); // asks for the frame's leave notice
     platform->MoveMouse(top.GetHandle(), 10, 50);
     EXPECT_EQ(framed.Count(WM_NCMOUSEMOVE), 1);
@@ -270,8 +266,7 @@ TEST_F(WndCore, DragMoveFollowsThePointerUnlessRefused) {
     RecordingWnd top;
     MoveRefuser child;
     ASSERT_TRUE(Make(top, "top", Rect(0, 0, 400, 400)));
-    SRect rect = Rect(50, 50, 150, 100);
-    ASSERT_TRUE(child.Create("mover", WS_VISIBLE, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(child, "mover", Rect(50, 50, 150, 100), top.GetHandle()));
     child.SetMoveByDrag(true);
     platform->Press(top.GetHandle(), 60, 60);
     EXPECT_EQ(GetCapture(), child.GetHandle());
@@ -330,8 +325,7 @@ TEST_F(WndCore, HelperWindowForwardsCaptureMovesAndTheRelease) {
     RecordingWnd top;
     CaptureClient control;
     ASSERT_TRUE(Make(top, "top", Rect(0, 0, 300, 300)));
-    SRect rect = Rect(10, 10, 50, 50);
-    ASSERT_TRUE(control.Create("control", WS_VISIBLE, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(control, "control", Rect(10, 10, 50, 50), top.GetHandle()));
     SWndApp* helper = GetHelperWindow();
     ASSERT_NE(helper, nullptr);
     helper->StartCapture(control.GetHandle(), 1);
