@@ -88,7 +88,8 @@ TEST_P(IniRead, MemoryAndFileGiveTheSameValue) {
     EXPECT_EQ(fileIni.ReadString(c.section, c.key), c.expected);
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, IniRead, ::testing::ValuesIn(READ_CASES), CaseName<::testing::TestParamInfo<ReadCase>>);
+INSTANTIATE_TEST_SUITE_P(Cases, IniRead, ::testing::ValuesIn(READ_CASES),
+                         CaseName<::testing::TestParamInfo<ReadCase>>);
 
 TEST(IniReadTyped, IntFollowsAtoiAndBoolIsTrueOnlyForExactlyOne) {
     SIni ini;
@@ -154,7 +155,8 @@ TEST_P(IniWrite, MemoryImageAndFileChangeExactly) {
     EXPECT_EQ(fileIni.ReadString(c.section, c.key), c.value);
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, IniWrite, ::testing::ValuesIn(WRITE_CASES), CaseName<::testing::TestParamInfo<WriteCase>>);
+INSTANTIATE_TEST_SUITE_P(Cases, IniWrite, ::testing::ValuesIn(WRITE_CASES),
+                         CaseName<::testing::TestParamInfo<WriteCase>>);
 
 TEST(IniWriteSequence, ManyKeysAndSectionsReadBack) {
     SIni ini;

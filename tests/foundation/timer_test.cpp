@@ -27,8 +27,14 @@ std::string Stamp(const STimer& timer) {
 } // namespace
 
 TEST(TimerCalendar, LeapYearsFollowTheGregorianRuleAndMonthLengthsRejectBadMonths) {
-    for (auto [year, leap] : {std::pair{1900, false}, {2000, true}, {2004, true}, {2009, false},
-                              {2100, false}, {2400, true}, {0, true}, {1, false}}) {
+    for (auto [year, leap] : {std::pair{1900, false},
+                              {2000, true},
+                              {2004, true},
+                              {2009, false},
+                              {2100, false},
+                              {2400, true},
+                              {0, true},
+                              {1, false}}) {
         EXPECT_EQ(STimer::IsLeapYear(year), leap) << year;
         EXPECT_EQ(STimer::GetDaysInMonth(year, 2), leap ? 29 : 28) << year;
     }

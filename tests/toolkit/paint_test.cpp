@@ -121,7 +121,8 @@ TEST_F(Painting, BorderedChildDrawsItsFrameAndShrinksItsClientArea) {
     RecordingWnd top, child;
     ASSERT_TRUE(Make(top, "top", Rect(0, 0, 100, 100)));
     top.SetBackColor(0xFFFFFF);
-    ASSERT_TRUE(Make(child, "child", Rect(10, 10, 50, 50), top.GetHandle(), WS_VISIBLE | WS_BORDER));
+    ASSERT_TRUE(Make(child, "child", Rect(10, 10, 50, 50), top.GetHandle(),
+                     WS_VISIBLE | WS_BORDER));
     child.SetBackColor(0x00FFFF);
     EXPECT_EQ(child.GetClientRect(), Rect(0, 0, 38, 38));
     SImage shot;

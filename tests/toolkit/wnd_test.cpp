@@ -162,8 +162,8 @@ protected:
     void SetUp() override {
         ToolkitTest::SetUp();
         ASSERT_TRUE(Make(top, "top", Rect(100, 100, 400, 300)));
-        ASSERT_TRUE(Make(left, "left", Rect(10, 10, 110, 60), b = Rect(150, 10, 250, 60), top.GetHandle()));
-        ASSERT_TRUE(right.Create("right", WS_VISIBLE, 0, &b, top.GetHandle()));
+        ASSERT_TRUE(Make(left, "left", Rect(10, 10, 110, 60), top.GetHandle()));
+        ASSERT_TRUE(Make(right, "right", Rect(150, 10, 250, 60), top.GetHandle()));
     }
     RecordingWnd top, left, right;
 };
@@ -221,7 +221,8 @@ TEST_F(WndCore, HotItemsEnterMoveAndLeaveByIndex) {
     RecordingWnd top;
     HotWnd framed;
     ASSERT_TRUE(Make(top, "top", Rect(0, 0, 300, 300)));
-    ASSERT_TRUE(Make(framed, "framed", Rect(10, 10, 110, 110), top.GetHandle(), WS_VISIBLE | WS_BORDER));
+    ASSERT_TRUE(Make(framed, "framed", Rect(10, 10, 110, 110), top.GetHandle(),
+                     WS_VISIBLE | WS_BORDER));
     framed.SetHotItems({Rect(0, 0, 50, 1), Rect(50, 0, 100, 1)});
     auto move = [&](int x, int y) {
         SendMessage(framed.GetHandle(), WM_NCMOUSEMOVE, 0, MakePointParam(x, y));
@@ -240,7 +241,8 @@ TEST_F(WndCore, HotItemsEnterMoveAndLeaveByIndex) {
 TEST_F(WndCore, PointerOverAFrameGivesNonClientMessages) {
     RecordingWnd top, framed;
     ASSERT_TRUE(Make(top, "top", Rect(0, 0, 300, 300)));
-    ASSERT_TRUE(Make(framed, "framed", Rect(10, 10, 110, 110), top.GetHandle(), WS_VISIBLE | WS_BORDER));
+    ASSERT_TRUE(Make(framed, "framed", Rect(10, 10, 110, 110), top.GetHandle(),
+                     WS_VISIBLE | WS_BORDER));
     framed.SetHotItems({Rect(0, 0, 100, 100)}); // asks for the frame's leave notice
     platform->MoveMouse(top.GetHandle(), 10, 50);
     EXPECT_EQ(framed.Count(WM_NCMOUSEMOVE), 1);
