@@ -46,18 +46,12 @@ std::string Encode(const SImage& image, int format) {
     return std::string(file.GetData(), file.GetSize());
 }
 
-bool LoadBytes(SImage& image, const std::string& bytes) {
+// Loads bytes, straight to width by height when they are given.
+bool LoadBytes(SImage& image, const std::string& bytes, int width = 0, int height = 0) {
     SFileMem file;
     file.Write(bytes.data(), static_cast<int>(bytes.size()));
     file.Rewind();
-    return image.Load(&file);
-}
-
-bool LoadScaledBytes(SImage& image, const std::string& bytes, int width, int height) {
-    SFileMem file;
-    file.Write(bytes.data(), static_cast<int>(bytes.size()));
-    file.Rewind();
-    return image.LoadScaled(&file, width, height);
+    return width == 0 ? image.Load(&file) : image.LoadScaled(&file, width, height);
 }
 
 // Mean absolute difference per channel (red, green, blue), over all pixels.
@@ -460,7 +454,7 @@ TEST(ImageDamage, FlippedBytesNeverCrash) {
                 EXPECT_FALSE(image.IsValid());
             }
             SImage cover;
-            LoadScaledBytes(cover, bytes, 10, 10);
+            LoadBytes(cover, bytes, 10, 10);
         }
     }
 }
@@ -472,12 +466,12 @@ TEST(ImageDamage, PicturesOverEightThousandPixelsAreRefused) {
     EXPECT_FALSE(LoadBytes(image, MakeBlackPng(8001, 1, false)));
     EXPECT_FALSE(LoadBytes(image, MakeBlackPng(1, 8001, false)));
     EXPECT_FALSE(LoadBytes(image, MakeBlackPng(9000, 9000, true)));
-    EXPECT_FALSE(LoadScaledBytes(image, MakeBlackPng(9000, 9000, false), 150, 150));
+    EXPECT_FALSE(LoadBytes(image, MakeBlackPng(9000, 9000, false), 150, 150));
     EXPECT_TRUE(LoadBytes(image, MakeWhiteBmp(8000, 2)));
     EXPECT_FALSE(LoadBytes(image, MakeWhiteBmp(8001, 2)));
     EXPECT_TRUE(LoadBytes(image, EncodeJpegDirect(8000, 8, false)));
     EXPECT_FALSE(LoadBytes(image, EncodeJpegDirect(8001, 8, false)));
-    EXPECT_FALSE(LoadScaledBytes(image, EncodeJpegDirect(8, 8001, false), 16, 16));
+    EXPECT_FALSE(LoadBytes(image, EncodeJpegDirect(8, 8001, false), 16, 16));
     EXPECT_FALSE(image.IsValid());
 }
 
@@ -495,7 +489,7 @@ TEST(ImageCover, ScaledLoadMatchesFullDecodeAndResize) {
     // clang-format on
     for (const auto& [name, bytes] : cases) {
         SImage scaled;
-        ASSERT_TRUE(LoadScaledBytes(scaled, bytes, 150, 150)) << name;
+        ASSERT_TRUE(LoadBytes(scaled, bytes, 150, 150)) << name;
         EXPECT_EQ(scaled.GetWidth(), 150);
         EXPECT_EQ(scaled.GetHeight(), 150);
         EXPECT_EQ(scaled.GetFormat(), PIXEL_FORMAT_24RGB);
@@ -509,10 +503,13 @@ TEST(ImageCover, ScaledLoadMatchesFullDecodeAndResize) {
 TEST(ImageCover, SmallPicturesAreEnlargedAndBadSizesRefused) {
     std::string bytes = Encode(MakeGradient(100, 80), IMAGE_JPEG);
     SImage image;
-    ASSERT_TRUE(LoadScaledBytes(image, bytes, 150, 150));
+    ASSERT_TRUE(LoadBytes(image, bytes, 150, 150));
     EXPECT_EQ(image.GetWidth(), 150);
     EXPECT_EQ(image.GetHeight(), 150);
-    EXPECT_FALSE(LoadScaledBytes(image, bytes, 0, 150));
+    SFileMem file;
+    file.Write(bytes.data(), static_cast<int>(bytes.size()));
+    file.Rewind();
+    EXPECT_FALSE(image.LoadScaled(&file, 0, 150)); // a whole picture, but no width
     EXPECT_FALSE(image.IsValid());
     EXPECT_FALSE(image.LoadScaled(nullptr, 150, 150));
 }

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <sys/stat.h>
 #include <thread>
@@ -97,11 +98,9 @@ std::vector<std::string> ReadRecord(const std::string& record, bool wait) {
         text = TempDir::Read(record);
     }
     std::vector<std::string> lines;
-    size_t start = 0;
-    while (start < text.size()) {
-        size_t end = text.find('\n', start);
-        lines.push_back(text.substr(start, end - start));
-        start = end == std::string::npos ? text.size() : end + 1;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+        lines.push_back(line);
     }
     return lines;
 }
@@ -150,6 +149,12 @@ TEST_F(NetworkGetPage, AppendsTheQueryAndSendsTheAgent) {
     EXPECT_STREQ(network.GetPage(server.Url("/search").c_str(), "").c_str(), "found");
     EXPECT_EQ(server.Targets(), (std::vector<std::string>{"/search?q=abba&n=1", "/search"}));
     EXPECT_NE(server.LastHeaders().find("User-Agent: TAVORA\r\n"), std::string::npos);
+    // A zero byte ends the text of its block of 512 only.
+    std::string body =
+        std::string(100, 'a') + '\0' + std::string(411, 'b') + std::string(512, 'c') + "tail";
+    server.Route("/zero", TestHttpServer::Ok(body));
+    std::string page = network.GetPage(server.Url("/zero").c_str(), "").c_str();
+    EXPECT_EQ(page, std::string(100, 'a') + std::string(512, 'c') + "tail");
 }
 
 TEST_F(NetworkGetPage, FailuresGiveTheEmptyStringAndARedirectLoopStops) {
@@ -174,15 +179,6 @@ TEST_F(NetworkGetPage, FailuresGiveTheEmptyStringAndARedirectLoopStops) {
     EXPECT_LE(server.Targets().size() - before, 1u + SNetwork::MAX_REDIRECTS);
 }
 
-TEST_F(NetworkGetPage, ZeroByteEndsTheTextOfItsBlock) {
-    // Blocks of 512 bytes: the zero cuts the rest of the first block only.
-    std::string body =
-        std::string(100, 'a') + '\0' + std::string(411, 'b') + std::string(512, 'c') + "tail";
-    server.Route("/zero", TestHttpServer::Ok(body));
-    std::string page = network.GetPage(server.Url("/zero").c_str(), "").c_str();
-    EXPECT_EQ(page, std::string(100, 'a') + std::string(512, 'c') + "tail");
-}
-
 TEST_F(NetworkGetPage, StalledServerIsGivenUpWithinTheTimeout) {
     server.Route("/stall", TestHttpServer::Stalled("partial", 1000));
     auto start = std::chrono::steady_clock::now();
@@ -191,14 +187,6 @@ TEST_F(NetworkGetPage, StalledServerIsGivenUpWithinTheTimeout) {
 }
 
 using NetworkDownload = NetworkTest;
-
-TEST_F(NetworkDownload, NullTargetReportsNoTarget) {
-    int user = 0;
-    EXPECT_FALSE(network.Download(nullptr, server.Url("/x").c_str(), &user, 10));
-    EXPECT_EQ(network.statuses, std::vector<int>{NET_NO_TARGET});
-    EXPECT_EQ(network.lastUser, &user);
-    EXPECT_TRUE(server.Targets().empty());
-}
 
 TEST_F(NetworkDownload, BlocksCarryTotalOffsetAndCount) {
     std::string body = Pattern(1000);
@@ -296,7 +284,13 @@ TEST_F(NetworkDownload, OversizeOrStalledTransfersFailWithinTheTimeout) {
     }
 }
 
-TEST_F(NetworkDownload, LocalPathIsCopied) {
+TEST_F(NetworkDownload, LocalPathIsCopiedAndANullTargetReportsNoTarget) {
+    int user = 0;
+    EXPECT_FALSE(network.Download(nullptr, server.Url("/x").c_str(), &user, 10));
+    EXPECT_EQ(network.statuses, std::vector<int>{NET_NO_TARGET});
+    EXPECT_EQ(network.lastUser, &user);
+    EXPECT_TRUE(server.Targets().empty());
+    network.statuses.clear();
     TempDir dir;
     std::string bytes = Pattern(2500) + std::string(1, '\0') + "end";
     std::string path = dir.Write("cover.png", bytes);
@@ -509,11 +503,14 @@ bool NoScreen(SRect* /*area*/) {
 
 TEST(NetworkDesktop, WorkAreaComesFromTheInstalledHook) {
     SRect area{1, 2, 3, 4};
-    EXPECT_FALSE(GetWorkArea(&area));
-    EXPECT_EQ(area, SRect());
-    EXPECT_EQ(GetWorkAreaWidth(), 0);
-    EXPECT_FALSE(GetWorkArea(nullptr));
-
+    for (auto hook : {static_cast<SWorkAreaHook>(nullptr), NoScreen}) {
+        SetWorkAreaHook(hook);
+        area = SRect{1, 2, 3, 4};
+        EXPECT_FALSE(GetWorkArea(&area));
+        EXPECT_EQ(area, SRect());
+        EXPECT_EQ(GetWorkAreaWidth(), 0);
+        EXPECT_FALSE(GetWorkArea(nullptr));
+    }
     SetWorkAreaHook(FakeWorkArea);
     EXPECT_TRUE(GetWorkArea(&area));
     EXPECT_EQ(area, (SRect{10, 20, 1910, 1040}));
@@ -521,11 +518,6 @@ TEST(NetworkDesktop, WorkAreaComesFromTheInstalledHook) {
     EXPECT_EQ(GetWorkAreaRight(), 1910);
     EXPECT_EQ(GetWorkAreaBottom(), 1040);
     EXPECT_EQ(GetWorkAreaWidth(), 1900);
-
-    SetWorkAreaHook(NoScreen);
-    area = SRect{1, 2, 3, 4};
-    EXPECT_FALSE(GetWorkArea(&area));
-    EXPECT_EQ(area, SRect());
     SetWorkAreaHook(nullptr);
 }
 

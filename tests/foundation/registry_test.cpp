@@ -236,13 +236,7 @@ TEST_P(RegistryDamaged, ReadsWhatParsesAndNextWriteReplacesCleanly) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, RegistryDamaged, ::testing::ValuesIn(DAMAGED_CASES),
-                         [](const ::testing::TestParamInfo<DamagedCase>& info) {
-                             std::string name;
-                             for (const char* p = info.param.name; *p != 0; ++p) {
-                                 name += std::isalnum(static_cast<unsigned char>(*p)) ? *p : '_';
-                             }
-                             return name;
-                         });
+                         CaseName<::testing::TestParamInfo<DamagedCase>>);
 
 TEST_F(Registry, RandomBytesReadAsEmptyAndAreReplaced) {
     std::mt19937 random(7);
@@ -321,8 +315,7 @@ TEST(RegistryCrash, KilledWriterLeavesEveryValueWhole) {
     for (int round = 1; round <= 210; ++round) {
         auto writer = [round](const std::function<void()>& ready) {
             for (uint32_t generation = uint32_t(round) * 100000;; ++generation) {
-                std::string value = std::to_string(generation);
-                value = value + "/" + value + "/" + value;
+                std::string value = Generation(generation);
                 for (int k = 0; k < keys; ++k) {
                     SRegistry::WriteString(HKEY_CURRENT_USER, KEY,
                                            ("Text" + std::to_string(k)).c_str(), value.c_str());
@@ -339,17 +332,14 @@ TEST(RegistryCrash, KilledWriterLeavesEveryValueWhole) {
         for (int k = 0; k < keys; ++k) {
             std::string name = "Text" + std::to_string(k);
             std::string value = SRegistry::ReadString(HKEY_CURRENT_USER, KEY, name.c_str()).c_str();
-            size_t slash = value.find('/');
-            ASSERT_NE(slash, std::string::npos) << "round " << round << ": " << value;
-            std::string first = value.substr(0, slash);
-            ASSERT_EQ(value, first + "/" + first + "/" + first) << "round " << round;
+            ASSERT_TRUE(IsWholeValue(value)) << "round " << round << ": " << value;
             uint32_t number =
                 SRegistry::ReadInt(HKEY_CURRENT_USER, KEY, ("Number" + std::to_string(k)).c_str());
             // Values only move forward. The number is written just after
             // the text, so it is the text's generation, the one before, or
             // (early in a round) the last one the previous writer left.
             ASSERT_GE(number, lastSeen[k]) << "round " << round;
-            uint32_t textGeneration = uint32_t(std::stoul(first));
+            uint32_t textGeneration = uint32_t(std::stoul(value));
             ASSERT_TRUE(number == textGeneration || number + 1 == textGeneration ||
                         number == lastSeen[k])
                 << "round " << round << " text " << textGeneration << " number " << number;

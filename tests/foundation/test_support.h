@@ -7,6 +7,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cctype>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
@@ -62,6 +64,30 @@ public:
 private:
     std::string path;
 };
+
+// A parameterised case's name field as a test name: letters and digits,
+// "_" for the rest.
+template <typename Info> std::string CaseName(const Info& info) {
+    std::string name;
+    for (const char* p = info.param.name; *p != 0; ++p) {
+        name += std::isalnum(static_cast<unsigned char>(*p)) ? *p : '_';
+    }
+    return name;
+}
+
+// The values the crash tests write: "<n>/<n>/<n>". A value is whole when it
+// reads so with the same n three times.
+inline std::string Generation(uint64_t n) {
+    std::string value = std::to_string(n);
+    return value + "/" + value + "/" + value;
+}
+inline bool IsWholeValue(const std::string& value) {
+    size_t first = value.find('/');
+    if (first == 0 || value.find_first_not_of("0123456789") != first || first > 18) {
+        return false;
+    }
+    return value == Generation(std::stoull(value.substr(0, first)));
+}
 
 // Runs writer in a child process and kills it with SIGKILL delayMicroseconds
 // after the child first calls the ready function it is given (so that each

@@ -1,48 +1,14 @@
 // melkora-cli run as a program: its output, exit codes and files.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <string>
-#include <sys/wait.h>
 
-#include "support/temp_dir.h"
+#include "support/cli_run.h"
 
 namespace {
 
-struct Result {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
-
-std::string Quote(const std::string& text) {
-    std::string quoted = "'";
-    for (char c : text) {
-        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    }
-    return quoted + "'";
-}
-
-Result RunCli(const TempDir& dir, const std::string& arguments) {
-    std::string errFile = dir / "cli-stderr";
-    std::string command = std::string(MELKORA_CLI_PATH) + " " + arguments + " 2>" + Quote(errFile);
-    Result result;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr) {
-        return result;
-    }
-    char buffer[4096];
-    size_t got;
-    while ((got = fread(buffer, 1, sizeof(buffer), pipe)) > 0) {
-        result.out.append(buffer, got);
-    }
-    int status = pclose(pipe);
-    result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    result.err = TempDir::Read(errFile);
-    std::filesystem::remove(errFile);
-    return result;
-}
+using Result = CliRun;
 
 TEST(CliUsage, HelpAndBadArgumentsGiveTheirCodes) {
     TempDir dir;

@@ -63,37 +63,33 @@ protected:
     TempDir dir;
 };
 
-TEST_F(CollectMediaTest, MergesClassesInByteOrderAndSkipsHidden) {
-    SStringArray list;
-    int added = CollectMedia(list, (dir / "A").c_str(), false, true, true, true, false, false);
-    EXPECT_EQ(Relative(list, dir / "A/"),
-              (Names{"Sub.JPG", "Z.ogg", "a.MP3", "b.mp3", "c.wma", "p.jpg", "q.JPEG", "r.wax",
-                     "v.avi"}));
-    EXPECT_EQ(added, 9);
-}
-
-TEST_F(CollectMediaTest, NoRadioAndClassesAreLeftOutOnRequest) {
-    SStringArray songs;
-    CollectMedia(songs, (dir / "A/").c_str(), false, true, false, false, false, true);
-    EXPECT_EQ(Relative(songs, dir / "A/"), (Names{"Z.ogg", "a.MP3", "b.mp3", "c.wma"}));
-    SStringArray videos;
-    CollectMedia(videos, (dir / "A/").c_str(), false, false, true, false, false, false);
-    EXPECT_EQ(Relative(videos, dir / "A/"), (Names{"r.wax", "v.avi"}));
-}
-
-TEST_F(CollectMediaTest, RecursiveSearchSkipsHiddenFoldersBothWays) {
-    SStringArray list;
-    CollectMedia(list, (dir / "A").c_str(), true, true, true, false, false, true);
-    EXPECT_EQ(Relative(list, dir / "A/"),
-              (Names{"Sub/s.mp3", "Sub/u.mpg", "Z.ogg", "a.MP3", "b.mp3", "c.wma", "v.avi"}));
-}
-
-TEST_F(CollectMediaTest, CompanionsPreferPngAndMht) {
-    SStringArray list;
-    CollectMedia(list, (dir / "A").c_str(), true, true, false, false, true, true);
-    EXPECT_EQ(Relative(list, dir.Path() + "/"),
-              (Names{"A.htm", "A.png", "A.txt", "A/Sub.JPG", "A/Sub.MHT", "A/Sub/s.mp3", "A/Z.ogg",
-                     "A/a.MP3", "A/b.mp3", "A/c.wma"}));
+// Classes merge in byte order; hidden files and folders (by both rules) are
+// left out; radio and classes only on request; companions prefer .png and
+// .mht.
+TEST_F(CollectMediaTest, ClassesMergeInByteOrderAndHiddenEntriesAreLeftOut) {
+    struct Case {
+        const char* folder;
+        bool recursive, songs, videos, pictures, companions, noRadio;
+        const char* prefix;
+        Names expected;
+    } cases[] = {
+        {"A", false, true, true, true, false, false, "A/",
+         {"Sub.JPG", "Z.ogg", "a.MP3", "b.mp3", "c.wma", "p.jpg", "q.JPEG", "r.wax", "v.avi"}},
+        {"A/", false, true, false, false, false, true, "A/", {"Z.ogg", "a.MP3", "b.mp3", "c.wma"}},
+        {"A/", false, false, true, false, false, false, "A/", {"r.wax", "v.avi"}},
+        {"A", true, true, true, false, false, true, "A/",
+         {"Sub/s.mp3", "Sub/u.mpg", "Z.ogg", "a.MP3", "b.mp3", "c.wma", "v.avi"}},
+        {"A", true, true, false, false, true, true, "",
+         {"A.htm", "A.png", "A.txt", "A/Sub.JPG", "A/Sub.MHT", "A/Sub/s.mp3", "A/Z.ogg", "A/a.MP3",
+          "A/b.mp3", "A/c.wma"}},
+    };
+    for (const Case& c : cases) {
+        SStringArray list;
+        int added = CollectMedia(list, (dir / c.folder).c_str(), c.recursive, c.songs, c.videos,
+                                 c.pictures, c.companions, c.noRadio);
+        EXPECT_EQ(Relative(list, dir / c.prefix), c.expected);
+        EXPECT_EQ(added, static_cast<int>(c.expected.size()));
+    }
 }
 
 TEST(Companion, ExactNameFirstThenWithoutCase) {

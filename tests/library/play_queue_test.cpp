@@ -97,6 +97,7 @@ TEST_F(PlayQueueTest, AQueueThatNeverOpensEndsAsAStop) {
     EXPECT_FALSE(queue.PreviousTrack());
     EXPECT_FALSE(queue.TogglePause());
     EXPECT_FALSE(queue.SeekSeconds(3));
+    EXPECT_FALSE(queue.StopPlaying());
 }
 
 TEST_F(PlayQueueTest, NextOnTheLastEntryStopsWithoutRepeatAndWrapsWithIt) {
@@ -132,11 +133,8 @@ TEST_F(PlayQueueTest, PreviousOnTheFirstEntryStopsTheQueue) {
     EXPECT_TRUE(queue.PreviousTrack());
     EXPECT_EQ(queue.GetIndex(), 0);
     EXPECT_EQ(Take(), (Events{"open a.mp3", "now 1/2"}));
-}
-
-TEST_F(PlayQueueTest, PreviousOntoAFileThatFailsStops) {
+    // Back onto a file that fails: the queue stops.
     Fail("a.mp3");
-    SStringArray list = Paths({"a.mp3", "b.mp3"});
     queue.SetPlayQueue(&list);
     EXPECT_FALSE(queue.PreviousTrack());
     EXPECT_EQ(queue.GetCount(), 0);
@@ -279,7 +277,7 @@ TEST_F(PlayQueueTest, SkippedEntriesAreReportedByTheirQueuedPath) {
     EXPECT_EQ(queue.GetIndex(), -1);
 }
 
-TEST_F(PlayQueueTest, StopIsFalseOnAnEmptyQueue) {
+TEST_F(PlayQueueTest, TransportWorksOnAQueueAndStopIsFalseOnceEmpty) {
     EXPECT_FALSE(queue.StopPlaying());
     SStringArray list = Paths({"a.mp3"});
     queue.SetPlayQueue(&list);

@@ -22,12 +22,8 @@ namespace {
 
 std::string BookStyle() {
     EnsurePagesResources();
-    const void* data = nullptr;
-    int size = 0;
-    if (!FindResourceData("BINARY", RESOURCE_BOOK_STYLE, &data, &size)) {
-        return "";
-    }
-    return std::string(static_cast<const char*>(data), static_cast<size_t>(size));
+    SFileMem sheet("BINARY", RESOURCE_BOOK_STYLE);
+    return sheet.GetSize() > 0 ? std::string(sheet.GetData(), size_t(sheet.GetSize())) : "";
 }
 
 std::string Head() {

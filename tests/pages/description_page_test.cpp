@@ -22,12 +22,8 @@ namespace {
 
 std::string StyleSheet() {
     EnsurePagesResources();
-    const void* data = nullptr;
-    int size = 0;
-    if (!FindResourceData("BINARY", RESOURCE_DESCRIPTION_STYLE, &data, &size)) {
-        return "";
-    }
-    return std::string(static_cast<const char*>(data), static_cast<size_t>(size));
+    SFileMem sheet("BINARY", RESOURCE_DESCRIPTION_STYLE);
+    return sheet.GetSize() > 0 ? std::string(sheet.GetData(), size_t(sheet.GetSize())) : "";
 }
 
 // The page around a body, as every page starts and ends.

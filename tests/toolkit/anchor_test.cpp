@@ -12,10 +12,8 @@ class Anchoring : public ToolkitTest, public ::testing::WithParamInterface<Ancho
 
 TEST_P(Anchoring, ParentGrowthMovesTheEdgesTheBitsName) {
     RecordingWnd top, child;
-    SRect bounds = Rect(0, 0, 200, 100);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
-    SRect rect = Rect(10, 10, 50, 30);
-    ASSERT_TRUE(child.Create("child", WS_VISIBLE, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 200, 100)));
+    ASSERT_TRUE(Make(child, "child", Rect(10, 10, 50, 30), top.GetHandle()));
     child.SetAnchor(GetParam().bits);
     top.SetSize(240, 120);
     EXPECT_EQ(child.GetRect(), GetParam().expected) << "bits " << GetParam().bits;
@@ -43,10 +41,8 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(ToolkitTest, AnchoringIsMeasuredFromWhenItWasSetNotFromTheLastStep) {
     RecordingWnd top, child;
-    SRect bounds = Rect(0, 0, 200, 100);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
-    SRect rect = Rect(10, 10, 50, 30);
-    ASSERT_TRUE(child.Create("child", WS_VISIBLE, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 200, 100)));
+    ASSERT_TRUE(Make(child, "child", Rect(10, 10, 50, 30), top.GetHandle()));
     child.SetAnchor(1);
     top.SetSize(203, 100);
     top.SetSize(206, 100);

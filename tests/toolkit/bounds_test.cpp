@@ -17,8 +17,7 @@ TEST_F(Bounds, SavedBoundsComeBackWithTheirFlags) {
     EXPECT_EQ(SRegistry::ReadString(HKEY_CURRENT_USER, "Software\\Melkora Tests\\Bounds", "Main"),
               "7:100,120,500,420,1,0,0,");
     RecordingWnd other;
-    SRect start = Rect(0, 0, 10, 10);
-    ASSERT_TRUE(other.Create("o", 0, 0, &start, 0));
+    ASSERT_TRUE(Make(other, "o", Rect(0, 0, 10, 10), 0, 0));
     ASSERT_TRUE(other.RestoreBounds(COMPANY, PRODUCT, "Main", false));
     EXPECT_EQ(other.GetRect(), bounds);
     EXPECT_TRUE(other.IsVisible());
@@ -60,8 +59,7 @@ TEST_F(Bounds, RectangleOffTheScreenIsBroughtInsideTheWorkArea) {
         SRegistry::WriteString(HKEY_CURRENT_USER, "Software\\Melkora Tests\\Bounds", "Off",
                                test.stored);
         RecordingWnd wnd;
-        SRect start = Rect(0, 0, 10, 10);
-        ASSERT_TRUE(wnd.Create("w", 0, 0, &start, 0));
+        ASSERT_TRUE(Make(wnd, "w", Rect(0, 0, 10, 10), 0, 0));
         ASSERT_TRUE(wnd.RestoreBounds(COMPANY, PRODUCT, "Off", false)) << test.stored;
         EXPECT_EQ(wnd.GetRect(), test.expected) << test.stored;
     }

@@ -93,8 +93,7 @@ TEST_F(Drawing, CursorTableKeepsItsIndexes) {
 
 TEST_F(Drawing, WindowCursorIsShownOrHiddenOverTheWindow) {
     RecordingWnd wnd;
-    SRect bounds = Rect(0, 0, 50, 50);
-    ASSERT_TRUE(wnd.Create("w", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(wnd, "w", Rect(0, 0, 50, 50)));
     wnd.SetCursor(CURSOR_HAND + 1);
     platform->MoveMouse(wnd.GetHandle(), 5, 5);
     SHeadlessPlatform::Surface surface;

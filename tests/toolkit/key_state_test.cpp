@@ -6,8 +6,7 @@ using KeyState = ToolkitTest;
 
 TEST_F(KeyState, AKeyIsHeldFromItsDownToItsUp) {
     RecordingWnd top;
-    SRect rect = Rect(0, 0, 100, 100);
-    ASSERT_TRUE(top.Create("top", 0, 0, &rect, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 100, 100), 0, 0));
     EXPECT_FALSE(IsKeyHeld(VK_ESCAPE));
     PlatformKey(top.GetHandle(), WM_KEYDOWN, VK_ESCAPE);
     EXPECT_TRUE(IsKeyHeld(VK_ESCAPE));
@@ -27,8 +26,7 @@ TEST_F(KeyState, AKeyIsHeldFromItsDownToItsUp) {
 
 TEST_F(KeyState, LosingTheFocusReleasesEveryKey) {
     RecordingWnd top;
-    SRect rect = Rect(0, 0, 100, 100);
-    ASSERT_TRUE(top.Create("top", 0, 0, &rect, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 100, 100), 0, 0));
     PlatformKey(top.GetHandle(), WM_SYSKEYDOWN, VK_CONTROL);
     EXPECT_TRUE(IsKeyHeld(VK_CONTROL));
     PlatformFocus(top.GetHandle(), false);

@@ -20,8 +20,7 @@ public:
 
 TEST_F(SizeLimits, FreeUntilSetThenEveryResizeKeepsInside) {
     RecordingWnd top;
-    SRect bounds = Rect(100, 100, 300, 250);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(100, 100, 300, 250)));
     SMinMaxInfo free = top.GetMinMaxInfo();
     EXPECT_EQ(free.minTrackSize, (SSize{-1, -1}));
     EXPECT_EQ(free.maxTrackSize, (SSize{-1, -1}));
@@ -40,10 +39,9 @@ TEST_F(SizeLimits, FreeUntilSetThenEveryResizeKeepsInside) {
     EXPECT_EQ(top.GetRect().top, 100);
 }
 
-TEST_F(SizeLimits, TheWindowManagerKeepsTheUsersResizeInside) {
+TEST_F(SizeLimits, TheWindowManagerKeepsResizesInsideAndTheCoreBringsThemBack) {
     RecordingWnd top;
-    SRect bounds = Rect(0, 0, 300, 200);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 300, 200)));
     top.SetMinMax(200, 150, -1, 400);
     SHeadlessPlatform::Surface surface;
     ASSERT_TRUE(platform->GetSurface(top.GetHandle(), &surface));
@@ -56,25 +54,16 @@ TEST_F(SizeLimits, TheWindowManagerKeepsTheUsersResizeInside) {
     EXPECT_EQ(surface.rect.Height(), 400);
     platform->Resize(top.GetHandle(), 5000, 300);
     EXPECT_EQ(top.GetSize(), (SSize{5000, 300})) << "no maximum width";
-}
-
-TEST_F(SizeLimits, ResizeReportsBelowTheLimitsAreBroughtBack) {
     // A window manager that ignores the hints: the window core holds on.
-    RecordingWnd top;
-    SRect bounds = Rect(0, 0, 300, 200);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
-    top.SetMinMax(250, 180, -1, -1);
     PlatformResized(top.GetHandle(), 100, 100, SIZE_RESTORED);
-    EXPECT_EQ(top.GetSize(), (SSize{250, 180}));
-    SHeadlessPlatform::Surface surface;
+    EXPECT_EQ(top.GetSize(), (SSize{200, 150}));
     ASSERT_TRUE(platform->GetSurface(top.GetHandle(), &surface));
-    EXPECT_EQ(surface.rect.Width(), 250) << "the surface is sized back";
+    EXPECT_EQ(surface.rect.Width(), 200) << "the surface is sized back";
 }
 
 TEST_F(SizeLimits, ClientLimitsCountTheFrameAndBothKindsHold) {
     RecordingWnd top, pane;
-    SRect bounds = Rect(0, 0, 400, 400);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 400, 400)));
     SRect rect = Rect(10, 10, 200, 200);
     ASSERT_TRUE(
         pane.Create("pane", WS_VISIBLE | WS_THICKFRAME, WS_EX_CLIENTEDGE, &rect, top.GetHandle()));
@@ -91,21 +80,13 @@ TEST_F(SizeLimits, ClientLimitsCountTheFrameAndBothKindsHold) {
     EXPECT_EQ(pane.GetSize(), (SSize{70, 44}));
 }
 
-TEST_F(SizeLimits, MinimumWinsOverAMaximumBelowIt) {
-    RecordingWnd top;
-    SRect bounds = Rect(0, 0, 300, 300);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+TEST_F(SizeLimits, MinimumWinsOverAMaximumBelowItAndPlainChildrenAreNotLimited) {
+    RecordingWnd top, child;
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 300, 300)));
     top.SetMinMax(200, 200, 100, 100);
     top.SetSize(150, 150);
     EXPECT_EQ(top.GetSize(), (SSize{200, 200}));
-}
-
-TEST_F(SizeLimits, PlainChildrenAreNotLimited) {
-    RecordingWnd top, child;
-    SRect bounds = Rect(0, 0, 300, 300);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
-    SRect rect = Rect(0, 0, 100, 100);
-    ASSERT_TRUE(child.Create("child", WS_VISIBLE, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(child, "child", Rect(0, 0, 100, 100), top.GetHandle()));
     child.SetMinMax(80, 80, -1, -1);
     child.SetSize(10, 10);
     EXPECT_EQ(child.GetSize(), (SSize{10, 10})) << "only a sizing frame makes a child keep limits";
@@ -113,15 +94,14 @@ TEST_F(SizeLimits, PlainChildrenAreNotLimited) {
 
 TEST_F(SizeLimits, AWindowsOwnAnswerIsUsedAndMaximizingKeepsTheMaximum) {
     OwnLimits top;
-    SRect bounds = Rect(0, 0, 100, 100);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 100, 100)));
     EXPECT_EQ(top.GetSize(), (SSize{150, 120})) << "brought inside once created";
     SHeadlessPlatform::Surface surface;
     ASSERT_TRUE(platform->GetSurface(top.GetHandle(), &surface));
     EXPECT_EQ(surface.minimum, (SSize{150, 120}));
 
     RecordingWnd small;
-    ASSERT_TRUE(small.Create("small", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(small, "small", Rect(0, 0, 100, 100)));
     small.SetMinMax(-1, -1, 500, 300);
     small.Maximize();
     EXPECT_EQ(small.GetSize(), (SSize{500, 300})) << "the work area is larger";

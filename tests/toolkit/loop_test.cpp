@@ -11,8 +11,7 @@ using Loop = ToolkitTest;
 
 TEST_F(Loop, RunLoopReturnsAfterOneFetchWhenQuitIsQueued) {
     RecordingWnd wnd;
-    SRect bounds = Rect(0, 0, 10, 10);
-    ASSERT_TRUE(wnd.Create("w", 0, 0, &bounds, 0));
+    ASSERT_TRUE(Make(wnd, "w", Rect(0, 0, 10, 10), 0, 0));
     PostQuitMessage(4);
     PostMessage(wnd.GetHandle(), WM_USER, 0, 0);
     bool run = true;
@@ -44,8 +43,7 @@ TEST_F(Loop, ClearingTheRunFlagMovesTheLoopToPollingWithIdle) {
         }
     } wnd;
     wnd.run = &run;
-    SRect bounds = Rect(0, 0, 10, 10);
-    ASSERT_TRUE(wnd.Create("w", 0, 0, &bounds, 0));
+    ASSERT_TRUE(Make(wnd, "w", Rect(0, 0, 10, 10), 0, 0));
     PostMessage(wnd.GetHandle(), WM_USER, 0, 0);
     PostMessage(wnd.GetHandle(), WM_USER + 1, 0, 0);
     IdleState state;
@@ -56,8 +54,7 @@ TEST_F(Loop, ClearingTheRunFlagMovesTheLoopToPollingWithIdle) {
 
 TEST_F(Loop, QuitDuringAModalRunEndsItAndTheOuterLoop) {
     RecordingWnd dialog;
-    SRect bounds = Rect(0, 0, 10, 10);
-    ASSERT_TRUE(dialog.Create("dialog", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(dialog, "dialog", Rect(0, 0, 10, 10)));
     dialog.SetModal(true);
     dialog.modalResult = 7;
     PostQuitMessage(9);
@@ -82,8 +79,7 @@ TEST_F(Loop, ModalRunTurnsEnterAndEscapeIntoOkAndCancel) {
             return RecordingWnd::OnMessage(message, wParam, lParam);
         }
     } dialog;
-    SRect bounds = Rect(0, 0, 10, 10);
-    ASSERT_TRUE(dialog.Create("dialog", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(dialog, "dialog", Rect(0, 0, 10, 10)));
     dialog.SetModal(true);
     PlatformKey(dialog.GetHandle(), WM_KEYDOWN, VK_RETURN);
     PlatformKey(dialog.GetHandle(), WM_KEYDOWN, VK_ESCAPE);
@@ -101,9 +97,8 @@ bool takeNothing(HWND, SMessage*) {
 
 TEST_F(Loop, ADestroyedDialogHandleDoesNoHarm) {
     RecordingWnd dialog, other;
-    SRect bounds = Rect(0, 0, 10, 10);
-    ASSERT_TRUE(dialog.Create("dialog", 0, 0, &bounds, 0));
-    ASSERT_TRUE(other.Create("other", 0, 0, &bounds, 0));
+    ASSERT_TRUE(Make(dialog, "dialog", Rect(0, 0, 10, 10), 0, 0));
+    ASSERT_TRUE(Make(other, "other", Rect(0, 0, 10, 10), 0, 0));
     SetDialogMessageHook(takeNothing);
     EXPECT_EQ(AddDialogHandle(dialog.GetHandle()), 0);
     EXPECT_EQ(AddDialogHandle(dialog.GetHandle()), 0) << "listed once";
@@ -119,8 +114,7 @@ TEST_F(Loop, ADestroyedDialogHandleDoesNoHarm) {
 TEST_F(Loop, WindowTimersFireOnTheFakeClockAndStopWithTheWindow) {
     SHeadlessPlatform::UseFakeClock(true);
     RecordingWnd wnd;
-    SRect bounds = Rect(0, 0, 10, 10);
-    ASSERT_TRUE(wnd.Create("w", 0, 0, &bounds, 0));
+    ASSERT_TRUE(Make(wnd, "w", Rect(0, 0, 10, 10), 0, 0));
     ASSERT_TRUE(SetTimer(wnd.GetHandle(), 150, 20));
     SHeadlessPlatform::DispatchPending();
     EXPECT_EQ(wnd.Count(WM_TIMER), 0);
@@ -139,8 +133,7 @@ TEST_F(Loop, WindowTimersFireOnTheFakeClockAndStopWithTheWindow) {
 
 TEST_F(Loop, FlushInputDropsOnlyInput) {
     RecordingWnd wnd;
-    SRect bounds = Rect(0, 0, 50, 50);
-    ASSERT_TRUE(wnd.Create("w", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(wnd, "w", Rect(0, 0, 50, 50)));
     PlatformMouse(wnd.GetHandle(), WM_LBUTTONDOWN, 5, 5, MK_LBUTTON);
     PlatformKey(wnd.GetHandle(), WM_KEYDOWN, 'A');
     PostMessage(wnd.GetHandle(), WM_USER, 0, 0);

@@ -28,10 +28,8 @@ TEST_F(MenuBar, BarTakesItsRoomFromTheClientAreaOrGrowsTheWindow) {
     int bar = GetMenuBarHeight();
     ASSERT_GT(bar, 10);
     RecordingWnd top, footer;
-    SRect bounds = Rect(50, 50, 350, 250);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
-    SRect rect = Rect(0, 180, 300, 200);
-    ASSERT_TRUE(footer.Create("footer", WS_VISIBLE, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(top, "top", Rect(50, 50, 350, 250)));
+    ASSERT_TRUE(Make(footer, "footer", Rect(0, 180, 300, 200), top.GetHandle()));
     footer.SetAnchor(ANCHOR_TOP | ANCHOR_BOTTOM);
 
     ASSERT_TRUE(top.SetMenu(FakeMenu(), false));
@@ -53,9 +51,8 @@ TEST_F(MenuBar, BarTakesItsRoomFromTheClientAreaOrGrowsTheWindow) {
 
 TEST_F(MenuBar, OnlyTopLevelWindowsWithAHandleTakeAMenu) {
     RecordingWnd top, child, none;
-    SRect bounds = Rect(0, 0, 200, 200);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
-    ASSERT_TRUE(child.Create("child", WS_VISIBLE, 0, &bounds, top.GetHandle()));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 200, 200)));
+    ASSERT_TRUE(Make(child, "child", Rect(0, 0, 200, 200), top.GetHandle()));
     EXPECT_FALSE(child.SetMenu(FakeMenu(), true));
     EXPECT_FALSE(none.SetMenu(FakeMenu(), true));
     EXPECT_EQ(child.GetMenu(), nullptr);
@@ -64,10 +61,8 @@ TEST_F(MenuBar, OnlyTopLevelWindowsWithAHandleTakeAMenu) {
 TEST_F(MenuBar, ClicksOnTheBarAreNonClientAndTheClientKeepsItsCoordinates) {
     int bar = GetMenuBarHeight();
     RecordingWnd top, child;
-    SRect bounds = Rect(0, 0, 300, 300);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
-    SRect rect = Rect(0, 0, 40, 40);
-    ASSERT_TRUE(child.Create("child", WS_VISIBLE, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 300, 300)));
+    ASSERT_TRUE(Make(child, "child", Rect(0, 0, 40, 40), top.GetHandle()));
     ASSERT_TRUE(top.SetMenu(FakeMenu(), false));
     platform->Press(top.GetHandle(), 20, bar / 2);
     std::vector<unsigned> seen = top.Seen({WM_NCLBUTTONDOWN});
@@ -88,8 +83,7 @@ TEST_F(MenuBar, ClicksOnTheBarAreNonClientAndTheClientKeepsItsCoordinates) {
 TEST_F(MenuBar, BarIsPaintedAboveTheClientAndGoesWithTheWindow) {
     int bar = GetMenuBarHeight();
     RecordingWnd top;
-    SRect bounds = Rect(0, 0, 100, 100);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 100, 100)));
     top.SetBackColor(0x0000FF);
     ASSERT_TRUE(top.SetMenu(FakeMenu(), false));
     SImage picture;

@@ -35,14 +35,12 @@ TEST_F(Painting, TransparentChildShowsItsParentsBackgroundNotTheParentsDrawing) 
     };
     Scribbler top;
     RecordingWnd label;
-    SRect bounds = Rect(0, 0, 200, 100);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 200, 100)));
     top.SetBackColor(0x0000FF); // red, as 0x00BBGGRR
     SImage stripe = Solid(200, 50, 0x00FF00);
     stripe.drawMode = DRAW_TOPLEFT;
     top.SetBackgroundImage(&stripe);
-    SRect rect = Rect(20, 30, 120, 80);
-    ASSERT_TRUE(label.Create("label", WS_VISIBLE, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(label, "label", Rect(20, 30, 120, 80), top.GetHandle()));
     label.SetBackColor(0xFF000001);
     SImage shot;
     ASSERT_TRUE(platform->Snapshot(top.GetHandle(), &shot));
@@ -56,11 +54,9 @@ TEST_F(Painting, TransparentChildShowsItsParentsBackgroundNotTheParentsDrawing) 
 
 TEST_F(Painting, HiddenChildrenAndUnsetColoursPaintNothing) {
     RecordingWnd top, child;
-    SRect bounds = Rect(0, 0, 100, 100);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 100, 100)));
     top.SetBackColor(0xFFFFFF);
-    SRect rect = Rect(10, 10, 60, 60);
-    ASSERT_TRUE(child.Create("child", 0, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(child, "child", Rect(10, 10, 60, 60), top.GetHandle(), 0));
     child.SetBackColor(0x000000);
     SImage shot;
     ASSERT_TRUE(platform->Snapshot(top.GetHandle(), &shot));
@@ -81,8 +77,7 @@ TEST_F(Painting, NineSliceKeepsCornersAtSizeAndStretchesTheCentre) {
     SRect centre = Rect(10, 10, 20, 20);
     image.Fill(0xFF0000FFu, &centre);
     RecordingWnd top;
-    SRect bounds = Rect(0, 0, 120, 90);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 120, 90)));
     top.SetBackgroundImage(&image, 0xFF000000, 255, &centre);
     SImage shot;
     ASSERT_TRUE(platform->Snapshot(top.GetHandle(), &shot));
@@ -102,10 +97,8 @@ TEST_F(Painting, SkinStateSelectsThePicture) {
         image->drawMode = DRAW_STRETCH;
     }
     RecordingWnd top, button;
-    SRect bounds = Rect(0, 0, 100, 100);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
-    SRect rect = Rect(10, 10, 50, 50);
-    ASSERT_TRUE(button.Create("button", WS_VISIBLE, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 100, 100)));
+    ASSERT_TRUE(Make(button, "button", Rect(10, 10, 50, 50), top.GetHandle()));
     button.SetSkin(&normal, &hot, &down, &disabled);
     struct State {
         bool hot, down, enabled;
@@ -126,11 +119,10 @@ TEST_F(Painting, SkinStateSelectsThePicture) {
 
 TEST_F(Painting, BorderedChildDrawsItsFrameAndShrinksItsClientArea) {
     RecordingWnd top, child;
-    SRect bounds = Rect(0, 0, 100, 100);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 100, 100)));
     top.SetBackColor(0xFFFFFF);
-    SRect rect = Rect(10, 10, 50, 50);
-    ASSERT_TRUE(child.Create("child", WS_VISIBLE | WS_BORDER, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(child, "child", Rect(10, 10, 50, 50), top.GetHandle(),
+                     WS_VISIBLE | WS_BORDER));
     child.SetBackColor(0x00FFFF);
     EXPECT_EQ(child.GetClientRect(), Rect(0, 0, 38, 38));
     SImage shot;

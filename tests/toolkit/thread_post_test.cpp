@@ -44,8 +44,7 @@ using WorkerAndWindow = ToolkitTest;
 
 TEST_F(WorkerAndWindow, WorkerValuesArriveThroughTheMainLoop) {
     QuitOnDestroy wnd;
-    SRect bounds = Rect(0, 0, 10, 10);
-    ASSERT_TRUE(wnd.Create("main", 0, 0, &bounds, 0));
+    ASSERT_TRUE(Make(wnd, "main", Rect(0, 0, 10, 10), 0, 0));
     Progress worker;
     worker.window = wnd.GetHandle();
     ASSERT_TRUE(worker.Start(false));
@@ -73,8 +72,7 @@ TEST_F(WorkerAndWindow, PostsFromManyThreadsReachTheWindowOnItsThread) {
         }
     } wnd;
     wnd.thread = GetCurrentThreadId();
-    SRect bounds = Rect(0, 0, 10, 10);
-    ASSERT_TRUE(wnd.Create("main", 0, 0, &bounds, 0));
+    ASSERT_TRUE(Make(wnd, "main", Rect(0, 0, 10, 10), 0, 0));
     HWND target = wnd.GetHandle();
     std::vector<std::thread> threads;
     for (int t = 0; t < 4; ++t) {

@@ -73,3 +73,10 @@ public:
 inline SRect Rect(int left, int top, int right, int bottom) {
     return SRect{left, top, right, bottom};
 }
+
+// Creates wnd with the given bounds: a visible child of parent, or a
+// top-level window when parent is 0.
+inline bool Make(SWnd& wnd, const char* title, SRect bounds, HWND parent = 0,
+                 unsigned style = WS_VISIBLE) {
+    return wnd.Create(title, style, 0, &bounds, parent);
+}

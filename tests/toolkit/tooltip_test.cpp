@@ -10,10 +10,8 @@ protected:
     void SetUp() override {
         ToolkitTest::SetUp();
         SHeadlessPlatform::UseFakeClock(true);
-        SRect bounds = Rect(100, 100, 500, 400);
-        ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
-        SRect rect = Rect(10, 10, 110, 60);
-        ASSERT_TRUE(button.Create("button", WS_VISIBLE, 0, &rect, top.GetHandle()));
+        ASSERT_TRUE(Make(top, "top", Rect(100, 100, 500, 400)));
+        ASSERT_TRUE(Make(button, "button", Rect(10, 10, 110, 60), top.GetHandle()));
         button.SetToolTipText("Plays the folder");
         button.SetToolTip(true);
     }

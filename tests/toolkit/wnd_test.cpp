@@ -14,11 +14,9 @@ using WndCore = ToolkitTest;
 TEST_F(WndCore, CreationSendsCreateThenShowsAndDestructionGoesParentFirst) {
     std::vector<RecordingWnd::Entry> log;
     RecordingWnd top(&log, 1), child(&log, 2), grandchild(&log, 3);
-    SRect bounds = Rect(10, 10, 210, 110);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
-    SRect inner = Rect(5, 5, 105, 55);
-    ASSERT_TRUE(child.Create("child", WS_VISIBLE, 0, &inner, top.GetHandle()));
-    ASSERT_TRUE(grandchild.Create("grandchild", WS_VISIBLE, 0, &inner, child.GetHandle()));
+    ASSERT_TRUE(Make(top, "top", Rect(10, 10, 210, 110)));
+    ASSERT_TRUE(Make(child, "child", Rect(5, 5, 105, 55), top.GetHandle()));
+    ASSERT_TRUE(Make(grandchild, "grandchild", Rect(5, 5, 105, 55), child.GetHandle()));
     EXPECT_EQ(top.Seen({SM_CREATE, WM_SHOWWINDOW}),
               std::vector<unsigned>({SM_CREATE, WM_SHOWWINDOW}));
     log.clear();
@@ -57,10 +55,9 @@ TEST_F(WndCore, RefusedCreateLeavesNoHandleAndNoObjectInTheList) {
 
 TEST_F(WndCore, CreateFailsWithAHandleOrAnUnknownParent) {
     RecordingWnd wnd, other;
-    SRect bounds = Rect(0, 0, 50, 50);
-    ASSERT_TRUE(wnd.Create("one", 0, 0, &bounds, 0));
-    EXPECT_FALSE(wnd.Create("two", 0, 0, &bounds, 0));
-    EXPECT_FALSE(other.Create("orphan", 0, 0, &bounds, 0x7F000001u));
+    ASSERT_TRUE(Make(wnd, "one", Rect(0, 0, 50, 50), 0, 0));
+    EXPECT_FALSE(Make(wnd, "two", Rect(0, 0, 50, 50), 0, 0));
+    EXPECT_FALSE(Make(other, "orphan", Rect(0, 0, 50, 50), 0x7F000001u, 0));
 }
 
 TEST_F(WndCore, UnknownHandlesTakeTheDefaultPath) {
@@ -76,8 +73,7 @@ TEST_F(WndCore, UnknownHandlesTakeTheDefaultPath) {
 
 TEST_F(WndCore, CloseDestroysByDefault) {
     RecordingWnd wnd;
-    SRect bounds = Rect(0, 0, 50, 50);
-    ASSERT_TRUE(wnd.Create("closing", 0, 0, &bounds, 0));
+    ASSERT_TRUE(Make(wnd, "closing", Rect(0, 0, 50, 50), 0, 0));
     EXPECT_TRUE(wnd.Close());
     EXPECT_EQ(wnd.GetHandle(), 0u);
 }
@@ -117,8 +113,7 @@ TEST_F(WndCore, KeyboardTableCallsEachSlotOnlyWhenItsMaskBitIsSet) {
         {'O', C, 16, 4096},   {'S', C, 17, 8192},  {'S', C | S, 18, 16384},
     };
     ShortcutWnd wnd;
-    SRect bounds = Rect(0, 0, 100, 100);
-    ASSERT_TRUE(wnd.Create("keys", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(wnd, "keys", Rect(0, 0, 100, 100)));
     for (const Row& row : rows) {
         wnd.calls.clear();
         wnd.SetShortcuts(true, 0x7FFF);
@@ -140,9 +135,8 @@ TEST_F(WndCore, KeyboardTableCallsEachSlotOnlyWhenItsMaskBitIsSet) {
 
 TEST_F(WndCore, KeysOfAChildReachTheTopWindowAsSmKey) {
     RecordingWnd top, child;
-    SRect bounds = Rect(0, 0, 100, 100);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
-    ASSERT_TRUE(child.Create("child", WS_VISIBLE, 0, &bounds, top.GetHandle()));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 100, 100)));
+    ASSERT_TRUE(Make(child, "child", Rect(0, 0, 100, 100), top.GetHandle()));
     SetFocus(child.GetHandle());
     platform->Key(top.GetHandle(), 'Q');
     EXPECT_EQ(top.Count(SM_KEY), 1);
@@ -151,10 +145,9 @@ TEST_F(WndCore, KeysOfAChildReachTheTopWindowAsSmKey) {
 
 TEST_F(WndCore, TabMovesFocusWithinTheTabGroup) {
     RecordingWnd top, first, second;
-    SRect bounds = Rect(0, 0, 100, 100);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
-    ASSERT_TRUE(first.Create("1", WS_VISIBLE, 0, &bounds, top.GetHandle()));
-    ASSERT_TRUE(second.Create("2", WS_VISIBLE, 0, &bounds, top.GetHandle()));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 100, 100)));
+    ASSERT_TRUE(Make(first, "1", Rect(0, 0, 100, 100), top.GetHandle()));
+    ASSERT_TRUE(Make(second, "2", Rect(0, 0, 100, 100), top.GetHandle()));
     first.SetTabOrder(0, 0);
     second.SetTabOrder(0, 1);
     SetFocus(first.GetHandle());
@@ -168,11 +161,9 @@ class ClickTest : public ToolkitTest {
 protected:
     void SetUp() override {
         ToolkitTest::SetUp();
-        SRect bounds = Rect(100, 100, 400, 300);
-        ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
-        SRect a = Rect(10, 10, 110, 60), b = Rect(150, 10, 250, 60);
-        ASSERT_TRUE(left.Create("left", WS_VISIBLE, 0, &a, top.GetHandle()));
-        ASSERT_TRUE(right.Create("right", WS_VISIBLE, 0, &b, top.GetHandle()));
+        ASSERT_TRUE(Make(top, "top", Rect(100, 100, 400, 300)));
+        ASSERT_TRUE(Make(left, "left", Rect(10, 10, 110, 60), top.GetHandle()));
+        ASSERT_TRUE(Make(right, "right", Rect(150, 10, 250, 60), top.GetHandle()));
     }
     RecordingWnd top, left, right;
 };
@@ -229,10 +220,9 @@ public:
 TEST_F(WndCore, HotItemsEnterMoveAndLeaveByIndex) {
     RecordingWnd top;
     HotWnd framed;
-    SRect bounds = Rect(0, 0, 300, 300);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
-    SRect rect = Rect(10, 10, 110, 110);
-    ASSERT_TRUE(framed.Create("framed", WS_VISIBLE | WS_BORDER, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 300, 300)));
+    ASSERT_TRUE(Make(framed, "framed", Rect(10, 10, 110, 110), top.GetHandle(),
+                     WS_VISIBLE | WS_BORDER));
     framed.SetHotItems({Rect(0, 0, 50, 1), Rect(50, 0, 100, 1)});
     auto move = [&](int x, int y) {
         SendMessage(framed.GetHandle(), WM_NCMOUSEMOVE, 0, MakePointParam(x, y));
@@ -250,10 +240,9 @@ TEST_F(WndCore, HotItemsEnterMoveAndLeaveByIndex) {
 
 TEST_F(WndCore, PointerOverAFrameGivesNonClientMessages) {
     RecordingWnd top, framed;
-    SRect bounds = Rect(0, 0, 300, 300);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
-    SRect rect = Rect(10, 10, 110, 110);
-    ASSERT_TRUE(framed.Create("framed", WS_VISIBLE | WS_BORDER, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 300, 300)));
+    ASSERT_TRUE(Make(framed, "framed", Rect(10, 10, 110, 110), top.GetHandle(),
+                     WS_VISIBLE | WS_BORDER));
     framed.SetHotItems({Rect(0, 0, 100, 100)}); // asks for the frame's leave notice
     platform->MoveMouse(top.GetHandle(), 10, 50);
     EXPECT_EQ(framed.Count(WM_NCMOUSEMOVE), 1);
@@ -278,10 +267,8 @@ public:
 TEST_F(WndCore, DragMoveFollowsThePointerUnlessRefused) {
     RecordingWnd top;
     MoveRefuser child;
-    SRect bounds = Rect(0, 0, 400, 400);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
-    SRect rect = Rect(50, 50, 150, 100);
-    ASSERT_TRUE(child.Create("mover", WS_VISIBLE, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 400, 400)));
+    ASSERT_TRUE(Make(child, "mover", Rect(50, 50, 150, 100), top.GetHandle()));
     child.SetMoveByDrag(true);
     platform->Press(top.GetHandle(), 60, 60);
     EXPECT_EQ(GetCapture(), child.GetHandle());
@@ -300,8 +287,7 @@ TEST_F(WndCore, DragMoveFollowsThePointerUnlessRefused) {
 
 TEST_F(WndCore, ScrollCodesStepRoundToTheGridAndClamp) {
     RecordingWnd wnd;
-    SRect bounds = Rect(0, 0, 100, 100);
-    ASSERT_TRUE(wnd.Create("scroll", WS_VSCROLL, 0, &bounds, 0));
+    ASSERT_TRUE(Make(wnd, "scroll", Rect(0, 0, 100, 100), 0, WS_VSCROLL));
     wnd.SetScrollRange(1, 0, 100);
     wnd.SetScrollSteps(1, 3, 25, 5);
     struct Step {
@@ -340,10 +326,8 @@ class CaptureClient : public RecordingWnd {};
 TEST_F(WndCore, HelperWindowForwardsCaptureMovesAndTheRelease) {
     RecordingWnd top;
     CaptureClient control;
-    SRect bounds = Rect(0, 0, 300, 300);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
-    SRect rect = Rect(10, 10, 50, 50);
-    ASSERT_TRUE(control.Create("control", WS_VISIBLE, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 300, 300)));
+    ASSERT_TRUE(Make(control, "control", Rect(10, 10, 50, 50), top.GetHandle()));
     SWndApp* helper = GetHelperWindow();
     ASSERT_NE(helper, nullptr);
     helper->StartCapture(control.GetHandle(), 1);
@@ -382,8 +366,7 @@ TEST_F(WndCore, DroppedFoldersEndInASeparatorAndGoToTheAcceptingWindow) {
     RecordingWnd child;
     SRect bounds = Rect(0, 0, 200, 200);
     ASSERT_TRUE(top.Create("top", WS_VISIBLE, WS_EX_ACCEPTFILES, &bounds, 0));
-    SRect rect = Rect(10, 10, 100, 100);
-    ASSERT_TRUE(child.Create("child", WS_VISIBLE, 0, &rect, top.GetHandle()));
+    ASSERT_TRUE(Make(child, "child", Rect(10, 10, 100, 100), top.GetHandle()));
     SStringArray dropped;
     dropped.Add(file.c_str());
     dropped.Add(folder.c_str());
@@ -393,8 +376,7 @@ TEST_F(WndCore, DroppedFoldersEndInASeparatorAndGoToTheAcceptingWindow) {
 
 TEST_F(WndCore, CaretWaitsForTheFocus) {
     RecordingWnd wnd;
-    SRect bounds = Rect(0, 0, 100, 100);
-    ASSERT_TRUE(wnd.Create("caret", WS_VISIBLE, 0, &bounds, 0));
+    ASSERT_TRUE(Make(wnd, "caret", Rect(0, 0, 100, 100)));
     SetFocus(0);
     wnd.SetCaret(12, 2, 5, 5, true);
     EXPECT_FALSE(wnd.IsCaretShown());
@@ -406,11 +388,10 @@ TEST_F(WndCore, CaretWaitsForTheFocus) {
 
 TEST_F(WndCore, ChildrenAreFoundByTypeAndSiblingsExcludeThemselves) {
     RecordingWnd top, a, b, c;
-    SRect bounds = Rect(0, 0, 100, 100);
-    ASSERT_TRUE(top.Create("top", WS_VISIBLE, 0, &bounds, 0));
-    ASSERT_TRUE(a.Create("a", WS_VISIBLE, 0, &bounds, top.GetHandle()));
-    ASSERT_TRUE(b.Create("b", WS_VISIBLE, 0, &bounds, top.GetHandle()));
-    ASSERT_TRUE(c.Create("c", WS_VISIBLE, 0, &bounds, a.GetHandle()));
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 100, 100)));
+    ASSERT_TRUE(Make(a, "a", Rect(0, 0, 100, 100), top.GetHandle()));
+    ASSERT_TRUE(Make(b, "b", Rect(0, 0, 100, 100), top.GetHandle()));
+    ASSERT_TRUE(Make(c, "c", Rect(0, 0, 100, 100), a.GetHandle()));
     b.SetType(2);
     c.SetType(2);
     SArray<SWnd*> found;
@@ -439,8 +420,7 @@ public:
 
 TEST_F(WndCore, DataBlocksTakeTheFirstFreeRowAndArriveWhenFinished) {
     DataWnd wnd;
-    SRect bounds = Rect(0, 0, 10, 10);
-    ASSERT_TRUE(wnd.Create("data", 0, 0, &bounds, 0));
+    ASSERT_TRUE(Make(wnd, "data", Rect(0, 0, 10, 10), 0, 0));
     HWND hwnd = wnd.GetHandle();
     EXPECT_EQ(SendMessage(hwnd, SM_DATA_ALLOC, 9, 5), 1);
     EXPECT_EQ(SendMessage(hwnd, SM_DATA_ALLOC, 9, 8), 2);
