@@ -246,6 +246,7 @@ void SMediaPlayerCtrl::SetFullScreen(bool on) {
         return;
     }
     SWnd* top = SWnd::FromHandle(GetTopWindow());
+    HWND surface = top != nullptr ? top->GetHandle() : GetHandle();
     if (on) {
         SRect screen;
         if (!GetPlatform()->GetScreenRect(&screen)) {
@@ -259,8 +260,10 @@ void SMediaPlayerCtrl::SetFullScreen(bool on) {
         } else {
             MoveWindow(screen);
         }
+        GetPlatform()->SetSurfaceFullScreen(surface, true);
         fullScreen = true;
     } else {
+        GetPlatform()->SetSurfaceFullScreen(surface, false);
         if (top != nullptr && top != this) {
             top->MoveWindow(normalTopRect);
         }

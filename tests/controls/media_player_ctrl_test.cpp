@@ -195,8 +195,13 @@ TEST_F(MediaPlayerTest, AVideoReportsItsSizeIsDrawnAndGoesFullScreen) {
     ASSERT_TRUE(platform->GetScreenRect(&screen));
     EXPECT_EQ(parent.GetRect().Width(), screen.Width());
     EXPECT_EQ(player.GetClientWidth(), parent.GetClientWidth());
+    SHeadlessPlatform::Surface surface;
+    ASSERT_TRUE(platform->GetSurface(parent.GetHandle(), &surface));
+    EXPECT_TRUE(surface.fullScreen) << "the desktop is asked for its full-screen state";
     player.SetFullScreen(false);
     EXPECT_FALSE(player.IsFullScreen());
+    ASSERT_TRUE(platform->GetSurface(parent.GetHandle(), &surface));
+    EXPECT_FALSE(surface.fullScreen);
     EXPECT_EQ(parent.GetRect().Width(), before.Width());
     EXPECT_EQ(player.GetRect().Width(), 320);
 }

@@ -35,6 +35,10 @@ public:
     // for none.
     virtual void SetSurfaceCursor(HWND hwnd, int cursorIndex) = 0;
 
+    // Puts a top-level surface in the desktop's full-screen state (no frame,
+    // above the panels) or takes it out; the toolkit moves the window itself.
+    virtual void SetSurfaceFullScreen(HWND hwnd, bool on) = 0;
+
     // Size limits of a top-level surface in pixels, -1 for free: the window
     // manager keeps the user's resizing inside them.
     virtual void SetSurfaceLimits(HWND hwnd, const SSize& minimum, const SSize& maximum) = 0;

@@ -372,6 +372,14 @@ public:
         }
     }
 
+    void SetSurfaceFullScreen(HWND hwnd, bool on) override {
+        Surface* surface = Find(hwnd);
+        if (surface != nullptr) {
+            GtkWindow* window = GTK_WINDOW(surface->window);
+            on ? gtk_window_fullscreen(window) : gtk_window_unfullscreen(window);
+        }
+    }
+
     void InvalidateSurface(HWND hwnd) override {
         Surface* surface = Find(hwnd);
         if (surface != nullptr) {

@@ -61,6 +61,14 @@ void SHeadlessPlatform::SetSurfaceTitle(HWND hwnd, const char* title) {
     }
 }
 
+void SHeadlessPlatform::SetSurfaceFullScreen(HWND hwnd, bool on) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = surfaces.find(hwnd);
+    if (it != surfaces.end()) {
+        it->second.fullScreen = on;
+    }
+}
+
 void SHeadlessPlatform::SetSurfaceAlpha(HWND hwnd, int alpha) {
     std::lock_guard<std::mutex> lock(mutex);
     auto it = surfaces.find(hwnd);

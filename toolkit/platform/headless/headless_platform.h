@@ -19,6 +19,7 @@ public:
         bool visible = false;
         int showCommand = 0;
         int alpha = 255;
+        bool fullScreen = false;
         int cursor = 0;
         int frameRequests = 0;
         SSize minimum{-1, -1}; // the size limits, -1 free
@@ -42,6 +43,7 @@ public:
     void MoveSurface(HWND hwnd, const SRect& rect) override;
     void SetSurfaceTitle(HWND hwnd, const char* title) override;
     void SetSurfaceAlpha(HWND hwnd, int alpha) override;
+    void SetSurfaceFullScreen(HWND hwnd, bool on) override;
     void InvalidateSurface(HWND hwnd) override;
     void CaptureMouse(HWND hwnd) override;
     void SetSurfaceCursor(HWND hwnd, int cursorIndex) override;
