@@ -14,6 +14,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -22,15 +23,19 @@ namespace {
 constexpr int MAX_MEM_SIZE = INT_MAX - 2048;
 constexpr int APPEND_BLOCK = 1000;
 
-// The one line rule of both kinds of file, so that they cannot disagree.
-// Source gives Next() (a byte 0..255, or -1 at the end) and Back() (un-reads
-// the byte that Next gave last).
+// The line rule of both kinds of file. Only CR LF, the end of the data or
+// maxChars end a line. They differ by design in what a lone CR or LF does:
+// in memory the whole span is copied, so it stays in the text and every
+// byte consumed counts toward maxChars; on disk it is dropped (dropLone) and
+// only the kept characters count. Source gives Next() (a byte 0..255, or -1
+// at the end) and Back() (un-reads the byte that Next gave last).
 template <typename Source>
-SString ScanLine(Source& source, bool keepBlanks, int maxChars, bool* endedWithCrlf) {
+SString ScanLine(Source& source, bool dropLone, bool keepBlanks, int maxChars,
+                 bool* endedWithCrlf) {
     bool crlf = false;
     std::string text;
-    int consumed = 0;
-    while (maxChars < 0 || consumed < maxChars) {
+    int counted = 0;
+    while (maxChars < 0 || counted < maxChars) {
         int c = source.Next();
         if (c < 0) {
             break;
@@ -45,8 +50,11 @@ SString ScanLine(Source& source, bool keepBlanks, int maxChars, bool* endedWithC
                 source.Back();
             }
         }
+        if (dropLone && (c == '\r' || c == '\n')) {
+            continue;
+        }
         text.push_back(static_cast<char>(c));
-        ++consumed;
+        ++counted;
     }
     if (endedWithCrlf != nullptr) {
         *endedWithCrlf = crlf;
@@ -313,7 +321,7 @@ int SFile::FindText(const char* text, bool after) {
     return FindBytes(text, length > INT_MAX ? INT_MAX : static_cast<int>(length), after);
 }
 
-// Lines. Both kinds read them through ScanLine, so they cannot disagree.
+// Lines: a disk file drops a lone CR or LF (see ScanLine).
 
 SString SFilePath::ReadLine(bool keepBlanks, int maxChars, bool* endedWithCrlf) {
     if (handle == nullptr || maxChars == 0) {
@@ -324,7 +332,7 @@ SString SFilePath::ReadLine(bool keepBlanks, int maxChars, bool* endedWithCrlf) 
     }
     PrepareFor(OP_READ);
     DiskSource source(static_cast<FILE*>(handle));
-    return ScanLine(source, keepBlanks, maxChars, endedWithCrlf);
+    return ScanLine(source, true, keepBlanks, maxChars, endedWithCrlf);
 }
 
 // SFileMem
@@ -523,7 +531,7 @@ SString SFileMem::ReadLine(bool keepBlanks, int maxChars, bool* endedWithCrlf) {
         return SString();
     }
     MemSource source(static_cast<const char*>(handle), size, position);
-    return ScanLine(source, keepBlanks, maxChars, endedWithCrlf);
+    return ScanLine(source, false, keepBlanks, maxChars, endedWithCrlf);
 }
 
 int SFileMem::Seek(int newPosition) {
@@ -539,19 +547,46 @@ int SFileMem::FindBytes(const void* buffer, int count, bool after) {
     if (buffer == nullptr || count < 1) {
         return -1;
     }
-    if (handle != nullptr && position < size) {
-        std::string_view data(static_cast<const char*>(handle) + position,
-                              static_cast<size_t>(size - position));
-        size_t at = data.find(
-            std::string_view(static_cast<const char*>(buffer), static_cast<size_t>(count)));
-        if (at != std::string_view::npos) {
-            int start = position + static_cast<int>(at);
-            position = start + count;
-            return after ? position : start;
+    if (handle == nullptr || position >= size) {
+        position = std::max(position, size);
+        return -1;
+    }
+    // Sliding one byte at a time, a pattern cut off by the end of the data
+    // counts as a match. One Knuth-Morris-Pratt pass finds the first whole
+    // match or, failing that, the longest tail of the data that begins the
+    // pattern, which is the earliest cut-off match.
+    const char* pattern = static_cast<const char*>(buffer);
+    std::vector<int> fallback(static_cast<size_t>(count), 0);
+    for (int i = 1, k = 0; i < count; ++i) {
+        while (k > 0 && pattern[i] != pattern[k]) {
+            k = fallback[static_cast<size_t>(k - 1)];
+        }
+        if (pattern[i] == pattern[k]) {
+            ++k;
+        }
+        fallback[static_cast<size_t>(i)] = k;
+    }
+    const char* data = static_cast<const char*>(handle);
+    int matched = 0;
+    int at = position;
+    for (; at < size; ++at) {
+        while (matched > 0 && data[at] != pattern[matched]) {
+            matched = fallback[static_cast<size_t>(matched - 1)];
+        }
+        if (data[at] == pattern[matched] && ++matched == count) {
+            ++at;
+            break;
         }
     }
-    position = size;
-    return -1;
+    if (matched == 0) {
+        position = size;
+        return -1;
+    }
+    // A whole match ends at `at`; a cut-off one at the end of the data, and
+    // the position passes the end by the missing bytes.
+    int start = at - matched;
+    position = start + count;
+    return after ? position : start;
 }
 
 // Embedded resources.

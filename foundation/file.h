@@ -78,11 +78,12 @@ public:
     // count in characters, negative: all that remains; low byte first.
     virtual SUniString ReadWide(int count = -1);
     // One line. Only the pair CR LF ends a line, or the end of the data, or
-    // maxChars bytes when maxChars is above 0; a lone CR or LF stays in the
-    // text and counts toward maxChars. Without keepBlanks, spaces and tabs
-    // are trimmed from both sides. maxChars 0 gives "" and moves nothing.
-    // endedWithCrlf (may be null) tells whether CR LF ended the line. Disk
-    // and memory give the same lines for the same bytes.
+    // maxChars characters when maxChars is above 0. The two kinds differ by
+    // design: on disk a lone CR or LF is dropped and only kept characters
+    // count toward maxChars; in memory it stays in the text and every byte
+    // consumed counts. Without keepBlanks, spaces and tabs are trimmed from
+    // both sides. maxChars 0 gives "" and moves nothing. endedWithCrlf (may
+    // be null) tells whether CR LF ended the line.
     virtual SString ReadLine(bool keepBlanks, int maxChars = -1, bool* endedWithCrlf = nullptr) = 0;
     // ReadLine, with "\r\n" appended when the line ended with CR LF.
     virtual SString ReadLineWithEnd(bool keepBlanks, int maxChars = -1);
@@ -100,11 +101,14 @@ public:
     virtual int GetRemaining() const;                   // size minus position, never below 0
     virtual bool IsEnd() const = 0;                     // a closed file counts as at the end
     virtual int FindText(const char* text, bool after); // FindBytes
-    // Searches forward from the position for the whole pattern; a match that
-    // ends exactly at the end of the data is found. On success the position
-    // stands just past the match and the result is that position when after
-    // is true, else the match's start. Not found: -1, position at the end.
-    // A count below 1 gives -1 and moves nothing.
+    // Searches forward from the position. On success the position stands
+    // just past the match and the result is that position when after is
+    // true, else the match's start. A count below 1 gives -1 and moves
+    // nothing. On disk the whole pattern must match, and -1 comes once fewer
+    // than count bytes remain, the position left at the first start not
+    // tried. In memory a pattern cut off by the end of the data counts as a
+    // match, so the position may pass the end by the missing bytes; -1 comes
+    // once the position reaches the end, and leaves it there.
     virtual int FindBytes(const void* buffer, int count, bool after) = 0;
 
 protected:

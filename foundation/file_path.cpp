@@ -325,11 +325,16 @@ int SFilePath::FindBytes(const void* buffer, int count, bool after) {
     if (handle == nullptr || buffer == nullptr || count < 1) {
         return -1;
     }
+    // Byte by byte with a step back after a mismatch finds the first whole
+    // match, and gives up once fewer than count bytes remain: the search
+    // below reads in blocks and gives the same result and final position.
+    int origin = GetPosition();
+    int lastStart = GetSize() - count; // the last start with count bytes left
     std::string_view pattern(static_cast<const char*>(buffer), static_cast<size_t>(count));
     // window holds the bytes from windowStart on: the block just read plus
     // the last count - 1 bytes before it, so a match across blocks is seen.
     std::string window;
-    int windowStart = GetPosition();
+    int windowStart = origin;
     std::unique_ptr<char[]> block(new char[DISK_BLOCK]);
     int got;
     while ((got = Read(block.get(), DISK_BLOCK)) > 0) {
@@ -346,7 +351,7 @@ int SFilePath::FindBytes(const void* buffer, int count, bool after) {
             window.erase(0, window.size() - keep);
         }
     }
-    SeekEnd();
+    Seek(std::max(origin, lastStart + 1));
     return -1;
 }
 

@@ -144,6 +144,15 @@ public:
     void Format(const char* format, ...) __attribute__((format(printf, 2, 3)));
     void FormatV(const char* format, va_list args);
     static SString FromInt(int value);
+    // The value with "%d", the thousand separator of the current locale row
+    // inserted before every third digit counted from the end ("-" is not a
+    // digit). The second form names the separator; 0 inserts nothing.
+    void FormatGrouped(int value);
+    void FormatGrouped(int value, char thousand);
+    // The value with six decimals, trailing zeros stripped; a "." left last
+    // is removed, or keeps one "0" after it with keepOneDecimal. Always "."
+    // as the decimal sign, whatever the locale.
+    void FormatFloat(double value, bool keepOneDecimal);
     // UTF-16 copy, zero-terminated; null on a bufferless string.
     std::unique_ptr<char16_t[]> ToWide() const;
     SString UrlEncode(bool plusForBlank) const;

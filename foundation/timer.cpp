@@ -195,57 +195,58 @@ const SLocale& GetLocaleRow(int row) {
     return Table().rows[row];
 }
 
-SString FormatGrouped(int value) {
-    return FormatGrouped(value, GetLocale().thousand);
+// SString's number formatting lives here, beside the locale table that
+// gives the thousand separator.
+
+void SString::FormatGrouped(int value) {
+    FormatGrouped(value, GetLocale().thousand);
 }
 
-SString FormatGrouped(int value, char thousand) {
-    SString text;
-    text.Format("%d", value);
+void SString::FormatGrouped(int value, char thousand) {
+    Format("%d", value);
     if (thousand == 0) {
-        return text;
+        return;
     }
     int digits = 0;
-    for (int i = text.GetLength() - 1; i >= 0; --i) {
-        char c = text.GetAt(i);
+    for (int i = GetLength() - 1; i >= 0; --i) {
+        char c = GetAt(i);
         if (c < '0' || c > '9') {
             continue;
         }
         ++digits;
-        bool moreDigitsBefore = i > 0 && text.GetAt(i - 1) >= '0' && text.GetAt(i - 1) <= '9';
+        bool moreDigitsBefore = i > 0 && GetAt(i - 1) >= '0' && GetAt(i - 1) <= '9';
         if (digits % 3 == 0 && moreDigitsBefore) {
-            text.Insert(thousand, i);
+            Insert(thousand, i);
         }
     }
-    return text;
 }
 
-SString FormatFloat(double value, bool keepOneDecimal) {
+void SString::FormatFloat(double value, bool keepOneDecimal) {
     // Room for the longest double in fixed notation with six decimals.
     char buffer[400];
     std::to_chars_result result =
         std::to_chars(buffer, buffer + sizeof(buffer) - 1, value, std::chars_format::fixed, 6);
     if (result.ec != std::errc()) {
-        return SString("");
+        Empty();
+        return;
     }
     *result.ptr = 0;
-    SString text(buffer);
-    if (text.Find('.') < 0) {
-        return text; // "inf", "nan"
+    Assign(buffer);
+    if (Find('.') < 0) {
+        return; // "inf", "nan"
     }
-    int length = text.GetLength();
-    while (length > 0 && text.GetAt(length - 1) == '0') {
+    int length = GetLength();
+    while (length > 0 && GetAt(length - 1) == '0') {
         --length;
     }
-    text.SetLength(length);
-    if (length > 0 && text.GetAt(length - 1) == '.') {
+    SetLength(length);
+    if (length > 0 && GetAt(length - 1) == '.') {
         if (keepOneDecimal) {
-            text += '0';
+            *this += '0';
         } else {
-            text.SetLength(length - 1);
+            SetLength(length - 1);
         }
     }
-    return text;
 }
 
 void InitClock() {

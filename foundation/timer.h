@@ -40,16 +40,6 @@ void SetLocaleNumbers(const char* decimal, const char* thousand, int digits);
 const SLocale& GetLocale();
 const SLocale& GetLocaleRow(int row);
 
-// The value with "%d", its thousand separator from the current row inserted
-// before every third digit counted from the end ("-" is not a digit).
-SString FormatGrouped(int value);
-// The same with an explicit separator; 0 inserts nothing.
-SString FormatGrouped(int value, char thousand);
-// The value with six decimals, trailing zeros stripped; a "." left last is
-// removed, or keeps one "0" after it with keepOneDecimal. Always "." as the
-// decimal sign, whatever the locale.
-SString FormatFloat(double value, bool keepOneDecimal);
-
 // A steady clock in seconds, never going back. InitClock sets its zero;
 // before that it counts from an arbitrary start.
 void InitClock();

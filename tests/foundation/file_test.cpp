@@ -53,40 +53,49 @@ std::vector<std::string> FilesIn(const std::string& folder) {
 
 } // namespace
 
-// ReadLine: the same lines from disk and memory.
+// ReadLine: only CR LF ends a line on either kind; a lone CR or LF stays in
+// memory and is dropped on disk.
+
+using Lines = std::vector<std::pair<std::string, bool>>; // text, ended with CR LF
 
 struct LineCase {
     const char* name;
     std::string bytes;
     bool keepBlanks;
     int maxChars;
-    std::vector<std::pair<std::string, bool>> lines; // text, ended with CR LF
+    Lines memory;
+    Lines disk; // empty: the same as in memory
 };
 
-TEST(FileReadLine, DiskAndMemoryGiveTheSameLines) {
+TEST(FileReadLine, LoneLineEndsStayInMemoryAndAreDroppedOnDisk) {
     // clang-format off
     const LineCase cases[] = {
-        {"crlf pairs", "a\r\nb", false, -1, {{"a", true}, {"b", false}}},
-        {"lone cr stays", "a\rb\r\n", false, -1, {{"a\rb", true}}},
-        {"lone lf stays", "a\nb\r\nc", false, -1, {{"a\nb", true}, {"c", false}}},
-        {"cr cr lf", "x\r\r\ny", false, -1, {{"x\r", true}, {"y", false}}},
-        {"cr at the end", "a\r", false, -1, {{"a\r", false}}},
-        {"no final line end", "abc", false, -1, {{"abc", false}}},
-        {"empty lines", "\r\n\r\nz\r\n", false, -1, {{"", true}, {"", true}, {"z", true}}},
-        {"blanks trimmed", " \ta b \t\r\n", false, -1, {{"a b", true}}},
-        {"blanks kept", " \ta b \t\r\n", true, -1, {{" \ta b \t", true}}},
-        {"max cuts a line", "abcdef\r\n", false, 4, {{"abcd", false}, {"ef", true}}},
-        {"max before crlf", "abcd\r\nx", false, 4, {{"abcd", false}, {"", true}, {"x", false}}},
-        {"max counts lone lf", "a\nbc", false, 2, {{"a\n", false}, {"bc", false}}},
-        {"max after lone cr", "a\rb", false, 2, {{"a\r", false}, {"b", false}}},
-        {"crlf ends before max", "ab\r\ncd", false, 3, {{"ab", true}, {"cd", false}}}};
+        {"crlf pairs", "a\r\nb", false, -1, {{"a", true}, {"b", false}}, {}},
+        {"lone cr", "a\rb\r\n", false, -1, {{"a\rb", true}}, {{"ab", true}}},
+        {"lone lf", "a\nb\r\nc", false, -1, {{"a\nb", true}, {"c", false}},
+                                             {{"ab", true}, {"c", false}}},
+        {"cr cr lf", "x\r\r\ny", false, -1, {{"x\r", true}, {"y", false}},
+                                           {{"x", true}, {"y", false}}},
+        {"cr at the end", "a\r", false, -1, {{"a\r", false}}, {{"a", false}}},
+        {"no final line end", "abc", false, -1, {{"abc", false}}, {}},
+        {"empty lines", "\r\n\r\nz\r\n", false, -1, {{"", true}, {"", true}, {"z", true}}, {}},
+        {"blanks trimmed", " \ta b \t\r\n", false, -1, {{"a b", true}}, {}},
+        {"blanks kept", " \ta b \t\r\n", true, -1, {{" \ta b \t", true}}, {}},
+        {"trimmed after the drop", " \n a \r\n", false, -1, {{"\n a", true}}, {{"a", true}}},
+        {"max cuts a line", "abcdef\r\n", false, 4, {{"abcd", false}, {"ef", true}}, {}},
+        {"max before crlf", "abcd\r\nx", false, 4, {{"abcd", false}, {"", true}, {"x", false}}, {}},
+        {"max and lone lf", "a\nbc", false, 2, {{"a\n", false}, {"bc", false}},
+                                             {{"ab", false}, {"c", false}}},
+        {"max and lone cr", "a\rb", false, 2, {{"a\r", false}, {"b", false}}, {{"ab", false}}},
+        {"crlf ends before max", "ab\r\ncd", false, 3, {{"ab", true}, {"cd", false}}, {}}};
     // clang-format on
     TempDir dir;
     for (const LineCase& c : cases) {
         for (auto& file : BothWith(dir, c.bytes)) {
             SCOPED_TRACE(std::string(c.name) + " on " + KindName(*file));
             ASSERT_TRUE(file->IsOpen());
-            for (const auto& [text, crlf] : c.lines) {
+            bool onDisk = file->GetKind() == SFile::KIND_DISK;
+            for (const auto& [text, crlf] : onDisk && !c.disk.empty() ? c.disk : c.memory) {
                 bool ended = !crlf;
                 EXPECT_EQ(Str(file->ReadLine(c.keepBlanks, c.maxChars, &ended)), text);
                 EXPECT_EQ(ended, crlf);
@@ -132,29 +141,49 @@ TEST(FileClosed, ClosedFilesReadNothingAndSitAtZero) {
 
 // FindBytes and FindText.
 
-TEST(FileFind, FindsMatchesUpToTheEndOfTheData) {
+TEST(FileFind, DiskNeedsTheWholePatternAndMemoryTakesOneCutOffByTheEnd) {
+    struct Outcome {
+        int result;
+        int position; // afterwards
+    };
+    struct FindCase {
+        std::string data, pattern;
+        int start;
+        bool after;
+        Outcome memory, disk;
+    };
     // clang-format off
-    // data, pattern, start, after, result, position afterwards
-    const std::tuple<std::string, std::string, int, bool, int, int> cases[] = {
-        {"xxabc", "abc", 0, false, 2, 5}, {"xxabc", "abc", 0, true, 5, 5}, // ends at the end 
-        {"xxab", "abc", 0, false, -1, 4}, // cut off by the end: no match
-        {"aaab", "aab", 0, false, 1, 4}, // restart inside a partial match
-        {"abcabc", "abc", 1, false, 3, 6}, // from the position on
-        {"abc", "abc", 3, false, -1, 3}, // at the end already
-        {"", "a", 0, false, -1, 0}, 
-        {"short", "longer pattern", 0, true, -1, 5},
-        {"abc", "", 1, false, -1, 1}}; // an empty pattern finds nothing and does not move
+    const FindCase cases[] = {
+        {"xxabc", "abc", 0, false, {2, 5}, {2, 5}}, {"xxabc", "abc", 0, true, {5, 5}, {5, 5}},
+        // cut off by the end: a match in memory, the position past the end
+        {"xxab", "abc", 0, false, {2, 5}, {-1, 2}}, {"xxab", "abc", 0, true, {5, 5}, {-1, 2}},
+        {"abab", "abac", 0, false, {2, 6}, {-1, 1}}, // the earliest cut-off start
+        {"aaab", "aab", 0, false, {1, 4}, {1, 4}}, // restart inside a partial match
+        {"abcabc", "abc", 1, false, {3, 6}, {3, 6}}, // from the position on
+        {"abc", "abc", 3, false, {-1, 3}, {-1, 3}}, // at the end already
+        {"", "a", 0, false, {-1, 0}, {-1, 0}},
+        {"short", "longer pattern", 0, true, {-1, 5}, {-1, 0}},
+        {"shor", "shorter", 0, true, {7, 7}, {-1, 0}},
+        {"abc", "xy", 0, false, {-1, 3}, {-1, 2}},
+        {"abc", "", 1, false, {-1, 1}, {-1, 1}}}; // an empty pattern finds nothing, moves nothing
     // clang-format on
     TempDir dir;
-    for (const auto& [data, pattern, start, after, result, position] : cases) {
-        for (auto& file : BothWith(dir, data)) {
-            SCOPED_TRACE(data + " / " + pattern + " on " + KindName(*file));
-            file->Seek(start);
-            EXPECT_EQ(file->FindBytes(pattern.data(), static_cast<int>(pattern.size()), after),
-                      result);
-            EXPECT_EQ(file->GetPosition(), position);
+    for (const FindCase& c : cases) {
+        for (auto& file : BothWith(dir, c.data)) {
+            SCOPED_TRACE(c.data + " / " + c.pattern + " on " + KindName(*file));
+            Outcome expected = file->GetKind() == SFile::KIND_DISK ? c.disk : c.memory;
+            file->Seek(c.start);
+            EXPECT_EQ(file->FindBytes(c.pattern.data(), static_cast<int>(c.pattern.size()), c.after),
+                      expected.result);
+            EXPECT_EQ(file->GetPosition(), expected.position);
         }
     }
+    // Past a cut-off match the memory search is at its end and finds no more.
+    auto memory = MemWith("xxab");
+    EXPECT_EQ(memory->FindText("abc", false), 2);
+    EXPECT_TRUE(memory->IsEnd());
+    EXPECT_EQ(memory->FindText("x", false), -1);
+    EXPECT_EQ(memory->GetPosition(), 5);
 }
 
 TEST(FileFind, FindsAMatchAcrossReadBlocks) {

@@ -361,6 +361,14 @@ TEST_F(LocaleTest, FixedRowsHoldEnglishAndFrench) {
     EXPECT_EQ(&GetLocale(), &GetLocaleRow(0));
 }
 
+namespace {
+SString Grouped(int value) {
+    SString text;
+    text.FormatGrouped(value);
+    return text;
+}
+} // namespace
+
 TEST(FormatGrouped, InsertsTheSeparatorEveryThreeDigits) {
     // clang-format off
     const std::tuple<int, char, const char*> cases[] = {
@@ -370,16 +378,18 @@ TEST(FormatGrouped, InsertsTheSeparatorEveryThreeDigits) {
         {1234567, ' ', "1 234 567"}, {1234567, '.', "1.234.567"}, {1234567, 0, "1234567"},
         {-1234, 0, "-1234"}};
     // clang-format on
+    SString text("earlier text is replaced");
     for (auto [value, thousand, expected] : cases) {
-        EXPECT_STREQ(FormatGrouped(value, thousand).c_str(), expected) << value;
+        text.FormatGrouped(value, thousand);
+        EXPECT_STREQ(text.c_str(), expected) << value;
     }
 }
 
 TEST_F(LocaleTest, GroupedNumbersUseTheCurrentRowButDateNamesStayEnglish) {
     InitLocale();
-    EXPECT_STREQ(FormatGrouped(-1234567).c_str(), "-1,234,567");
+    EXPECT_STREQ(Grouped(-1234567).c_str(), "-1,234,567");
     SetLocaleNumbers(",", ".", 2);
-    EXPECT_STREQ(FormatGrouped(1234).c_str(), "1.234");
+    EXPECT_STREQ(Grouped(1234).c_str(), "1.234");
     EXPECT_STREQ(MakeDate(2009, 3, 5).Format("#$W #$M").c_str(), "Thursday March");
 }
 
@@ -392,8 +402,10 @@ TEST_F(LocaleTest, FloatsStripZerosAndIgnoreTheLocale) {
         {100.0, true, "100.0"}, {0.1234567, false, "0.123457"}, {1e-7, false, "0"},
         {1234567.5, false, "1234567.5"}, {1e20, false, "100000000000000000000"}};
     // clang-format on
+    SString text("earlier text is replaced");
     for (auto [value, keepOneDecimal, expected] : cases) {
-        EXPECT_STREQ(FormatFloat(value, keepOneDecimal).c_str(), expected) << expected;
+        text.FormatFloat(value, keepOneDecimal);
+        EXPECT_STREQ(text.c_str(), expected) << expected;
     }
 }
 
