@@ -49,6 +49,12 @@ void PMedia::OnMediaEnded() {
     }
 }
 
+void PMedia::OnMediaFailed() {
+    if (queue != nullptr) {
+        queue->OnTrackFailed();
+    }
+}
+
 void PMedia::OnMediaTimer() {
     OnMediaTick();
 }

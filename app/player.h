@@ -33,6 +33,7 @@ public:
     // The player's reports.
     void OnBuffering(bool stopped) override;
     void OnMediaEnded() override;
+    void OnMediaFailed() override;
     void OnMediaTimer() override;
     // Every tick while playing, for the panels that show the time.
     virtual void OnMediaTick() {}

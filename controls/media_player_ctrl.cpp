@@ -383,8 +383,9 @@ LRESULT SMediaPlayerCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lPar
         NotifyParent(SN_PLAYER_BUFFERING, static_cast<LPARAM>(wParam));
         return 0;
     case SM_PLAYER_ERROR:
-        if (IsCurrent(lParam)) {
+        if (IsCurrent(lParam) && mediaOpen) {
             Stop();
+            OnMediaFailed();
         }
         return 0;
     case SM_PLAYER_WAKE:

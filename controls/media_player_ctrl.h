@@ -104,6 +104,9 @@ public:
     virtual void OnBuffering(bool /*stopped*/) {}
     virtual void OnMediaEnded() {}
     virtual void OnMediaLooped() {}
+    // The open medium failed while playing (a damaged stream, a lost
+    // device); the player has stopped.
+    virtual void OnMediaFailed() {}
     // Every 20 ms while playing.
     virtual void OnMediaTimer() {}
 

@@ -1,5 +1,8 @@
 #include "foundation/random.h"
 
+#include <time.h>
+#include <unistd.h>
+
 #include <climits>
 #include <cmath>
 
@@ -20,6 +23,14 @@ int SRandom::Next() {
 
 void SeedRandom(unsigned seed) {
     ThreadRandom().Seed(seed);
+}
+
+void SeedRandomFromClock() {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    unsigned milliseconds =
+        static_cast<unsigned>(now.tv_sec) * 1000u + static_cast<unsigned>(now.tv_nsec / 1000000);
+    SeedRandom(milliseconds ^ (static_cast<unsigned>(getpid()) * 2654435761u));
 }
 
 int NextRandom() {

@@ -22,6 +22,10 @@ private:
 // The calling thread's own generator, as the runtime's rand keeps one per
 // thread. It starts with seed 1 until SeedRandom is called on that thread.
 void SeedRandom(unsigned seed);
+// Seeds the calling thread's generator from the clock (milliseconds since
+// boot, mixed with the process id, so that two runs started within one
+// millisecond still differ). The toolkit's start calls it once.
+void SeedRandomFromClock();
 int NextRandom();
 // NextRandom() / 32768.0 * range, rounded to the nearest integer: from 0 to
 // range inclusive (range itself is rare but possible). A result that would

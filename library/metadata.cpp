@@ -186,7 +186,11 @@ SString GetTrackTextPath(const char* trackPath) {
     if (!path.HasName()) {
         return SString("");
     }
-    return path.GetFolderPath() + path.GetTitle() + ".txt";
+    // Exact name first, then a case-blind match ("Song.TXT" beside
+    // "song.mp3"); with neither, the exact name, where a save makes it.
+    SString name = path.GetTitle() + ".txt";
+    SString found = FindFileNoCase(path.GetFolderPath().c_str(), name.c_str());
+    return found.IsEmpty() ? path.GetFolderPath() + name : found;
 }
 
 SString LoadTrackText(const char* trackPath) {

@@ -74,7 +74,8 @@ bool WriteSite(const char* folder, const char* site);
 SString GetFolderPage(const char* folder);
 
 // Track text.
-// "<folder>/<title>.txt" for a track's path.
+// The text file of a track: "<folder>/<title>.txt" found by exact name, then
+// case-blind; "<folder>/<title>.txt" when there is none yet.
 SString GetTrackTextPath(const char* trackPath);
 // The text of a track's text file; "" when it is missing.
 SString LoadTrackText(const char* trackPath);

@@ -20,7 +20,7 @@ bool PPlayQueue::PlayFolderAt(int start, const char* folder) {
         return false;
     }
     StopPlaying();
-    queue.DeleteAll();
+    ++generation;
     queue.Assign(list);
     // The row is used as it is, although the track list counts radio files
     // that the queue leaves out.
@@ -30,7 +30,7 @@ bool PPlayQueue::PlayFolderAt(int start, const char* folder) {
 bool PPlayQueue::PlayFolders(const char* selectedFolder, const char* currentFolder, bool tree,
                              bool random) {
     StopPlaying();
-    queue.DeleteAll();
+    ++generation;
     if (selectedFolder != nullptr) {
         CollectMedia(queue, selectedFolder, tree, true, !tree, !tree, false, true);
     } else {
@@ -54,19 +54,26 @@ bool PPlayQueue::PlaySelectedTracks(const SStringArray& paths) {
     if (paths.GetCount() == 0) {
         return false;
     }
-    StopPlaying();
-    queue.DeleteAll();
-    queue.Assign(paths);
-    return PlayFrom(0, false);
+    return ReplaceAndPlay(paths);
 }
 
 bool PPlayQueue::SetPlayQueue(const SStringArray* list) {
     if (list == nullptr) {
         return false;
     }
-    StopPlaying();
-    queue.DeleteAll();
-    queue.Assign(*list);
+    return ReplaceAndPlay(*list);
+}
+
+bool PPlayQueue::ReplaceAndPlay(const SStringArray& list) {
+    if (list.GetCount() == 0) {
+        StopPlaying();
+        return false;
+    }
+    // What plays goes on until the new queue's first entry opens in its
+    // place, so a video window stays up, at full screen, between tracks.
+    ++generation;
+    queue.Assign(list);
+    index = -1;
     return PlayFrom(0, false);
 }
 
@@ -110,8 +117,13 @@ bool PPlayQueue::PlayFrom(int start, bool paused) {
         StopPlaying();
         return false;
     }
+    unsigned mine = ++generation;
     for (int i = start; i < queue.GetCount(); ++i) {
-        if (PlayTrack(i, paused)) {
+        Opened opened = OpenEntry(i, paused, mine);
+        if (opened == Opened::Superseded) {
+            return index != -1;
+        }
+        if (opened == Opened::Yes) {
             index = i;
             return true;
         }
@@ -121,21 +133,31 @@ bool PPlayQueue::PlayFrom(int start, bool paused) {
 }
 
 bool PPlayQueue::PlayTrack(int entry, bool paused) {
+    unsigned mine = ++generation;
+    return OpenEntry(entry, paused, mine) == Opened::Yes;
+}
+
+PPlayQueue::Opened PPlayQueue::OpenEntry(int entry, bool paused, unsigned mine) {
     if (entry < 0 || entry >= queue.GetCount()) {
         ClearNowPlaying();
-        return false;
+        return Opened::No;
     }
-    const SString& path = *queue.GetAt(entry);
+    // A copy: while the player opens, held commands may replace the queue.
+    SString path = *queue.GetAt(entry);
     SString address = GetPlayableAddress(path.c_str());
-    if (address.IsEmpty() || !host.OpenMedia(address.c_str())) {
+    bool opened = !address.IsEmpty() && host.OpenMedia(address.c_str());
+    if (generation != mine) {
+        return Opened::Superseded; // a held command played, stopped or replaced
+    }
+    if (!opened) {
         host.OnSkipped(path.c_str());
-        return false;
+        return Opened::No;
     }
     if (paused) {
         host.Pause();
     }
     host.OnNowPlaying(path.c_str(), entry + 1, queue.GetCount());
-    return true;
+    return Opened::Yes;
 }
 
 bool PPlayQueue::NextTrack() {
@@ -152,7 +174,12 @@ bool PPlayQueue::PreviousTrack() {
     if (index == -1) {
         return false;
     }
-    if (PlayTrack(index - 1, false)) {
+    unsigned mine = ++generation;
+    Opened opened = OpenEntry(index - 1, false, mine);
+    if (opened == Opened::Superseded) {
+        return index != -1;
+    }
+    if (opened == Opened::Yes) {
         --index;
         return true;
     }
@@ -168,6 +195,7 @@ bool PPlayQueue::StopPlaying() {
     if (queue.GetCount() == 0) {
         return false;
     }
+    ++generation;
     ClearNowPlaying();
     queue.DeleteAll();
     index = -1;
@@ -200,6 +228,18 @@ void PPlayQueue::OnTrackEnded() {
         return;
     }
     if (!NextTrack() && shutdown) {
+        host.ShutDownMachine();
+    }
+}
+
+void PPlayQueue::OnTrackFailed() {
+    if (index == -1) {
+        return;
+    }
+    // As an entry that does not open: passed over, and the queue goes on
+    // with the next one without wrapping.
+    host.OnSkipped(queue.GetAt(index)->c_str());
+    if (!PlayFrom(index + 1, false) && shutdown) {
         host.ShutDownMachine();
     }
 }

@@ -6,6 +6,13 @@
 // Invariant: the index is -1 (nothing plays) or a valid index. There is no
 // history: "previous" is the index minus one, and a random order is made
 // once, when the queue is built.
+//
+// Re-entry: while the player opens a file it runs a nested loop, and the
+// clicks held there are carried out before OpenMedia returns. Such a click
+// may call any operation here (play another queue, next, stop). Every
+// operation that replaces the queue or starts or stops playing counts a
+// generation; an open that returns to a changed generation leaves the
+// queue and index as the held command left them.
 #pragma once
 
 #include "foundation/array.h"
@@ -71,8 +78,10 @@ public:
     // tree of currentFolder. Shuffled when random, else sorted.
     bool PlayFolders(const char* selectedFolder, const char* currentFolder, bool tree, bool random);
     // The selected rows' paths in row order; false when there are none.
+    // Like SetPlayQueue, what plays goes on until the first entry opens.
     bool PlaySelectedTracks(const SStringArray& paths);
-    // Replaces the queue by list and plays from 0; false for null.
+    // Replaces the queue by list and plays from 0, without stopping first;
+    // false for null. An empty list stops.
     bool SetPlayQueue(const SStringArray* list);
     // Appends paths (the selected rows); false when there are none.
     bool AddFiles(const SStringArray& paths);
@@ -96,8 +105,18 @@ public:
     bool SeekSeconds(int seconds);
     // Called at a track's natural end; ignored when nothing plays.
     void OnTrackEnded();
+    // Called when the playing track fails after it opened: passed over as
+    // a file that does not open, going on with the next entry.
+    void OnTrackFailed();
 
 private:
+    enum class Opened { Yes, No, Superseded };
+    // Opens one entry for an operation of generation mine; Superseded when
+    // a command held during the open changed the queue or what plays.
+    Opened OpenEntry(int entry, bool paused, unsigned mine);
+    // Replaces the queue by list, without stopping first, and plays from 0;
+    // an empty list stops.
+    bool ReplaceAndPlay(const SStringArray& list);
     // Ends what plays and tells the windows.
     void ClearNowPlaying();
     // After an extension: plays from 0 when the queue was empty, else
@@ -107,6 +126,7 @@ private:
     PPlayerHost& host;
     SStringArray queue;
     int index = -1;
+    unsigned generation = 0;
     bool repeat = false;
     bool shutdown = false;
 };

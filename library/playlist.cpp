@@ -65,13 +65,15 @@ void PPlaylistStore::SetRoot(const char* newRoot) {
     }
     folder = root.IsEmpty() ? SString("") : root + PLAYLISTS_FOLDER;
     names.DeleteAll();
+    files.DeleteAll();
     entries.DeleteAll();
     current = -1;
     selection = -1;
 }
 
 SString PPlaylistStore::PathOf(const char* name) const {
-    return folder + name + EXTENSION;
+    int found = FindName(name);
+    return found >= 0 ? folder + *files.GetAt(found) : folder + name + EXTENSION;
 }
 
 int PPlaylistStore::FindName(const char* name) const {
@@ -88,22 +90,25 @@ int PPlaylistStore::FindName(const char* name) const {
 
 void PPlaylistStore::ReadNames() {
     names.DeleteAll();
+    files.DeleteAll();
     if (folder.IsEmpty()) {
         return;
     }
-    SStringArray files;
-    SDisk().Enumerate(&files, (folder + "*.lst").c_str(), ENUM_FILES);
-    std::vector<SString> found;
-    for (const SString* file : files) {
-        SString name = SPath(file->c_str()).GetName();
-        // The filter matches ".LST" too; the name drops the extension as written.
-        found.push_back(name.Left(name.GetLength() - 4));
+    SStringArray found;
+    SDisk().Enumerate(&found, (folder + "*.lst").c_str(), ENUM_FILES);
+    // The filter matches ".LST" too: the name drops the extension as
+    // written, and the file keeps its own name for every later change.
+    std::vector<std::pair<SString, SString>> playlists; // name, file name
+    for (const SString* file : found) {
+        SString fileName = SPath(file->c_str()).GetName();
+        playlists.emplace_back(fileName.Left(fileName.GetLength() - 4), fileName);
     }
-    std::sort(found.begin(), found.end(), [](const SString& a, const SString& b) {
-        return CompareListingNames(a.c_str(), b.c_str()) < 0;
+    std::sort(playlists.begin(), playlists.end(), [](const auto& a, const auto& b) {
+        return CompareListingNames(a.first.c_str(), b.first.c_str()) < 0;
     });
-    for (const SString& name : found) {
+    for (const auto& [name, fileName] : playlists) {
         names.Add(name);
+        files.Add(fileName);
     }
 }
 
@@ -259,7 +264,10 @@ bool PPlaylistStore::RenamePlaylist(const char* newName) {
     if (old.IsEmpty() || newName == nullptr || newName[0] == 0 || strchr(newName, '/') != nullptr) {
         return false;
     }
-    if (!SDisk().Rename(PathOf(old.c_str()).c_str(), PathOf(newName).c_str())) {
+    // The new name keeps the extension as the file had it (".lst", ".LST").
+    SString oldPath = PathOf(old.c_str());
+    SString newPath = folder + newName + oldPath.Right(4);
+    if (!SDisk().Rename(oldPath.c_str(), newPath.c_str())) {
         return false;
     }
     ReadNames();
@@ -273,8 +281,13 @@ bool PPlaylistStore::DeletePlaylist() {
     if (name.IsEmpty()) {
         return false;
     }
-    bool deleted = std::remove(PathOf(name.c_str()).c_str()) == 0;
+    // To the desktop's trash, never straight off the disk.
+    bool deleted = SDisk().Delete(PathOf(name.c_str()).c_str(), nullptr, false, false);
+    if (!deleted) {
+        return false;
+    }
     names.DeleteAt(current);
+    files.DeleteAt(current);
     entries.DeleteAll();
     selection = -1;
     if (names.GetCount() > 0) {

@@ -84,9 +84,10 @@ public:
     // Renames the selected playlist; an empty new name does nothing. The
     // renamed playlist is then selected and loaded.
     bool RenamePlaylist(const char* newName);
-    // Deletes the selected playlist's file (after the user confirmed); the
-    // first remaining one is then opened, or a new one made when none is
-    // left, so there is always at least one.
+    // Moves the selected playlist's file to the desktop's trash (after the
+    // user confirmed); the first remaining one is then opened, or a new one
+    // made when none is left, so there is always at least one. False, with
+    // nothing changed, when the trash cannot take it.
     bool DeletePlaylist();
 
 private:
@@ -97,6 +98,7 @@ private:
     SString root;   // ends in "/"
     SString folder; // root + "Playlists/"
     SStringArray names;
+    SStringArray files; // each name's file name as it is on disk
     int current = -1;
     SStringArray entries;
     int selection = -1;

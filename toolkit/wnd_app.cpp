@@ -12,6 +12,7 @@
 #include "foundation/keyboard.h"
 #include "foundation/network.h"
 #include "foundation/path.h"
+#include "foundation/random.h"
 #include "foundation/timer.h"
 #include "toolkit/draw.h"
 #include "toolkit/platform/platform.h"
@@ -142,7 +143,8 @@ bool ToolkitStart(void* instance, int showCommand, bool sockets, bool /*sound*/,
         return false;
     }
     InitLocale();
-    srand(static_cast<unsigned>(GetMessageClock()));
+    // The generator of shuffled play orders, once per run.
+    SeedRandomFromClock();
     SetWorkAreaHook(PlatformWorkArea);
     SKeyboard::SetModifierSource(PlatformModifiers);
     state.programPath = ReadLink("/proc/self/exe");

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -209,6 +210,24 @@ TEST(CliPlay, NothingPlayableFailsUsageErrorsAreToldAndShuffleKeepsEveryFile) {
     EXPECT_NE(result.out.find("end " + wav + "\n"), std::string::npos);
     EXPECT_NE(result.out.find("end " + ogg + "\n"), std::string::npos);
     EXPECT_EQ(result.out.substr(result.out.size() - 5), "stop\n");
+}
+
+TEST(CliPlay, ShuffledRunsDifferFromOneRunToTheNext) {
+    // Ten files that do not open: each run prints them in its own order.
+    TempDir dir;
+    std::string paths;
+    for (int i = 0; i < 10; ++i) {
+        paths += " " + (dir / ("missing" + std::to_string(i) + ".mp3"));
+    }
+    std::string first = RunCli("play" + paths + " --shuffle --sink fake").out;
+    EXPECT_EQ(std::count(first.begin(), first.end(), '\n'), 11) << first;
+    // Two orders of ten agree by chance once in 3,628,800; one more try
+    // keeps that out of the results.
+    bool differs = false;
+    for (int tries = 0; tries < 2 && !differs; ++tries) {
+        differs = RunCli("play" + paths + " --shuffle --sink fake").out != first;
+    }
+    EXPECT_TRUE(differs) << first;
 }
 
 } // namespace

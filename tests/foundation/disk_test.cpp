@@ -324,23 +324,13 @@ TEST(DiskChanges, CreateFileKeepsWhatExistsUnlessAsked) {
     EXPECT_EQ(disk.GetFileSize(file.c_str()), 0);
 }
 
-// GLib reads HOME and XDG_DATA_HOME once, at their first use, so this
-// process keeps one trash of its own in a temporary folder, removed at exit.
-// GLib trashes into the home trash only files on the same file system as
-// the home folder, so the home moves beside the test trees too: where the
-// temporary folder is a tmpfs of its own, the real home is elsewhere.
+// The test main gives the process a home of its own, which is also its data
+// folder, so the trash is "<home>/Trash". GLib reads both once, at their
+// first use; a run that changed them before would be told here.
 struct TestTrash {
     TestTrash() {
-        std::string pattern = (fs::temp_directory_path() / "melkora-trash-XXXXXX").string();
-        if (mkdtemp(pattern.data()) != nullptr) {
-            home = pattern;
-            setenv("HOME", pattern.c_str(), 1);
-            setenv("XDG_DATA_HOME", pattern.c_str(), 1);
-        }
-    }
-    ~TestTrash() {
-        std::error_code error;
-        fs::remove_all(home, error);
+        const char* folder = getenv("HOME");
+        home = folder != nullptr ? folder : "";
     }
     bool IsInUse() const {
         return !home.empty() && home == g_get_user_data_dir() && home == g_get_home_dir();

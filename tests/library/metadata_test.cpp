@@ -173,4 +173,20 @@ TEST(TrackText, SavingSetsTheDataWordAndEmptyTextDeletes) {
     EXPECT_FALSE(SaveTrackText(track.c_str(), "", word));
 }
 
+TEST(TrackText, ATextFileOfOtherCaseIsFoundReadAndSavedInPlace) {
+    TempDir dir;
+    std::string track = dir.Write("Album/01 Song.mp3", "");
+    std::string text = dir.Write("Album/01 SONG.TXT", "old");
+    EXPECT_EQ(GetTrackTextPath(track.c_str()), text.c_str());
+    EXPECT_EQ(LoadTrackText(track.c_str()), "old");
+    int word = TRACK_HAS_TEXT;
+    SaveTrackText(track.c_str(), "new", word);
+    EXPECT_EQ(TempDir::Read(text), "new");
+    EXPECT_FALSE(std::filesystem::exists(dir / "Album/01 Song.txt")) << "no second file";
+    // The exact name comes first when both are there.
+    std::string exact = dir.Write("Album/01 Song.txt", "exact");
+    EXPECT_EQ(LoadTrackText(track.c_str()), "exact");
+    EXPECT_EQ(GetTrackTextPath(track.c_str()), exact.c_str());
+}
+
 } // namespace

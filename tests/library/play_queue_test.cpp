@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>
@@ -17,6 +18,20 @@ using Events = std::vector<std::string>;
 class FakeHost : public PPlayerHost {
 public:
     bool OpenMedia(const char* address) override {
+        // A command held while the open waits runs before it returns, as
+        // the real player's nested loop does; the open then reports failure
+        // when the command opened something else meanwhile.
+        if (held && Name(address) == heldOn) {
+            auto command = std::move(held);
+            held = nullptr;
+            size_t before = events.size();
+            command();
+            for (size_t i = before; i < events.size(); ++i) {
+                if (events[i] == "stop" || events[i].rfind("open ", 0) == 0) {
+                    return false;
+                }
+            }
+        }
         if (failing.count(address) != 0) {
             events.push_back("skip " + Name(address));
             return false;
@@ -50,6 +65,8 @@ public:
     }
 
     std::set<std::string> failing;
+    std::string heldOn;             // the file whose open the command waits for
+    std::function<void()> held;     // runs once, during that open
     Events events;
     Events skipped; // as the queue reported them, by queued path
     int opens = 0;
@@ -285,6 +302,87 @@ TEST_F(PlayQueueTest, TransportWorksOnAQueueAndStopIsFalseOnceEmpty) {
     EXPECT_TRUE(queue.SeekSeconds(30));
     EXPECT_TRUE(queue.StopPlaying());
     EXPECT_FALSE(queue.StopPlaying());
+}
+
+// Commands held during an open run before it returns; whatever they do to
+// the queue, the outer operation leaves it as they left it.
+TEST_F(PlayQueueTest, CommandsHeldDuringAnOpenTakeOverTheQueue) {
+    struct HeldCase {
+        const char* name;
+        std::function<void()> command;
+        int index;
+        int count;
+        Events events;
+    };
+    const HeldCase cases[] = {
+        {"a new queue",
+         [this] {
+             SStringArray other = Paths({"x.mp3", "y.mp3"});
+             queue.SetPlayQueue(&other);
+         },
+         0, 2, {"open x.mp3", "now 1/2"}},
+        {"selected tracks",
+         [this] { queue.PlaySelectedTracks(Paths({"x.mp3"})); },
+         0, 1, {"open x.mp3", "now 1/1"}},
+        {"stop", [this] { queue.StopPlaying(); }, -1, 0, {"stop"}},
+        {"previous", [this] { queue.PreviousTrack(); }, 0, 4, {"open a.mp3", "now 1/4"}},
+        {"next", [this] { queue.NextTrack(); }, 2, 4, {"open c.mp3", "now 3/4"}}};
+    for (const HeldCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        SStringArray list = Paths({"a.mp3", "b.mp3", "c.mp3", "d.mp3"});
+        queue.SetPlayQueue(&list);
+        queue.NextTrack();
+        Take();
+        host.heldOn = "c.mp3";
+        host.held = c.command;
+        queue.NextTrack(); // opens c.mp3, during which the command runs
+        EXPECT_EQ(queue.GetIndex(), c.index);
+        EXPECT_EQ(queue.GetCount(), c.count);
+        EXPECT_EQ(Take(), c.events);
+        EXPECT_TRUE(host.skipped.empty()) << "the outer open is no skip";
+        queue.StopPlaying();
+    }
+}
+
+TEST_F(PlayQueueTest, ANewQueueReplacesTheOldWithoutStoppingButAnEmptyOneStops) {
+    SStringArray first = Paths({"a.mp3"});
+    SStringArray second = Paths({"b.mp3", "c.mp3"});
+    queue.SetPlayQueue(&first);
+    Take();
+    ASSERT_TRUE(queue.SetPlayQueue(&second));
+    ASSERT_TRUE(queue.PlaySelectedTracks(first));
+    EXPECT_EQ(Take(), (Events{"open b.mp3", "now 1/2", "open a.mp3", "now 1/1"}));
+    // A new queue that never opens ends as a stop.
+    Fail("b.mp3");
+    Fail("c.mp3");
+    EXPECT_FALSE(queue.SetPlayQueue(&second));
+    EXPECT_EQ(Take(), (Events{"skip b.mp3", "skip c.mp3", "stop"}));
+    queue.SetPlayQueue(&first);
+    Take();
+    SStringArray none;
+    EXPECT_FALSE(queue.SetPlayQueue(&none));
+    EXPECT_EQ(Take(), (Events{"stop"}));
+    EXPECT_EQ(queue.GetIndex(), -1);
+}
+
+TEST_F(PlayQueueTest, ATrackThatFailsWhilePlayingIsPassedOver) {
+    SStringArray list = Paths({"a.mp3", "b.mp3", "c.mp3"});
+    queue.SetRepeat(true);
+    queue.SetShutdown(true);
+    queue.SetPlayQueue(&list);
+    Take();
+    queue.OnTrackFailed();
+    EXPECT_EQ(queue.GetIndex(), 1);
+    EXPECT_EQ(host.skipped, (Events{"a.mp3"}));
+    queue.NextTrack();
+    Take();
+    // On the last entry it ends the queue, as a file that does not open
+    // does, even with repeat on; the shutdown follows.
+    queue.OnTrackFailed();
+    EXPECT_EQ(Take(), (Events{"stop", "shutdown"}));
+    EXPECT_EQ(queue.GetCount(), 0);
+    queue.OnTrackFailed(); // nothing plays: nothing happens
+    EXPECT_EQ(Take(), Events{});
 }
 
 } // namespace

@@ -26,6 +26,14 @@ Names Texts(const SStringArray& array) {
     return texts;
 }
 
+SStringArray Names2Paths(const Names& names) {
+    SStringArray paths;
+    for (const std::string& name : names) {
+        paths.Add(name.c_str());
+    }
+    return paths;
+}
+
 Names Parse(const std::string& bytes) {
     SStringArray entries;
     ParsePlaylist(bytes.data(), int(bytes.size()), entries);
@@ -209,6 +217,34 @@ TEST_F(PlaylistStoreTest, RenameMovesTheFileAndSelectsIt) {
     EXPECT_EQ(Texts(store.GetEntries()), (Names{"a"}));
     EXPECT_FALSE(std::filesystem::exists(dir / "Playlists/Old.lst"));
     EXPECT_EQ(ListFile("Taken"), "");
+}
+
+TEST_F(PlaylistStoreTest, AnUpperCaseExtensionKeepsItsFileThroughEveryChange) {
+    dir.Write("Playlists/Mix.LST", "a\r\n");
+    store.RefreshPlaylists();
+    EXPECT_EQ(Texts(store.GetNames()), (Names{"Mix"}));
+    EXPECT_EQ(Texts(store.GetEntries()), (Names{"a"}));
+    store.AppendFiles(Names2Paths({dir / "b.mp3"}));
+    ASSERT_TRUE(store.SavePlaylist());
+    EXPECT_EQ(TempDir::Read(dir / "Playlists/Mix.LST"), "a\r\nb.mp3\r\n");
+    EXPECT_FALSE(std::filesystem::exists(dir / "Playlists/Mix.lst"));
+    ASSERT_TRUE(store.RenamePlaylist("Party"));
+    EXPECT_EQ(TempDir::Read(dir / "Playlists/Party.LST"), "a\r\nb.mp3\r\n");
+    EXPECT_EQ(store.GetEntryCount(), 2);
+    ASSERT_TRUE(store.DeletePlaylist());
+    EXPECT_FALSE(std::filesystem::exists(dir / "Playlists/Party.LST"));
+}
+
+TEST_F(PlaylistStoreTest, ADeletedPlaylistGoesToTheTrash) {
+    dir.Write("Playlists/Old.lst", "a\r\n");
+    dir.Write("Playlists/Kept.lst", "");
+    store.RefreshPlaylists();
+    ASSERT_TRUE(store.SelectPlaylist("Old"));
+    ASSERT_TRUE(store.DeletePlaylist());
+    // The test main's home holds the trash.
+    std::string trashed = std::string(getenv("HOME")) + "/Trash/files/Old.lst";
+    EXPECT_EQ(TempDir::Read(trashed), "a\r\n");
+    EXPECT_EQ(Texts(store.GetNames()), (Names{"Kept"}));
 }
 
 TEST_F(PlaylistStoreTest, DeletingTheLastLeavesAFreshPlaylist) {
