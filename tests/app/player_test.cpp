@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <sys/wait.h>
 #include <vector>
@@ -130,6 +131,34 @@ TEST_F(PlayerQueueTest, ARadioFilePlaysItsStreamFromTheServer) {
     EXPECT_TRUE(PumpUntil([&] { return media.GetPosition() > 300; }));
     ASSERT_FALSE(server.Targets().empty());
     EXPECT_EQ(server.Targets().front(), "/radio.ogg");
+}
+
+// A click on the main window during an open is held until the open is done
+// and carried out before OpenMedia returns; here it plays another queue.
+TEST_F(PlayerQueueTest, AClickHeldDuringAnOpenThatPlaysAnotherQueueTakesOver) {
+    class MainWindow : public SWnd {
+    public:
+        explicit MainWindow(std::function<void()> onClick) : onClick(std::move(onClick)) {}
+        LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
+            if (message == WM_USER + 1) {
+                onClick();
+                return 0;
+            }
+            return SWnd::OnMessage(message, wParam, lParam);
+        }
+        std::function<void()> onClick;
+    };
+    std::string other = Media("tone1s.ogg");
+    MainWindow main([&] { Play({other}); });
+    ASSERT_TRUE(Make(main, "main", Rect(0, 0, 200, 100)));
+    ASSERT_TRUE(PostMessage(main.GetHandle(), WM_USER + 1, 0, 0));
+    Play({Media("tone1s.wav"), Media("tone1s.mp3")});
+    EXPECT_EQ(queue.GetCount(), 1);
+    EXPECT_EQ(queue.GetIndex(), 0);
+    EXPECT_STREQ(media.GetMediaPath().GetFullPath().c_str(), other.c_str());
+    EXPECT_TRUE(media.skipped.empty());
+    EXPECT_TRUE(media.IsPlaying());
+    main.Destroy();
 }
 
 TEST_F(PlayerQueueTest, TheVideoWindowIgnoresItsCloseBox) {
