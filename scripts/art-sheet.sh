@@ -64,7 +64,7 @@ def pick(paths, numbers):
 group('Track rows and type icons, 16 px', pick(panels, {149, 143, 132, 220, 173, 221}))
 group('Taskbar strip buttons, 16 px', pick(panels, {154, 156, 157, 159, 160}))
 group('Playlist buttons', pick(panels, set(range(240, 247))))
-group('Description window toolbar, 48 px', pages)
+group('Description window toolbar, 48 px', pick(pages, set(range(189, 198))))
 group('Playing window and strip art', pick(panels, {145, 169, 230, 231, 232, 233, 234}) + pick(app, {237}))
 group('Thumbnail cards and play overlay', pick(panels, {200, 202, 203, 204, 206, 207}))
 group('Default cover', pick(pages, {130}) + pick(panels, {130}) + pick(app, {130}))
