@@ -74,6 +74,47 @@ small = os.path.join(top, 'app/icons/melkora-browser-small.svg')
 groups.append(('Program icon: window icons 107 (32) and 108 (16), hicolor 16 to 256',
                [(*render(small if s <= 32 else icon, s), str(s)) for s in (16, 24, 32, 48, 64, 128, 256)]))
 group('Splash', pick(app, {235}))
+
+# Pictures in place, put together as the windows draw them: an item may be
+# a list of layers instead of one picture.
+def png(paths, number):
+    found = pick(paths, {number})
+    return render(found[0])[0] if found else None
+def tiled(path, side, w, h):
+    return [('cell', path, (side, side), (0, 0, min(side, w - i), min(side, h - j)),
+             (i, j, min(side, w - i), min(side, h - j)))
+            for i in range(0, w, side) for j in range(0, h, side)]
+def nine_slice(path, iw, ih, s, x, y, w, h):
+    sx, sy = (0, s[0], s[2], iw), (0, s[1], s[3], ih)
+    tx, ty = (0, s[0], w - (iw - s[2]), w), (0, s[1], h - (ih - s[3]), h)
+    return [('cell', path, (iw, ih), (sx[c], sy[r], sx[c + 1] - sx[c], sy[r + 1] - sy[r]),
+             (x + tx[c], y + ty[r], tx[c + 1] - tx[c], ty[r + 1] - ty[r]))
+            for r in range(3) for c in range(3)
+            if sx[c + 1] > sx[c] and sy[r + 1] > sy[r] and tx[c + 1] > tx[c] and ty[r + 1] > ty[r]]
+in_place = []
+cover, overlay = png(pages, 130), png(panels, 207)
+card, card_hot = png(panels, 202), png(panels, 203)
+if cover and overlay and card and card_hot:
+    layers = [('rect', 0, 0, 372, 208, '#edd5b6'), ('rect', 0, 0, 100, 208, '#42779c'),
+              ('png', card, 32, 8, 170, 200), ('png', cover, 36, 12, 150, 150),
+              ('text', 32 + 79, 8 + 176, 'An album', '#000000'),
+              ('png', card_hot, 202, 8, 170, 200), ('png', cover, 206, 12, 150, 150),
+              ('png', overlay, 288, 94, 64, 64), ('text', 202 + 79, 8 + 176, 'A song', '#000000')]
+    in_place.append((layers, 372, 208, 'thumbnails: 202 and 203 with 130 and 207'))
+tile, empty, filled, hover = (png(panels, n) for n in (231, 232, 233, 234))
+buttons = [png(panels, n) for n in (159, 156, 157, 154, 160)]
+if tile and empty and filled and hover and all(buttons):
+    layers = tiled(tile, 32, 400, 20)
+    layers += [('png', empty, 150, 5, 100, 9), ('png', filled, 150, 5, 40, 9),
+               ('png', hover, 190, 5, 25, 9), ('text', 75, 15, 'Artist - Album - Song', '#000000')]
+    layers += [('png', b, 290 + 22 * i, 2, 16, 16) for i, b in enumerate(buttons)]
+    in_place.append((layers, 400, 20, 'taskbar strip: 231 tiled, 232 to 234, 154 to 160'))
+pane = png(app, 237)
+if pane:
+    layers = nine_slice(pane, 100, 42, (20, 20, 80, 40), 0, 0, 220, 22)
+    layers.append(('text', 110, 15, '12 songs in 3 folders', '#000040'))
+    in_place.append((layers, 220, 22, 'info pane: 237 as a nine-slice, 220 by 22'))
+groups.append(('In place', in_place))
 groups = [g for g in groups if g[1]]
 
 # Layout: one column per background, the same rows in each.
@@ -99,6 +140,24 @@ height = y + MARGIN
 def image(png):
     return 'data:image/png;base64,' + base64.b64encode(open(png, 'rb').read()).decode()
 
+def draw_layer(layer, x, y):
+    kind = layer[0]
+    if kind == 'rect':
+        _, lx, ly, w, h, colour = layer
+        return f'<rect x="{x + lx}" y="{y + ly}" width="{w}" height="{h}" fill="{colour}"/>'
+    if kind == 'text':
+        _, lx, ly, text, colour = layer
+        return (f'<text x="{x + lx}" y="{y + ly}" font-family="DejaVu Sans" font-size="11" '
+                f'text-anchor="middle" fill="{colour}">{escape(text)}</text>')
+    if kind == 'cell':  # part of a picture stretched into a rectangle
+        _, path, (iw, ih), (sx, sy, sw, sh), (tx, ty, tw, th) = layer
+        return (f'<svg x="{x + tx}" y="{y + ty}" width="{tw}" height="{th}" '
+                f'viewBox="{sx} {sy} {sw} {sh}" preserveAspectRatio="none">'
+                f'<image width="{iw}" height="{ih}" xlink:href="{image(path)}"/></svg>')
+    _, path, lx, ly, w, h = layer
+    return (f'<image x="{x + lx}" y="{y + ly}" width="{w}" height="{h}" preserveAspectRatio="none" '
+            f'xlink:href="{image(path)}"/>')
+
 parts = [f'<svg xmlns="http://www.w3.org/2000/svg" xmlns:xlink="http://www.w3.org/1999/xlink" '
          f'width="{2 * WIDTH}" height="{height}">']
 for column, (back, ink, dim) in enumerate((('#f4f4f2', '#202020', '#707070'),
@@ -111,9 +170,10 @@ for column, (back, ink, dim) in enumerate((('#f4f4f2', '#202020', '#707070'),
         ty = placed[0][1] - 7
         parts.append(f'<text x="{ox + MARGIN}" y="{ty}" font-family="DejaVu Sans" font-size="12" '
                      f'font-weight="bold" fill="{ink}">{escape(title)}</text>')
-        for x, iy, (png, w, h, caption) in placed:
-            parts.append(f'<image x="{ox + x}" y="{iy}" width="{w}" height="{h}" '
-                         f'xlink:href="{image(png)}" style="image-rendering:pixelated"/>')
+        for x, iy, (picture, w, h, caption) in placed:
+            layers = picture if isinstance(picture, list) else [('png', picture, 0, 0, w, h)]
+            for layer in layers:
+                parts.append(draw_layer(layer, ox + x, iy))
             parts.append(f'<text x="{ox + x + w / 2}" y="{iy + h + 11}" font-family="DejaVu Sans" '
                          f'font-size="9" text-anchor="middle" fill="{dim}">{escape(caption)}</text>')
 parts.append('</svg>')
