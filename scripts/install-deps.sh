@@ -14,6 +14,9 @@ packages=(
     zlib1g-dev libglib2.0-dev libgdk-pixbuf-2.0-dev libcairo2-dev libpango1.0-dev
     libpng-dev libjpeg62-turbo-dev libcurl4-openssl-dev fonts-dejavu-core
     xdg-utils unzip python3
+    # the program's pictures are SVG drawings rendered to PNG by the build
+    # (and by scripts/art-sheet.sh)
+    librsvg2-bin
     # toolkit: GTK 3 windows on X11; the window tests run on a virtual X
     # server and synthesise input through the X test extension
     libgtk-3-dev libxtst-dev xvfb xauth
