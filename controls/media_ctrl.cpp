@@ -17,13 +17,6 @@ SMediaCtrl::~SMediaCtrl() {
     Destroy();
 }
 
-void SMediaCtrl::SetText(const char* text) {
-    if (GetHandle() != 0) {
-        SendMessage(GetHandle(), WM_SETTEXT, 0,
-                    reinterpret_cast<LPARAM>(text != nullptr ? text : ""));
-    }
-}
-
 void SMediaCtrl::SetImage(const SImage* newImage) {
     if (newImage == image) {
         return;
@@ -292,7 +285,7 @@ LRESULT SMediaCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
         Layout();
         break;
     case WM_SETTEXT: {
-        SWnd::SetText(reinterpret_cast<const char*>(lParam));
+        SWnd::OnMessage(message, wParam, lParam); // stores the text
         ticker.Stop();
         KillTimer(GetHandle(), MEDIA_TICKER_TIMER);
         Layout();

@@ -38,9 +38,8 @@ public:
     SMediaCtrl();
     ~SMediaCtrl() override;
 
-    // The text goes through WM_SETTEXT, so that a parent's SendMessage and
-    // this call are one path. A new text stops the ticker and lays out.
-    void SetText(const char* text);
+    // The text is set by SWnd::SetText or WM_SETTEXT, one path: a new text
+    // stops the ticker and lays out.
 
     // Settings. Each repaints, and does nothing when the value is unchanged.
     // The picture is drawn into the inner rectangle with its own draw mode;

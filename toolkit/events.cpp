@@ -5,8 +5,6 @@
 
 #include <atomic>
 
-#include <cairo.h>
-
 #include "toolkit/wnd.h"
 #include "toolkit/wnd_internal.h"
 
@@ -185,29 +183,9 @@ void PlatformClose(HWND top) {
 
 void PlatformPaint(HWND top, cairo_t* cr, int width, int height) {
     SWnd* wnd = SWnd::FromHandle(top);
-    if (wnd == nullptr || cr == nullptr || width <= 0 || height <= 0) {
-        return;
+    if (wnd != nullptr) {
+        wnd->PaintSurface(cr, width, height);
     }
-    // Double buffering: the whole tree goes into one off-screen picture,
-    // which lands on the target in one operation.
-    cairo_surface_t* buffer = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
-    cairo_t* back = cairo_create(buffer);
-    cairo_set_source_rgb(back, 1, 1, 1);
-    cairo_paint(back);
-    int left = 0, frameTop = 0;
-    wnd->GetFrameWidths(&left, &frameTop, nullptr, nullptr);
-    if (wnd->GetMenu() != nullptr) {
-        SendMessage(top, WM_NCPAINT, reinterpret_cast<WPARAM>(back), 0);
-    }
-    cairo_translate(back, left, frameTop);
-    wnd->PaintTree(back);
-    cairo_destroy(back);
-    cairo_save(cr);
-    cairo_set_source_surface(cr, buffer, 0, 0);
-    cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
-    cairo_paint(cr);
-    cairo_restore(cr);
-    cairo_surface_destroy(buffer);
 }
 
 void PlatformDropFiles(HWND top, int x, int y, SStringArray* files) {

@@ -100,7 +100,7 @@ LRESULT DefWindowProc(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam)
         return 1;
     case WM_SETTEXT:
         if (wnd != nullptr) {
-            wnd->SetText(reinterpret_cast<const char*>(lParam));
+            wnd->StoreText(reinterpret_cast<const char*>(lParam));
         }
         return 1;
     default:
@@ -294,10 +294,11 @@ void SWnd::DestroyTree() {
     SWnd* parentWnd = FromHandle(parent);
     if (parentWnd != nullptr) {
         std::erase(parentWnd->children, own);
-        parentWnd->Invalidate();
+        parentWnd->AddDamage(&rect);
     } else if (parent == 0) {
         GetPlatform()->DestroySurface(own);
     }
+    surfaceFrame.reset();
     UnregisterTarget(own);
     handle = 0;
     children.clear();
@@ -430,6 +431,12 @@ SString SWnd::GetText() const {
 }
 
 void SWnd::SetText(const char* value) {
+    if (handle != 0) {
+        SendMessage(handle, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(value != nullptr ? value : ""));
+    }
+}
+
+void SWnd::StoreText(const char* value) {
     if (handle == 0) {
         return;
     }
@@ -447,14 +454,11 @@ void SWnd::SetRedraw(bool enable, bool repaint) {
     }
 }
 
-void SWnd::Invalidate(const SRect* /*rect*/) {
+void SWnd::Invalidate(const SRect* area) {
     if (handle == 0 || !visibleFlag) {
         return;
     }
-    HWND top = GetTopWindow();
-    if (top != 0) {
-        GetPlatform()->InvalidateSurface(top);
-    }
+    AddDamage(area);
 }
 
 void SWnd::SetLayered(bool layered) {

@@ -132,6 +132,8 @@ public:
     unsigned GetStyle() const { return style; }
     unsigned GetExStyle() const { return exStyle; }
     SString GetText() const;
+    // Sends WM_SETTEXT, so that a control that lays out its text sees the
+    // change whichever way it is made (this call, or a SendMessage).
     void SetText(const char* text);
 
     // Window state.
@@ -176,10 +178,23 @@ public:
     // 3 disabled.
     int GetSkinIndex() const;
     void SetRedraw(bool enable, bool repaint);
-    // Asks for a repaint of the window (its top-level's surface is redrawn).
+    // Marks part of the window for repainting: rect in client coordinates,
+    // or null for the whole window with its frame. The part is added to the
+    // invalid region of the top-level window, clipped by every parent on
+    // the way, and the platform is asked to redraw that area only.
     void Invalidate(const SRect* rect = nullptr);
+    // The bounding rectangle of a top-level window's invalid region, in
+    // surface coordinates (menu bar included); empty when nothing waits.
+    SRect GetInvalidBounds() const;
+    // The frame of a top-level window, width by height pixels, onto cr (the
+    // platform's target, usually clipped to the damaged area): the windows
+    // meeting the invalid region are painted into the back buffer, clipped
+    // to it, and the buffer is copied to cr. The buffer is kept between
+    // frames; a new size repaints it whole.
+    void PaintSurface(cairo_t* cr, int width, int height);
     // Paints the window and its children now onto cr, whose origin is the
-    // window's client origin.
+    // window's client origin. During PaintSurface, children that do not meet
+    // the invalid region are skipped.
     void PaintTree(cairo_t* cr);
     // Paints this window's background into cr (client coordinates) at
     // width by height.
@@ -282,6 +297,12 @@ private:
     friend LRESULT DefWindowProc(HWND, unsigned, WPARAM, LPARAM);
     friend struct SWndInternals;
     class Port;
+    struct SurfaceFrame; // the back buffer and invalid region of a top-level window
+
+    // Adds rect (client coordinates, null for the whole window) to the
+    // top-level's invalid region, visible or not.
+    void AddDamage(const SRect* area);
+    void StoreText(const char* value); // the default of WM_SETTEXT
 
     void ResetState();
     bool CreateWindow(const char* className, const char* title, unsigned style,
@@ -378,4 +399,5 @@ private:
     int alpha = 255;
     void* font = nullptr;
     std::vector<std::unique_ptr<SDataBlock>> dataBlocks; // a free row is null
+    std::unique_ptr<SurfaceFrame> surfaceFrame;          // top-level windows, once painted or invalidated
 };

@@ -3,6 +3,23 @@
 #pragma once
 
 #include "foundation/message.h"
+#include "toolkit/wnd.h"
+
+typedef struct _cairo_surface cairo_surface_t;
+typedef struct _cairo_region cairo_region_t;
+
+// The painting state of a top-level window: its back buffer, kept between
+// frames, and the region waiting to be repainted, in surface coordinates.
+struct SWnd::SurfaceFrame {
+    SurfaceFrame();
+    ~SurfaceFrame();
+    SurfaceFrame(const SurfaceFrame&) = delete;
+    SurfaceFrame& operator=(const SurfaceFrame&) = delete;
+    cairo_surface_t* buffer = nullptr;
+    int width = 0;
+    int height = 0;
+    cairo_region_t* invalid = nullptr;
+};
 
 struct ThreadWindowState {
     HWND focus = 0;

@@ -28,7 +28,9 @@ void PlatformResized(HWND top, int width, int height, unsigned kind);
 void PlatformMoved(HWND top, int x, int y);
 // The user asked to close the surface.
 void PlatformClose(HWND top);
-// Draws the whole window tree of top onto cr (width by height pixels).
+// A frame of top, width by height pixels, onto cr: the invalid part of the
+// window tree is repainted into the window's back buffer, which is then
+// copied to cr (clip cr to the damaged area to copy only that).
 void PlatformPaint(HWND top, cairo_t* cr, int width, int height);
 // Files dropped at a point; folders end in "/". The array is borrowed.
 void PlatformDropFiles(HWND top, int x, int y, SStringArray* files);

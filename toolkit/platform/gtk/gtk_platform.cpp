@@ -380,10 +380,11 @@ public:
         }
     }
 
-    void InvalidateSurface(HWND hwnd) override {
+    void InvalidateSurface(HWND hwnd, const SRect& area) override {
         Surface* surface = Find(hwnd);
         if (surface != nullptr) {
-            gtk_widget_queue_draw(surface->area);
+            gtk_widget_queue_draw_area(surface->area, area.left, area.top, area.Width(),
+                                       area.Height());
         }
     }
 
