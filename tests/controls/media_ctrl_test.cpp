@@ -251,9 +251,11 @@ TEST_F(MediaCtrlTest, TheTickerMovesOnTheClockIsDrawnAtItsOffsetAndWraps) {
     Advance(MEDIA_TICKER_PERIOD);
     EXPECT_EQ(control.GetScrollOffset().x, 100) << "wrapped to the far edge";
 
-    control.SetText("Short");
+    SWnd* base = &control; // the text reaches the control through the base class too
+    base->SetText("Short");
     EXPECT_FALSE(control.IsAutoScrollOn()) << "a new text stops the ticker";
     EXPECT_EQ(control.GetScrollOffset().x, 0);
+    EXPECT_LT(control.GetContentSize().width, width / 4) << "and is laid out at once";
     control.SetAutoScroll(-100, 0);
     EXPECT_FALSE(control.IsAutoScrollOn()) << "a text that fits stands still";
     control.SetAutoScroll(-100, 0, true);
