@@ -372,10 +372,10 @@ LRESULT SMediaCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
     case WM_LBUTTONDBLCLK:
     case WM_RBUTTONDOWN:
     case WM_RBUTTONUP:
-    case WM_RBUTTONUP + 1:
+    case WM_RBUTTONDBLCLK:
     case WM_MBUTTONDOWN:
     case WM_MBUTTONUP:
-    case WM_MBUTTONUP + 1:
+    case WM_MBUTTONDBLCLK:
     case SM_MIDDLE_CLICK:
     case SM_RIGHT_CLICK:
         NotifyMouse(message, lParam);

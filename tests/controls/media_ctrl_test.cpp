@@ -11,6 +11,7 @@
 #include "foundation/network.h"
 #include "support/pixels.h"
 #include "toolkit/draw.h"
+#include "toolkit/notification.h"
 #include "toolkit/sys_colors.h"
 #include "toolkit/toolkit_fixture.h"
 
@@ -27,18 +28,17 @@ public:
     LRESULT claimLinks = 0;
 
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
-        bool mouse = message == SN_MEDIA_MOUSE;
-        if (!mouse && message != SN_MEDIA_BUTTON_CLICKED && message != SN_MEDIA_LINK_CLICKED) {
+        SNotification note(message, wParam, lParam);
+        if (!note.IsNotification()) {
             return SWnd::OnMessage(message, wParam, lParam);
         }
-        from = reinterpret_cast<SWnd*>(wParam);
-        const auto* event = reinterpret_cast<const SMouseEvent*>(lParam);
-        codes.push_back(mouse ? event->code : message);
-        points.push_back(mouse ? event->client : SPoint{});
-        if (message == SN_MEDIA_LINK_CLICKED) {
-            links.push_back(reinterpret_cast<const char*>(lParam));
+        from = note.ControlAs<SMediaCtrl>();
+        codes.push_back(note.Is(SN_MEDIA_MOUSE) ? note.MouseCode() : message);
+        points.push_back(note.Point());
+        if (note.Text() != nullptr) {
+            links.push_back(note.Text());
         }
-        return message == SN_MEDIA_LINK_CLICKED ? claimLinks : 0;
+        return note.Is(SN_MEDIA_LINK_CLICKED) ? claimLinks : 0;
     }
 };
 

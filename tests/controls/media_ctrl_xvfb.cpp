@@ -14,6 +14,7 @@
 #include "support/message_pump.h"
 #include "support/pixels.h"
 #include "toolkit/draw.h"
+#include "toolkit/notification.h"
 #include "toolkit/platform/events.h"
 #include "toolkit/platform/gtk/gtk_platform.h"
 #include "toolkit/wnd_app.h"
@@ -37,7 +38,7 @@ class Parent : public SWnd {
 public:
     int buttonClicks = 0;
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
-        buttonClicks += message == SN_MEDIA_BUTTON_CLICKED ? 1 : 0;
+        buttonClicks += SNotification(message, wParam, lParam).Is(SN_MEDIA_BUTTON_CLICKED) ? 1 : 0;
         return SWnd::OnMessage(message, wParam, lParam);
     }
 };
