@@ -61,6 +61,19 @@ constexpr unsigned WS_EX_CLIENTEDGE = 0x00000200u;
 constexpr unsigned WS_EX_STATICEDGE = 0x00020000u;
 constexpr unsigned WS_EX_LAYERED = 0x00080000u;
 
+// The wheels' wParam: the key flags in the low 16 bits, the signed distance
+// in the high 16; WHEEL_DELTA is one notch.
+constexpr int WHEEL_DELTA = 120;
+constexpr WPARAM MakeWheelParam(unsigned keyFlags, int delta) {
+    return static_cast<WPARAM>((static_cast<uint32_t>(delta & 0xFFFF) << 16) | (keyFlags & 0xFFFF));
+}
+constexpr int WheelParamDelta(WPARAM value) {
+    return static_cast<int16_t>((static_cast<uint32_t>(value) >> 16) & 0xFFFF);
+}
+constexpr unsigned WheelParamKeys(WPARAM value) {
+    return static_cast<unsigned>(value) & 0xFFFF;
+}
+
 // Key flags of mouse messages (wParam).
 constexpr unsigned MK_LBUTTON = 0x0001;
 constexpr unsigned MK_RBUTTON = 0x0002;

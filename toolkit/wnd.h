@@ -35,7 +35,8 @@ LRESULT DefWindowProc(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam)
 // The procedure of every toolkit window: slot 19, then slot 20.
 LRESULT SWndProc(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam);
 // Registers a class for CreateControl; its procedure becomes oldProc.
-bool RegisterWindowClass(const char* className, SWindowProc procedure);
+// classStyle holds CS_* bits: CS_DBLCLKS asks for double clicks.
+bool RegisterWindowClass(const char* className, SWindowProc procedure, unsigned classStyle = 0);
 
 // Draws a window's menu bar into cr over bar (window coordinates). The menu
 // code installs it; without one the bar is a plain strip of the menu bar
@@ -131,6 +132,10 @@ public:
     bool IsEnabled() const;
     unsigned GetStyle() const { return style; }
     unsigned GetExStyle() const { return exStyle; }
+    // The CS_* bits of the window's class: the toolkit's own windows have
+    // CS_HREDRAW, CS_VREDRAW and CS_DBLCLKS (and CS_NOCLOSE when made with
+    // noClose); a control has those its class was registered with.
+    unsigned GetClassStyle() const { return classStyle; }
     SString GetText() const;
     // Sends WM_SETTEXT, so that a control that lays out its text sees the
     // change whichever way it is made (this call, or a SendMessage).
@@ -307,7 +312,7 @@ private:
     void ResetState();
     bool CreateWindow(const char* className, const char* title, unsigned style,
                       unsigned exStyle, const SRect* rect, HWND parent, uintptr_t id,
-                      LPARAM userData, SWindowProc classProc);
+                      LPARAM userData, SWindowProc classProc, unsigned classStyle);
     void DestroyTree(); // WM_DESTROY down the tree, then WM_NCDESTROY up
     void ComputeFrameFlags();
     // rect with its size held inside the limits (the top-left corner stays).
@@ -340,6 +345,7 @@ private:
     SRect rect;                 // parent client coordinates (screen for a top-level)
     unsigned style = 0;
     unsigned exStyle = 0;
+    unsigned classStyle = 0;
     uintptr_t id = 0;
     bool shown = false;
     bool enabled = true;

@@ -29,6 +29,13 @@ struct ThreadWindowState {
     // The window each button went down on: [client, non-client][left,
     // middle, right].
     HWND clickDown[2][3] = {};
+    // The last press in a client area, for double clicks.
+    struct Press {
+        HWND hwnd = 0;
+        unsigned message = 0;
+        uint64_t time = 0;
+        SPoint screen;
+    } lastPress;
 };
 
 ThreadWindowState& ThreadState();

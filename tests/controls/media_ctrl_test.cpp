@@ -133,6 +133,7 @@ TEST_F(MediaCtrlTest, BoldAndColourMarksDrawHeavierTextInTheChosenColours) {
 }
 
 TEST_F(MediaCtrlTest, LinksOpenMailOrTheDesktopUnlessTheParentClaimsThem) {
+    SHeadlessPlatform::UseFakeClock(true);
     Make("", SRect{10, 10, 310, 60}, true);
     control.SetText("Write to <LINK>someone@example.org</LINK> or see "
                     "<LINK>http://example.org/</LINK>");
@@ -161,6 +162,7 @@ TEST_F(MediaCtrlTest, LinksOpenMailOrTheDesktopUnlessTheParentClaimsThem) {
     EXPECT_EQ(parent.points[1], (SPoint{mail.left + 3, mail.top + 3}));
 
     parent.claimLinks = 1;
+    Advance(1000); // no double click
     platform->Click(parent.GetHandle(), 10 + web.left + 3, 10 + web.top + 3);
     EXPECT_EQ(opened.size(), 2u) << "a claimed link is not opened";
     platform->Click(parent.GetHandle(), 10 + web.right + 40, 10 + web.top + 3);
@@ -170,11 +172,17 @@ TEST_F(MediaCtrlTest, LinksOpenMailOrTheDesktopUnlessTheParentClaimsThem) {
 }
 
 TEST_F(MediaCtrlTest, OnlyAnEnabledButtonNotifiesItsClickBeforeTheRelease) {
+    SHeadlessPlatform::UseFakeClock(true);
     Make("Play");
     platform->Click(parent.GetHandle(), 50, 30);
     EXPECT_EQ(parent.codes, (std::vector<unsigned>{0x09, 0x21, 0x11})) << "a label is no button";
     control.SetButton(true);
     parent.codes.clear();
+    platform->Click(parent.GetHandle(), 50, 30);
+    EXPECT_EQ(parent.codes, (std::vector<unsigned>{0x41, 0x11}))
+        << "a second press at once is a double click, and no click";
+    parent.codes.clear();
+    Advance(1000);
     platform->Click(parent.GetHandle(), 50, 30);
     EXPECT_EQ(parent.codes,
               (std::vector<unsigned>{MOUSE_DOWN | MOUSE_LEFT, SN_MEDIA_BUTTON_CLICKED,

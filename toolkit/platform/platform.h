@@ -78,6 +78,10 @@ public:
     // Overwrites entries of the system colour table (toolkit/sys_colors.h)
     // with the theme's; the default keeps the classic values.
     virtual void LoadThemeColors();
+    // The desktop's double click: the longest time between the two presses
+    // in milliseconds, and the farthest the second may land from the first
+    // in pixels, across and down. The default is 500 ms and 2 pixels.
+    virtual void GetDoubleClick(unsigned* milliseconds, int* distance);
 };
 
 // The platform in use; the headless one until SetPlatform. The toolkit owns

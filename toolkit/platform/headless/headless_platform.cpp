@@ -275,6 +275,12 @@ void SHeadlessPlatform::Click(HWND top, int x, int y) {
     Release(top, x, y);
 }
 
+void SHeadlessPlatform::Wheel(HWND top, int x, int y, int delta, bool horizontal) {
+    MoveMouse(top, x, y);
+    PlatformWheel(top, x, y, delta, horizontal, 0);
+    DispatchPending();
+}
+
 void SHeadlessPlatform::Key(HWND top, unsigned code, unsigned keyModifiers) {
     unsigned old = GetModifiers();
     SetModifiers(keyModifiers);

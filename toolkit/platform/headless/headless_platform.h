@@ -73,6 +73,9 @@ public:
     void Press(HWND top, int x, int y, unsigned downMessage = WM_LBUTTONDOWN);
     void Release(HWND top, int x, int y, unsigned upMessage = WM_LBUTTONUP);
     void Click(HWND top, int x, int y);
+    // A turn of a wheel, 120 a notch, positive away from the user (or to
+    // the right on the horizontal wheel).
+    void Wheel(HWND top, int x, int y, int delta, bool horizontal = false);
     // A key press with the given SKeyboard modifier bits held.
     void Key(HWND top, unsigned code, unsigned modifiers = 0);
     void SetModifiers(unsigned modifiers);
