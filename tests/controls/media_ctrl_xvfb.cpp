@@ -228,6 +228,7 @@ TEST(MediaCtrlOnGtk, MarkupTickerAndButtonStatesAsTheXServerShowsThem) {
         EXPECT_EQ(Rgb(shot, 109, 166), 0xA0A0A0u) << "grey right edge";
         keep(1);
 
+        clockNow += 1000; // a second after the click: a press, no double click
         PlatformMouse(top.GetHandle(), WM_LBUTTONDOWN, 60, 166, MK_LBUTTON);
         ASSERT_TRUE(Until([&] { return shows(2); })) << "pressed";
         EXPECT_EQ(button.GetFrameState(), MEDIA_FRAME_SUNKEN);
