@@ -15,9 +15,12 @@
 
 namespace {
 
-// The region being repainted by PaintSurface on this thread, in the back
-// buffer's coordinates; null outside it (PaintTree then paints everything).
+// The region being repainted by PaintSurface on this thread, in the
+// coordinates of the back buffer it paints; null outside it. PaintTree
+// paints everything onto any other target (a window printing another into
+// a picture of its own while it paints).
 thread_local const cairo_region_t* paintRegion = nullptr;
+thread_local cairo_surface_t* paintTarget = nullptr;
 
 SRect Intersect(const SRect& a, const SRect& b) {
     return SRect{std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
@@ -27,7 +30,7 @@ SRect Intersect(const SRect& a, const SRect& b) {
 // Whether rect (user coordinates of cr, which only translates) meets the
 // region being repainted.
 bool MeetsPaintRegion(cairo_t* cr, const SRect& rect) {
-    if (paintRegion == nullptr) {
+    if (paintRegion == nullptr || cairo_get_target(cr) != paintTarget) {
         return true;
     }
     double x = rect.left;
@@ -275,10 +278,13 @@ void SWnd::PaintSurface(cairo_t* cr, int width, int height) {
         }
         if (handle == own) {
             cairo_translate(back, left, frameTop);
-            const cairo_region_t* outer = paintRegion;
+            const cairo_region_t* outerRegion = paintRegion;
+            cairo_surface_t* outerTarget = paintTarget;
             paintRegion = region;
+            paintTarget = buffer;
             PaintTree(back);
-            paintRegion = outer;
+            paintRegion = outerRegion;
+            paintTarget = outerTarget;
         }
         cairo_destroy(back);
         cairo_region_destroy(region);
