@@ -81,14 +81,9 @@ public:
     bool Is(unsigned notification) const { return IsNotification() && message == notification; }
 
     // The control that sent it; null for a message that is no notification.
-    SWnd* Control() const {
-        return IsNotification() ? reinterpret_cast<SWnd*>(wParam) : nullptr;
-    }
+    SWnd* Control() const { return IsNotification() ? reinterpret_cast<SWnd*>(wParam) : nullptr; }
     // The control as its own class; null when it is another one.
-    template <class T>
-    T* ControlAs() const {
-        return dynamic_cast<T*>(Control());
-    }
+    template <class T> T* ControlAs() const { return dynamic_cast<T*>(Control()); }
     bool From(const SWnd* control) const { return control != nullptr && Control() == control; }
 
     // CODE: the number; 0 for other kinds.

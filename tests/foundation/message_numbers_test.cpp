@@ -67,10 +67,14 @@ TEST(MessageNumbers, TheTextReadsAsTheCompilerDoes) {
     std::vector<std::string> bad;
     std::map<std::string, unsigned> numbers = ReadNumbers(&bad);
     const std::pair<const char*, unsigned> samples[] = {
-        {"WM_MOUSEHWHEEL", WM_MOUSEHWHEEL}, {"SM_CREATE", SM_CREATE},
-        {"SM_READY", SM_READY},             {"SM_THREAD_POST", SM_THREAD_POST},
-        {"SN_LIST_KEY", SN_LIST_KEY},       {"SN_MENU_COMMAND", SN_MENU_COMMAND},
-        {"SN_TREE_CHECK", SN_TREE_CHECK},   {"SM_REMOTE_COMMAND", SM_REMOTE_COMMAND},
+        {"WM_MOUSEHWHEEL", WM_MOUSEHWHEEL},
+        {"SM_CREATE", SM_CREATE},
+        {"SM_READY", SM_READY},
+        {"SM_THREAD_POST", SM_THREAD_POST},
+        {"SN_LIST_KEY", SN_LIST_KEY},
+        {"SN_MENU_COMMAND", SN_MENU_COMMAND},
+        {"SN_TREE_CHECK", SN_TREE_CHECK},
+        {"SM_REMOTE_COMMAND", SM_REMOTE_COMMAND},
     };
     for (const auto& [name, value] : samples) {
         EXPECT_EQ(numbers[name], value) << name;

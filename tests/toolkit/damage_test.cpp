@@ -83,8 +83,8 @@ TEST_F(Damage, EachChangeAsksForItsOwnAreaOnly) {
          Rect(50, 10, 60, 30)},
         {"a grandchild, moved by its parent's place and frame, cut by the parent",
          [](Damage& d) { d.inner.Invalidate(); }, Rect(61, 111, 129, 131)},
-        {"a hidden child uncovers its place",
-         [](Damage& d) { d.right.Show(SW_HIDE); }, Rect(100, 10, 150, 60)},
+        {"a hidden child uncovers its place", [](Damage& d) { d.right.Show(SW_HIDE); },
+         Rect(100, 10, 150, 60)},
         {"a moved child: its old and its new place",
          [](Damage& d) { d.left.MoveWindow(Rect(20, 70, 40, 90)); }, Rect(10, 10, 60, 90)},
         {"a destroyed child uncovers its place", [](Damage& d) { d.right.Destroy(); },
@@ -95,8 +95,7 @@ TEST_F(Damage, EachChangeAsksForItsOwnAreaOnly) {
              d.left.Invalidate();
          },
          SRect()},
-        {"the top-level window whole", [](Damage& d) { d.top.Invalidate(); },
-         Rect(0, 0, 300, 200)},
+        {"the top-level window whole", [](Damage& d) { d.top.Invalidate(); }, Rect(0, 0, 300, 200)},
         {"with a menu bar, below it",
          [](Damage& d) {
              d.top.SetMenu(FakeMenu(), true);

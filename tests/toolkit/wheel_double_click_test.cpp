@@ -61,11 +61,11 @@ TEST_F(WheelAndDoubleClick, ASecondPressSoonAndNearIsADoubleClickForClassesThatA
     EXPECT_EQ(plain.GetClassStyle(), 0u);
     struct Case {
         const char* what;
-        int name;           // the window pressed
-        SPoint second;      // where the second press lands (top-level client)
-        uint64_t wait;      // milliseconds between the presses
-        unsigned button;    // the press message
-        unsigned expected;  // what the second press is
+        int name;          // the window pressed
+        SPoint second;     // where the second press lands (top-level client)
+        uint64_t wait;     // milliseconds between the presses
+        unsigned button;   // the press message
+        unsigned expected; // what the second press is
     };
     const Case cases[] = {
         {"soon and on the spot", 2, {20, 20}, 100, WM_LBUTTONDOWN, WM_LBUTTONDBLCLK},
