@@ -17,13 +17,6 @@ SMediaCtrl::~SMediaCtrl() {
     Destroy();
 }
 
-void SMediaCtrl::SetText(const char* text) {
-    if (GetHandle() != 0) {
-        SendMessage(GetHandle(), WM_SETTEXT, 0,
-                    reinterpret_cast<LPARAM>(text != nullptr ? text : ""));
-    }
-}
-
 void SMediaCtrl::SetImage(const SImage* newImage) {
     if (newImage == image) {
         return;
@@ -292,7 +285,7 @@ LRESULT SMediaCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
         Layout();
         break;
     case WM_SETTEXT: {
-        SWnd::SetText(reinterpret_cast<const char*>(lParam));
+        SWnd::OnMessage(message, wParam, lParam); // stores the text
         ticker.Stop();
         KillTimer(GetHandle(), MEDIA_TICKER_TIMER);
         Layout();
@@ -379,10 +372,10 @@ LRESULT SMediaCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
     case WM_LBUTTONDBLCLK:
     case WM_RBUTTONDOWN:
     case WM_RBUTTONUP:
-    case WM_RBUTTONUP + 1:
+    case WM_RBUTTONDBLCLK:
     case WM_MBUTTONDOWN:
     case WM_MBUTTONUP:
-    case WM_MBUTTONUP + 1:
+    case WM_MBUTTONDBLCLK:
     case SM_MIDDLE_CLICK:
     case SM_RIGHT_CLICK:
         NotifyMouse(message, lParam);

@@ -21,10 +21,6 @@
 #include "toolkit/mouse_event.h"
 #include "toolkit/wnd.h"
 
-constexpr unsigned SN_MEDIA_BUTTON_CLICKED = 0x8C4E; // a clickable control was clicked
-constexpr unsigned SN_MEDIA_MOUSE = 0x8C4F;          // lParam: SMouseEvent*
-constexpr unsigned SN_MEDIA_LINK_CLICKED = 0x8C50;   // lParam: the link's text
-
 // The ticker's window timer: id and period in milliseconds.
 constexpr uintptr_t MEDIA_TICKER_TIMER = 82;
 constexpr unsigned MEDIA_TICKER_PERIOD = 20;
@@ -38,9 +34,8 @@ public:
     SMediaCtrl();
     ~SMediaCtrl() override;
 
-    // The text goes through WM_SETTEXT, so that a parent's SendMessage and
-    // this call are one path. A new text stops the ticker and lays out.
-    void SetText(const char* text);
+    // The text is set by SWnd::SetText or WM_SETTEXT, one path: a new text
+    // stops the ticker and lays out.
 
     // Settings. Each repaints, and does nothing when the value is unchanged.
     // The picture is drawn into the inner rectangle with its own draw mode;

@@ -122,10 +122,6 @@ void SMediaCtrl::Paint(cairo_t* cr) {
     if (cr == nullptr || GetHandle() == 0) {
         return;
     }
-    // A text given through the base class's SetText is laid out here.
-    if (laidOutText != GetText()) {
-        Layout();
-    }
     SRect inner = GetInnerRect();
     if (image != nullptr && image->IsValid() && !inner.IsEmpty()) {
         image->Draw(cr, &inner);

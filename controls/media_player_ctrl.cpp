@@ -12,11 +12,6 @@
 
 namespace {
 
-// Posted by the player's threads to this window only.
-constexpr unsigned SM_PLAYER_ERROR = 0x8C5E; // a failure while playing
-constexpr unsigned SM_PLAYER_WAKE = 0x8C5F;  // the open state changed
-constexpr unsigned SM_PLAYER_FRAME = 0x8C60; // a video frame waits
-
 // Wakes the wait of an open now and then, so that Escape is seen even when
 // nothing else arrives.
 constexpr uintptr_t OPEN_POLL_TIMER_ID = 151;

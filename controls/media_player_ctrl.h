@@ -18,21 +18,13 @@
 
 class SGstPlayer;
 
-// Posted to the player window itself: the play state changed (wParam the
-// new state; PLAY_STATE_MEDIA_ENDED at the end of the medium), buffering
-// started (wParam 0) or ended (1).
-constexpr unsigned SM_PLAYER_PLAY_STATE = 0x8C58;
-constexpr unsigned SM_PLAYER_BUFFERING = 0x8C59;
-// Sent to the parent, with the player's SWnd* as wParam: a mouse button
-// (lParam an SMouseEvent* of toolkit/mouse_event.h), the end of the medium,
-// its replay with the loop flag on, buffering (lParam 0 at the start, 1 at
-// the end).
-constexpr unsigned SN_PLAYER_MOUSE = 0x8C5A;
-constexpr unsigned SN_PLAYER_ENDED = 0x8C5B;
-constexpr unsigned SN_PLAYER_LOOPED = 0x8C5C;
-constexpr unsigned SN_PLAYER_BUFFERING = 0x8C5D;
+// The player posts itself SM_PLAYER_* and tells its parent SN_PLAYER_MOUSE
+// (an SMouseEvent*), SN_PLAYER_ENDED, SN_PLAYER_LOOPED and
+// SN_PLAYER_BUFFERING (0 at the start, 1 at the end), all in
+// foundation/message_numbers.h.
 
-// Play states of SM_PLAYER_PLAY_STATE.
+// Play states of SM_PLAYER_PLAY_STATE (wParam; PLAY_STATE_MEDIA_ENDED at the
+// end of the medium).
 constexpr unsigned PLAY_STATE_STOPPED = 1;
 constexpr unsigned PLAY_STATE_MEDIA_ENDED = 8;
 

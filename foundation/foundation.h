@@ -18,6 +18,7 @@
 #include "foundation/ini.h"
 #include "foundation/keyboard.h"
 #include "foundation/message.h"
+#include "foundation/message_numbers.h"
 #include "foundation/network.h"
 #include "foundation/parser.h"
 #include "foundation/path.h"

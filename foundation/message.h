@@ -13,75 +13,15 @@
 
 #include <cstdint>
 
+#include "foundation/message_numbers.h"
+
 // The classic names of the handle and message word types.
 using HWND = uint32_t;
 using WPARAM = uintptr_t;
 using LPARAM = intptr_t;
 using LRESULT = intptr_t;
 
-// Message numbers of the platform vocabulary, by their customary values.
-constexpr unsigned WM_NULL = 0x0000;
-constexpr unsigned WM_CREATE = 0x0001;
-constexpr unsigned WM_DESTROY = 0x0002;
-constexpr unsigned WM_MOVE = 0x0003;
-constexpr unsigned WM_SIZE = 0x0005;
-constexpr unsigned WM_SETFOCUS = 0x0007;
-constexpr unsigned WM_KILLFOCUS = 0x0008;
-constexpr unsigned WM_ENABLE = 0x000A;
-constexpr unsigned WM_SETREDRAW = 0x000B;
-constexpr unsigned WM_SETTEXT = 0x000C;
-constexpr unsigned WM_GETTEXT = 0x000D;
-constexpr unsigned WM_PAINT = 0x000F;
-constexpr unsigned WM_CLOSE = 0x0010;
-constexpr unsigned WM_QUIT = 0x0012;
-constexpr unsigned WM_ERASEBKGND = 0x0014;
-constexpr unsigned WM_SHOWWINDOW = 0x0018;
-constexpr unsigned WM_SETCURSOR = 0x0020;
-constexpr unsigned WM_GETMINMAXINFO = 0x0024;
-constexpr unsigned WM_SETFONT = 0x0030;
-constexpr unsigned WM_GETFONT = 0x0031;
-constexpr unsigned WM_NOTIFY = 0x004E;
-constexpr unsigned WM_STYLECHANGED = 0x007D;
-constexpr unsigned WM_NCDESTROY = 0x0082;
-constexpr unsigned WM_NCMOUSEMOVE = 0x00A0;
-constexpr unsigned WM_NCLBUTTONDOWN = 0x00A1;
-constexpr unsigned WM_NCLBUTTONUP = 0x00A2;
-constexpr unsigned WM_NCRBUTTONDOWN = 0x00A4;
-constexpr unsigned WM_NCRBUTTONUP = 0x00A5;
-constexpr unsigned WM_NCMBUTTONDOWN = 0x00A7;
-constexpr unsigned WM_NCMBUTTONUP = 0x00A8;
-constexpr unsigned WM_KEYDOWN = 0x0100;
-constexpr unsigned WM_KEYUP = 0x0101;
-constexpr unsigned WM_CHAR = 0x0102;
-constexpr unsigned WM_SYSKEYDOWN = 0x0104;
-constexpr unsigned WM_SYSKEYUP = 0x0105;
-constexpr unsigned WM_KEYFIRST = 0x0100;
-constexpr unsigned WM_KEYLAST = 0x0109;
-constexpr unsigned WM_COMMAND = 0x0111;
-constexpr unsigned WM_SYSCOMMAND = 0x0112;
-constexpr unsigned WM_TIMER = 0x0113;
-constexpr unsigned WM_HSCROLL = 0x0114;
-constexpr unsigned WM_VSCROLL = 0x0115;
-constexpr unsigned WM_INITMENUPOPUP = 0x0117;
-constexpr unsigned WM_MOUSEMOVE = 0x0200;
-constexpr unsigned WM_LBUTTONDOWN = 0x0201;
-constexpr unsigned WM_LBUTTONUP = 0x0202;
-constexpr unsigned WM_LBUTTONDBLCLK = 0x0203;
-constexpr unsigned WM_RBUTTONDOWN = 0x0204;
-constexpr unsigned WM_RBUTTONUP = 0x0205;
-constexpr unsigned WM_MBUTTONDOWN = 0x0207;
-constexpr unsigned WM_MBUTTONUP = 0x0208;
-constexpr unsigned WM_MOUSEWHEEL = 0x020A;
-constexpr unsigned WM_MOUSEFIRST = 0x0200;
-constexpr unsigned WM_MOUSELAST = 0x020E;
-constexpr unsigned WM_CAPTURECHANGED = 0x0215;
-constexpr unsigned WM_ENTERSIZEMOVE = 0x0231;
-constexpr unsigned WM_EXITSIZEMOVE = 0x0232;
-constexpr unsigned WM_DROPFILES = 0x0233;
-constexpr unsigned WM_NCMOUSELEAVE = 0x02A2;
-constexpr unsigned WM_MOUSELEAVE = 0x02A3;
-constexpr unsigned WM_USER = 0x0400;
-constexpr unsigned WM_APP = 0x8000;
+// Every message number (WM_*, SM_*, SN_*) is in message_numbers.h.
 
 // A point packed into an LPARAM: x in the low 16 bits, y in the next 16,
 // both signed.

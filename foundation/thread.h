@@ -17,10 +17,8 @@
 #include "foundation/string.h"
 #include "foundation/value.h"
 
-// Messages of the two ports.
-constexpr unsigned SM_THREAD_POST = 34778;        // id, SValue*: on the owner's port
-constexpr unsigned SM_THREAD_POST_WORKER = 34779; // id, SValue*: on the worker's port
-constexpr unsigned SM_THREAD_END = 34780;         // on the owner's port: the thread ended
+// The ports' messages are SM_THREAD_POST, SM_THREAD_POST_WORKER and
+// SM_THREAD_END (foundation/message_numbers.h).
 
 class SThread {
 public:

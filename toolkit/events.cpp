@@ -3,10 +3,11 @@
 // and posted, so that it passes through the thread's loop.
 #include "toolkit/platform/events.h"
 
+#include <algorithm>
 #include <atomic>
+#include <cstdlib>
 
-#include <cairo.h>
-
+#include "toolkit/platform/platform.h"
 #include "toolkit/wnd.h"
 #include "toolkit/wnd_internal.h"
 
@@ -49,6 +50,42 @@ void SetKeyHeld(unsigned message, unsigned code) {
     } else if (message == WM_KEYUP || message == WM_SYSKEYUP) {
         heldKeys[code] = false;
     }
+}
+
+// The double click of a press message, 0 for other messages.
+unsigned DoubleClickOf(unsigned message) {
+    switch (message) {
+    case WM_LBUTTONDOWN: return WM_LBUTTONDBLCLK;
+    case WM_RBUTTONDOWN: return WM_RBUTTONDBLCLK;
+    case WM_MBUTTONDOWN: return WM_MBUTTONDBLCLK;
+    default: return 0;
+    }
+}
+
+// A press on wnd at a screen point: the double click when the last press
+// was of the same button on the same window, soon and near enough, and the
+// class asks for double clicks. A double click is not the first press of
+// another one.
+unsigned PressMessage(SWnd* wnd, unsigned message, SPoint screen) {
+    unsigned twice = DoubleClickOf(message);
+    if (twice == 0) {
+        return message;
+    }
+    ThreadWindowState::Press& last = ThreadState().lastPress;
+    uint64_t now = GetMessageClock();
+    unsigned milliseconds = 500;
+    int distance = 2;
+    GetPlatform()->GetDoubleClick(&milliseconds, &distance);
+    bool isDouble = (wnd->GetClassStyle() & CS_DBLCLKS) != 0 && last.hwnd == wnd->GetHandle() &&
+                    last.message == message && now - last.time <= milliseconds &&
+                    std::abs(screen.x - last.screen.x) <= distance &&
+                    std::abs(screen.y - last.screen.y) <= distance;
+    if (isDouble) {
+        last = ThreadWindowState::Press();
+        return twice;
+    }
+    last = ThreadWindowState::Press{wnd->GetHandle(), message, now, screen};
+    return message;
 }
 
 // A point of a top-level surface (window coordinates) in screen and in the
@@ -107,7 +144,25 @@ void PlatformMouse(HWND top, unsigned message, int x, int y, unsigned keyFlags) 
     }
     SPoint client = screen;
     wnd->ScreenToClient(&client);
+    message = PressMessage(wnd, message, screen);
     PostMessage(target, message, keyFlags, MakePointParam(client.x, client.y));
+}
+
+void PlatformWheel(HWND top, int x, int y, int delta, bool horizontal, unsigned keyFlags) {
+    SWnd* topWnd = SWnd::FromHandle(top);
+    if (topWnd == nullptr || delta == 0) {
+        return;
+    }
+    SPoint screen;
+    SPoint topClient;
+    bool inClient = SurfacePoint(topWnd, x, y, &screen, &topClient);
+    HWND target = GetCapture();
+    if (target == 0) {
+        target = inClient ? topWnd->ChildFromPoint(topClient) : top;
+    }
+    delta = std::clamp(delta, -32768, 32767);
+    PostMessage(target, horizontal ? WM_MOUSEHWHEEL : WM_MOUSEWHEEL,
+                MakeWheelParam(keyFlags, delta), MakePointParam(screen.x, screen.y));
 }
 
 void PlatformMouseLeave(HWND top) {
@@ -185,29 +240,9 @@ void PlatformClose(HWND top) {
 
 void PlatformPaint(HWND top, cairo_t* cr, int width, int height) {
     SWnd* wnd = SWnd::FromHandle(top);
-    if (wnd == nullptr || cr == nullptr || width <= 0 || height <= 0) {
-        return;
+    if (wnd != nullptr) {
+        wnd->PaintSurface(cr, width, height);
     }
-    // Double buffering: the whole tree goes into one off-screen picture,
-    // which lands on the target in one operation.
-    cairo_surface_t* buffer = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
-    cairo_t* back = cairo_create(buffer);
-    cairo_set_source_rgb(back, 1, 1, 1);
-    cairo_paint(back);
-    int left = 0, frameTop = 0;
-    wnd->GetFrameWidths(&left, &frameTop, nullptr, nullptr);
-    if (wnd->GetMenu() != nullptr) {
-        SendMessage(top, WM_NCPAINT, reinterpret_cast<WPARAM>(back), 0);
-    }
-    cairo_translate(back, left, frameTop);
-    wnd->PaintTree(back);
-    cairo_destroy(back);
-    cairo_save(cr);
-    cairo_set_source_surface(cr, buffer, 0, 0);
-    cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
-    cairo_paint(cr);
-    cairo_restore(cr);
-    cairo_surface_destroy(buffer);
 }
 
 void PlatformDropFiles(HWND top, int x, int y, SStringArray* files) {

@@ -1,15 +1,11 @@
-// The toolkit's own messages, the notification numbers controls send to
-// their parents, and the style, key and flag constants of the window core.
-// The platform vocabulary (WM_*) is in foundation/message.h.
+// The style, key and flag constants of the window core. Every message
+// number, the toolkit's own and the controls' notifications among them, is
+// in foundation/message_numbers.h.
 #pragma once
 
 #include "foundation/geometry.h"
 #include "foundation/message.h"
 
-// Platform messages the window core adds to those of foundation/message.h.
-// WM_NCPAINT: wParam the cairo_t* of the whole window (window coordinates);
-// the default draws the menu bar.
-constexpr unsigned WM_NCPAINT = 0x0085;
 // Hit-test code in wParam of the non-client mouse messages over the menu bar.
 constexpr unsigned HTMENU = 5;
 
@@ -38,58 +34,12 @@ constexpr SSize KeepSizeInside(SSize size, const SSize& minimum, const SSize& ma
     return size;
 }
 
-// Toolkit messages, sent to the window itself unless told otherwise.
-constexpr unsigned SM_CREATE = 33769;          // 0, user data; non-zero refuses creation
-constexpr unsigned SM_PARENT_SIZE = 33771;     // WM_SIZE wParam, parent handle
-constexpr unsigned SM_PARENT_MOVE = 33772;     // WM_MOVE wParam, parent handle
-constexpr unsigned SM_MODAL_START = 33773;     // non-zero refuses the modal run
-constexpr unsigned SM_OK = 33774;              // Enter in a modal window
-constexpr unsigned SM_CANCEL = 33775;          // Escape or closing in a modal window
-constexpr unsigned SM_DROP_FILES = 33776;      // SStringArray*; a folder ends in "/"
-constexpr unsigned SM_MAXIMIZED = 33777;
-constexpr unsigned SM_MINIMIZED = 33778;
-constexpr unsigned SM_RESTORED = 33779;        // after a minimized or maximized state only
-constexpr unsigned SM_NC_LEFT_CLICK = 33780;   // 0, point
-constexpr unsigned SM_NC_MIDDLE_CLICK = 33781;
-constexpr unsigned SM_NC_RIGHT_CLICK = 33782;
-constexpr unsigned SM_LEFT_CLICK = 33783;      // 0, point: down and up on this window
-constexpr unsigned SM_MIDDLE_CLICK = 33784;
-constexpr unsigned SM_RIGHT_CLICK = 33785;
-constexpr unsigned SM_MOUSE_ENTER = 33786;     // key flags, point
-constexpr unsigned SM_MOUSE_LEAVE = 33787;
-constexpr unsigned SM_MOVE_START = 33788;      // 0, point; non-zero refuses the drag-move
-constexpr unsigned SM_MOVE_END = 33789;
-constexpr unsigned SM_HSCROLLED = 33791;       // old position low 16 bits, new high 16
-constexpr unsigned SM_VSCROLLED = 33792;
-constexpr unsigned SM_DRAG_OVER = 33795;       // SWnd* under the cursor or null, point
-constexpr unsigned SM_DRAG_DROP = 33796;
-constexpr unsigned SM_CAPTURE_MOVE = 33797;    // button, point
-constexpr unsigned SM_CAPTURE_UP = 33798;      // button, point
-constexpr unsigned SM_CAPTURE_LOST = 33799;    // button, 0
-constexpr unsigned SM_DATA_READY = 33270;
-constexpr unsigned SM_DATA_ALLOC = 33271;
-constexpr unsigned SM_DATA_SET_WORD = 33272;
-constexpr unsigned SM_DATA_FINISH = 33273;
-constexpr unsigned SM_SYSKEY = 34269;          // key, sender; to the top window; -1 consumes
-constexpr unsigned SM_KEY = 34270;             // key, sender; to the top window
-constexpr unsigned SM_CHILD_ANCHORED = 34271;  // child SWnd*, to the parent
-
-// Notifications a control sends its parent, with the control's SWnd* as wParam.
-constexpr unsigned SN_BUTTON_CLICKED = 35779;      // type 2
-constexpr unsigned SN_CHECK_CLICKED = 35789;       // type 4, lParam the new state
-constexpr unsigned SN_CONTROL_BAR_HEIGHT = 35808;  // type 8
-constexpr unsigned SN_COMBO_EDIT_CHANGE = 35818;   // type 7
-constexpr unsigned SN_COMBO_SELECT_CHANGE = 35819; // type 7
-constexpr unsigned SN_EDIT_CHANGE = 35829;         // type 10, only with the focus
-constexpr unsigned SN_LIST_FIRST = 35838;          // type 11, 35838 to 35845
-constexpr unsigned SN_LIST_LAST = 35845;
-constexpr unsigned SN_MENU_COMMAND = 35938;
-constexpr unsigned SN_TYPE29_CLICKED = 35979;
-constexpr unsigned SN_SCROLL_CHANGED = 35999;      // type 31
-constexpr unsigned SN_SCROLL_FORWARD = 36009;      // type 33
-constexpr unsigned SN_TYPE38_NOTIFY = 36049;
-constexpr unsigned SN_TREE_FIRST = 36089;          // type 42, 36089 to 36096
-constexpr unsigned SN_TREE_LAST = 36096;
+// Class styles: CS_DBLCLKS makes a second press of a button, soon and near
+// enough to the first on the same window, a double click.
+constexpr unsigned CS_VREDRAW = 0x0001;
+constexpr unsigned CS_HREDRAW = 0x0002;
+constexpr unsigned CS_DBLCLKS = 0x0008;
+constexpr unsigned CS_NOCLOSE = 0x0200;
 
 // Window styles, by their customary values.
 constexpr unsigned WS_POPUP = 0x80000000u;
@@ -110,6 +60,19 @@ constexpr unsigned WS_EX_WINDOWEDGE = 0x00000100u;
 constexpr unsigned WS_EX_CLIENTEDGE = 0x00000200u;
 constexpr unsigned WS_EX_STATICEDGE = 0x00020000u;
 constexpr unsigned WS_EX_LAYERED = 0x00080000u;
+
+// The wheels' wParam: the key flags in the low 16 bits, the signed distance
+// in the high 16; WHEEL_DELTA is one notch.
+constexpr int WHEEL_DELTA = 120;
+constexpr WPARAM MakeWheelParam(unsigned keyFlags, int delta) {
+    return static_cast<WPARAM>((static_cast<uint32_t>(delta & 0xFFFF) << 16) | (keyFlags & 0xFFFF));
+}
+constexpr int WheelParamDelta(WPARAM value) {
+    return static_cast<int16_t>((static_cast<uint32_t>(value) >> 16) & 0xFFFF);
+}
+constexpr unsigned WheelParamKeys(WPARAM value) {
+    return static_cast<unsigned>(value) & 0xFFFF;
+}
 
 // Key flags of mouse messages (wParam).
 constexpr unsigned MK_LBUTTON = 0x0001;

@@ -37,14 +37,14 @@ constexpr unsigned MouseEventCode(unsigned message) {
         return MOUSE_DOWN | MOUSE_RIGHT;
     case WM_RBUTTONUP:
         return MOUSE_UP | MOUSE_RIGHT;
-    case WM_RBUTTONUP + 1:
-        return MOUSE_DOUBLE_CLICK | MOUSE_RIGHT; // WM_RBUTTONDBLCLK
+    case WM_RBUTTONDBLCLK:
+        return MOUSE_DOUBLE_CLICK | MOUSE_RIGHT;
     case WM_MBUTTONDOWN:
         return MOUSE_DOWN | MOUSE_MIDDLE;
     case WM_MBUTTONUP:
         return MOUSE_UP | MOUSE_MIDDLE;
-    case WM_MBUTTONUP + 1:
-        return MOUSE_DOUBLE_CLICK | MOUSE_MIDDLE; // WM_MBUTTONDBLCLK
+    case WM_MBUTTONDBLCLK:
+        return MOUSE_DOUBLE_CLICK | MOUSE_MIDDLE;
     case SM_LEFT_CLICK:
         return MOUSE_CLICK | MOUSE_LEFT;
     case SM_MIDDLE_CLICK:

@@ -26,10 +26,17 @@ public:
 namespace {
 
 std::mutex classMutex;
-std::map<std::string, SWindowProc>& Classes() {
-    static std::map<std::string, SWindowProc> classes;
+struct WindowClass {
+    SWindowProc procedure = nullptr;
+    unsigned style = 0;
+};
+std::map<std::string, WindowClass>& Classes() {
+    static std::map<std::string, WindowClass> classes;
     return classes;
 }
+
+// The classes of the toolkit's own windows.
+constexpr unsigned OWN_CLASS_STYLE = CS_HREDRAW | CS_VREDRAW | CS_DBLCLKS;
 
 std::atomic<SMenuBarPainter> menuBarPainter{nullptr};
 
@@ -44,12 +51,12 @@ ThreadWindowState& ThreadState() {
     return state;
 }
 
-bool RegisterWindowClass(const char* className, SWindowProc procedure) {
+bool RegisterWindowClass(const char* className, SWindowProc procedure, unsigned classStyle) {
     if (className == nullptr || *className == 0 || procedure == nullptr) {
         return false;
     }
     std::lock_guard<std::mutex> lock(classMutex);
-    Classes()[className] = procedure;
+    Classes()[className] = WindowClass{procedure, classStyle};
     return true;
 }
 
@@ -100,9 +107,16 @@ LRESULT DefWindowProc(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam)
         return 1;
     case WM_SETTEXT:
         if (wnd != nullptr) {
-            wnd->SetText(reinterpret_cast<const char*>(lParam));
+            wnd->StoreText(reinterpret_cast<const char*>(lParam));
         }
         return 1;
+    case WM_MOUSEWHEEL:
+    case WM_MOUSEHWHEEL:
+        // A window that does not scroll hands the wheel to its parent.
+        if (wnd != nullptr && wnd->GetParent() != 0) {
+            return SendMessage(wnd->GetParent(), message, wParam, lParam);
+        }
+        return 0;
     default:
         (void)wParam;
         return 0;
@@ -163,31 +177,33 @@ void SWnd::ResetState() {
 
 bool SWnd::Create(const char* title, unsigned windowStyle, unsigned windowExStyle,
                   const SRect* windowRect, HWND parentHandle, uintptr_t menuOrId,
-                  LPARAM userData, void* /*instance*/, bool /*noClose*/) {
+                  LPARAM userData, void* /*instance*/, bool noClose) {
     return CreateWindow(nullptr, title, windowStyle, windowExStyle, windowRect, parentHandle,
-                        menuOrId, userData, nullptr);
+                        menuOrId, userData, nullptr,
+                        OWN_CLASS_STYLE | (noClose ? CS_NOCLOSE : 0u));
 }
 
 bool SWnd::CreateControl(const char* className, const char* title, unsigned windowStyle,
                          unsigned windowExStyle, const SRect* windowRect, SWnd* parentWnd,
                          uintptr_t controlId, LPARAM userData) {
-    SWindowProc procedure = nullptr;
+    WindowClass windowClass;
     {
         std::lock_guard<std::mutex> lock(classMutex);
         auto it = Classes().find(className != nullptr ? className : "");
         if (it == Classes().end()) {
             return false;
         }
-        procedure = it->second;
+        windowClass = it->second;
     }
     return CreateWindow(className, title, windowStyle, windowExStyle, windowRect,
                         parentWnd != nullptr ? parentWnd->handle : 0, controlId, userData,
-                        procedure);
+                        windowClass.procedure, windowClass.style);
 }
 
 bool SWnd::CreateWindow(const char* /*className*/, const char* title, unsigned windowStyle,
                         unsigned windowExStyle, const SRect* windowRect, HWND parentHandle,
-                        uintptr_t windowId, LPARAM userData, SWindowProc classProc) {
+                        uintptr_t windowId, LPARAM userData, SWindowProc classProc,
+                        unsigned windowClassStyle) {
     if (handle != 0) {
         return false;
     }
@@ -204,6 +220,7 @@ bool SWnd::CreateWindow(const char* /*className*/, const char* title, unsigned w
     style = windowStyle & ~WS_VISIBLE;
     style |= parentWnd == nullptr ? WS_POPUP : WS_CHILD;
     exStyle = windowExStyle;
+    classStyle = windowClassStyle;
     enabled = (style & WS_DISABLED) == 0;
     ComputeFrameFlags();
     if (RegisterThread() < 0) {
@@ -294,10 +311,11 @@ void SWnd::DestroyTree() {
     SWnd* parentWnd = FromHandle(parent);
     if (parentWnd != nullptr) {
         std::erase(parentWnd->children, own);
-        parentWnd->Invalidate();
+        parentWnd->AddDamage(&rect);
     } else if (parent == 0) {
         GetPlatform()->DestroySurface(own);
     }
+    surfaceFrame.reset();
     UnregisterTarget(own);
     handle = 0;
     children.clear();
@@ -430,6 +448,12 @@ SString SWnd::GetText() const {
 }
 
 void SWnd::SetText(const char* value) {
+    if (handle != 0) {
+        SendMessage(handle, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(value != nullptr ? value : ""));
+    }
+}
+
+void SWnd::StoreText(const char* value) {
     if (handle == 0) {
         return;
     }
@@ -447,14 +471,11 @@ void SWnd::SetRedraw(bool enable, bool repaint) {
     }
 }
 
-void SWnd::Invalidate(const SRect* /*rect*/) {
+void SWnd::Invalidate(const SRect* area) {
     if (handle == 0 || !visibleFlag) {
         return;
     }
-    HWND top = GetTopWindow();
-    if (top != 0) {
-        GetPlatform()->InvalidateSurface(top);
-    }
+    AddDamage(area);
 }
 
 void SWnd::SetLayered(bool layered) {

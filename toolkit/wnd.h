@@ -35,7 +35,8 @@ LRESULT DefWindowProc(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam)
 // The procedure of every toolkit window: slot 19, then slot 20.
 LRESULT SWndProc(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam);
 // Registers a class for CreateControl; its procedure becomes oldProc.
-bool RegisterWindowClass(const char* className, SWindowProc procedure);
+// classStyle holds CS_* bits: CS_DBLCLKS asks for double clicks.
+bool RegisterWindowClass(const char* className, SWindowProc procedure, unsigned classStyle = 0);
 
 // Draws a window's menu bar into cr over bar (window coordinates). The menu
 // code installs it; without one the bar is a plain strip of the menu bar
@@ -131,7 +132,13 @@ public:
     bool IsEnabled() const;
     unsigned GetStyle() const { return style; }
     unsigned GetExStyle() const { return exStyle; }
+    // The CS_* bits of the window's class: the toolkit's own windows have
+    // CS_HREDRAW, CS_VREDRAW and CS_DBLCLKS (and CS_NOCLOSE when made with
+    // noClose); a control has those its class was registered with.
+    unsigned GetClassStyle() const { return classStyle; }
     SString GetText() const;
+    // Sends WM_SETTEXT, so that a control that lays out its text sees the
+    // change whichever way it is made (this call, or a SendMessage).
     void SetText(const char* text);
 
     // Window state.
@@ -176,10 +183,23 @@ public:
     // 3 disabled.
     int GetSkinIndex() const;
     void SetRedraw(bool enable, bool repaint);
-    // Asks for a repaint of the window (its top-level's surface is redrawn).
+    // Marks part of the window for repainting: rect in client coordinates,
+    // or null for the whole window with its frame. The part is added to the
+    // invalid region of the top-level window, clipped by every parent on
+    // the way, and the platform is asked to redraw that area only.
     void Invalidate(const SRect* rect = nullptr);
+    // The bounding rectangle of a top-level window's invalid region, in
+    // surface coordinates (menu bar included); empty when nothing waits.
+    SRect GetInvalidBounds() const;
+    // The frame of a top-level window, width by height pixels, onto cr (the
+    // platform's target, usually clipped to the damaged area): the windows
+    // meeting the invalid region are painted into the back buffer, clipped
+    // to it, and the buffer is copied to cr. The buffer is kept between
+    // frames; a new size repaints it whole.
+    void PaintSurface(cairo_t* cr, int width, int height);
     // Paints the window and its children now onto cr, whose origin is the
-    // window's client origin.
+    // window's client origin. During PaintSurface, children that do not meet
+    // the invalid region are skipped.
     void PaintTree(cairo_t* cr);
     // Paints this window's background into cr (client coordinates) at
     // width by height.
@@ -282,11 +302,17 @@ private:
     friend LRESULT DefWindowProc(HWND, unsigned, WPARAM, LPARAM);
     friend struct SWndInternals;
     class Port;
+    struct SurfaceFrame; // the back buffer and invalid region of a top-level window
+
+    // Adds rect (client coordinates, null for the whole window) to the
+    // top-level's invalid region, visible or not.
+    void AddDamage(const SRect* area);
+    void StoreText(const char* value); // the default of WM_SETTEXT
 
     void ResetState();
     bool CreateWindow(const char* className, const char* title, unsigned style,
                       unsigned exStyle, const SRect* rect, HWND parent, uintptr_t id,
-                      LPARAM userData, SWindowProc classProc);
+                      LPARAM userData, SWindowProc classProc, unsigned classStyle);
     void DestroyTree(); // WM_DESTROY down the tree, then WM_NCDESTROY up
     void ComputeFrameFlags();
     // rect with its size held inside the limits (the top-left corner stays).
@@ -319,6 +345,7 @@ private:
     SRect rect;                 // parent client coordinates (screen for a top-level)
     unsigned style = 0;
     unsigned exStyle = 0;
+    unsigned classStyle = 0;
     uintptr_t id = 0;
     bool shown = false;
     bool enabled = true;
@@ -378,4 +405,5 @@ private:
     int alpha = 255;
     void* font = nullptr;
     std::vector<std::unique_ptr<SDataBlock>> dataBlocks; // a free row is null
+    std::unique_ptr<SurfaceFrame> surfaceFrame;          // top-level windows, once painted or invalidated
 };

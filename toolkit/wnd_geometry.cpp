@@ -195,10 +195,13 @@ bool SWnd::MoveWindow(const SRect& wanted, bool repaint) {
     if (handle != 0 && (old.Width() != rect.Width() || old.Height() != rect.Height())) {
         SendClientSize();
     }
-    if (repaint) {
+    if (repaint && handle != 0) {
+        // A child uncovers its old place and covers its new one; a top-level
+        // window repaints whole.
         SWnd* parentWnd = GetParentWnd();
         if (parentWnd != nullptr) {
-            parentWnd->Invalidate();
+            parentWnd->Invalidate(&old);
+            parentWnd->Invalidate(&rect);
         } else {
             Invalidate();
         }

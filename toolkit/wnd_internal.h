@@ -3,6 +3,23 @@
 #pragma once
 
 #include "foundation/message.h"
+#include "toolkit/wnd.h"
+
+typedef struct _cairo_surface cairo_surface_t;
+typedef struct _cairo_region cairo_region_t;
+
+// The painting state of a top-level window: its back buffer, kept between
+// frames, and the region waiting to be repainted, in surface coordinates.
+struct SWnd::SurfaceFrame {
+    SurfaceFrame();
+    ~SurfaceFrame();
+    SurfaceFrame(const SurfaceFrame&) = delete;
+    SurfaceFrame& operator=(const SurfaceFrame&) = delete;
+    cairo_surface_t* buffer = nullptr;
+    int width = 0;
+    int height = 0;
+    cairo_region_t* invalid = nullptr;
+};
 
 struct ThreadWindowState {
     HWND focus = 0;
@@ -12,6 +29,13 @@ struct ThreadWindowState {
     // The window each button went down on: [client, non-client][left,
     // middle, right].
     HWND clickDown[2][3] = {};
+    // The last press in a client area, for double clicks.
+    struct Press {
+        HWND hwnd = 0;
+        unsigned message = 0;
+        uint64_t time = 0;
+        SPoint screen;
+    } lastPress;
 };
 
 ThreadWindowState& ThreadState();

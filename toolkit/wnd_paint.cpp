@@ -1,13 +1,45 @@
-// Painting of SWnd: the tree, backgrounds (colour, transparent, image,
-// nine-slice, skin) and the caret.
+// Painting of SWnd: the invalid region and back buffer of a top-level
+// window, the tree, backgrounds (colour, transparent, image, nine-slice,
+// skin) and the caret.
 #include "toolkit/wnd.h"
+
+#include <algorithm>
+#include <cmath>
 
 #include <cairo.h>
 
 #include "foundation/color.h"
 #include "foundation/file.h"
+#include "toolkit/platform/platform.h"
+#include "toolkit/wnd_internal.h"
 
 namespace {
+
+// The region being repainted by PaintSurface on this thread, in the
+// coordinates of the back buffer it paints; null outside it. PaintTree
+// paints everything onto any other target (a window printing another into
+// a picture of its own while it paints).
+thread_local const cairo_region_t* paintRegion = nullptr;
+thread_local cairo_surface_t* paintTarget = nullptr;
+
+SRect Intersect(const SRect& a, const SRect& b) {
+    return SRect{std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
+                 std::min(a.bottom, b.bottom)};
+}
+
+// Whether rect (user coordinates of cr, which only translates) meets the
+// region being repainted.
+bool MeetsPaintRegion(cairo_t* cr, const SRect& rect) {
+    if (paintRegion == nullptr || cairo_get_target(cr) != paintTarget) {
+        return true;
+    }
+    double x = rect.left;
+    double y = rect.top;
+    cairo_user_to_device(cr, &x, &y);
+    cairo_rectangle_int_t device{static_cast<int>(std::floor(x)), static_cast<int>(std::floor(y)),
+                                 rect.Width(), rect.Height()};
+    return cairo_region_contains_rectangle(paintRegion, &device) != CAIRO_REGION_OVERLAP_OUT;
+}
 
 void SetColor(cairo_t* cr, uint32_t color) {
     cairo_set_source_rgb(cr, (color & 0xFF) / 255.0, ((color >> 8) & 0xFF) / 255.0,
@@ -134,6 +166,137 @@ int SWnd::GetSkinIndex() const {
     return skinHot ? 1 : 0;
 }
 
+SWnd::SurfaceFrame::SurfaceFrame() : invalid(cairo_region_create()) {}
+
+SWnd::SurfaceFrame::~SurfaceFrame() {
+    if (buffer != nullptr) {
+        cairo_surface_destroy(buffer);
+    }
+    cairo_region_destroy(invalid);
+}
+
+void SWnd::AddDamage(const SRect* area) {
+    if (handle == 0) {
+        return;
+    }
+    // Walk up to the top-level window, the area in the client coordinates
+    // of wnd, cut by each client area it passes.
+    SWnd* wnd = this;
+    SRect damage;
+    if (area != nullptr) {
+        damage = *area;
+    } else if (parent != 0) {
+        wnd = GetParentWnd();
+        damage = rect;
+    } else {
+        damage = SRect{0, 0, rect.Width(), rect.Height()};
+    }
+    bool surfaceCoordinates = area == nullptr && parent == 0;
+    while (wnd != nullptr && !surfaceCoordinates) {
+        damage = Intersect(damage, wnd->GetClientRect());
+        if (damage.IsEmpty()) {
+            return;
+        }
+        int left = 0, top = 0;
+        wnd->GetFrameWidths(&left, &top, nullptr, nullptr);
+        int dx = left, dy = top;
+        if (wnd->parent != 0) {
+            dx += wnd->rect.left;
+            dy += wnd->rect.top;
+        }
+        damage = SRect{damage.left + dx, damage.top + dy, damage.right + dx, damage.bottom + dy};
+        if (wnd->parent == 0) {
+            break;
+        }
+        wnd = wnd->GetParentWnd();
+    }
+    if (wnd == nullptr || wnd->parent != 0) {
+        return; // a child of a window of another thread, or one being torn down
+    }
+    damage = Intersect(damage, SRect{0, 0, wnd->rect.Width(), wnd->rect.Height()});
+    if (damage.IsEmpty()) {
+        return;
+    }
+    if (wnd->surfaceFrame == nullptr) {
+        wnd->surfaceFrame = std::make_unique<SurfaceFrame>();
+    }
+    cairo_rectangle_int_t added{damage.left, damage.top, damage.Width(), damage.Height()};
+    cairo_region_union_rectangle(wnd->surfaceFrame->invalid, &added);
+    GetPlatform()->InvalidateSurface(wnd->handle, damage);
+}
+
+SRect SWnd::GetInvalidBounds() const {
+    if (handle == 0 || parent != 0 || surfaceFrame == nullptr ||
+        cairo_region_is_empty(surfaceFrame->invalid)) {
+        return SRect();
+    }
+    cairo_rectangle_int_t extents;
+    cairo_region_get_extents(surfaceFrame->invalid, &extents);
+    return SRect{extents.x, extents.y, extents.x + extents.width, extents.y + extents.height};
+}
+
+void SWnd::PaintSurface(cairo_t* cr, int width, int height) {
+    if (handle == 0 || cr == nullptr || width <= 0 || height <= 0) {
+        return;
+    }
+    if (surfaceFrame == nullptr) {
+        surfaceFrame = std::make_unique<SurfaceFrame>();
+    }
+    SurfaceFrame* frame = surfaceFrame.get();
+    cairo_rectangle_int_t whole{0, 0, width, height};
+    if (frame->buffer == nullptr || frame->width != width || frame->height != height) {
+        if (frame->buffer != nullptr) {
+            cairo_surface_destroy(frame->buffer);
+        }
+        frame->buffer = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
+        frame->width = width;
+        frame->height = height;
+        cairo_region_union_rectangle(frame->invalid, &whole);
+    }
+    // The buffer is held, so that a window destroyed by its own painting
+    // does not take it away mid-frame.
+    cairo_surface_t* buffer = cairo_surface_reference(frame->buffer);
+    if (!cairo_region_is_empty(frame->invalid)) {
+        // Damage made while painting waits for the next frame.
+        cairo_region_t* region = frame->invalid;
+        frame->invalid = cairo_region_create();
+        cairo_region_intersect_rectangle(region, &whole);
+        cairo_t* back = cairo_create(buffer);
+        for (int i = 0; i < cairo_region_num_rectangles(region); ++i) {
+            cairo_rectangle_int_t part;
+            cairo_region_get_rectangle(region, i, &part);
+            cairo_rectangle(back, part.x, part.y, part.width, part.height);
+        }
+        cairo_clip(back);
+        cairo_set_source_rgb(back, 1, 1, 1);
+        cairo_paint(back);
+        int left = 0, frameTop = 0;
+        GetFrameWidths(&left, &frameTop, nullptr, nullptr);
+        HWND own = handle;
+        if (menu != nullptr) {
+            SendMessage(own, WM_NCPAINT, reinterpret_cast<WPARAM>(back), 0);
+        }
+        if (handle == own) {
+            cairo_translate(back, left, frameTop);
+            const cairo_region_t* outerRegion = paintRegion;
+            cairo_surface_t* outerTarget = paintTarget;
+            paintRegion = region;
+            paintTarget = buffer;
+            PaintTree(back);
+            paintRegion = outerRegion;
+            paintTarget = outerTarget;
+        }
+        cairo_destroy(back);
+        cairo_region_destroy(region);
+    }
+    cairo_save(cr);
+    cairo_set_source_surface(cr, buffer, 0, 0);
+    cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
+    cairo_paint(cr);
+    cairo_restore(cr);
+    cairo_surface_destroy(buffer);
+}
+
 void SWnd::PaintTree(cairo_t* cr) {
     if (handle == 0 || cr == nullptr) {
         return;
@@ -150,7 +313,7 @@ void SWnd::PaintTree(cairo_t* cr) {
         std::vector<HWND> list = children;
         for (HWND child : list) {
             SWnd* wnd = FromHandle(child);
-            if (wnd == nullptr || !wnd->shown) {
+            if (wnd == nullptr || !wnd->shown || !MeetsPaintRegion(cr, wnd->rect)) {
                 continue;
             }
             cairo_save(cr);

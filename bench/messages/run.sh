@@ -3,7 +3,11 @@
 # PostMessage throughput (posting on the owner's thread, and from another
 # thread to a window whose loop drains it), and the time to create a
 # 1000 x 800 window with 500 bordered, coloured children and to paint it
-# once (one double-buffered frame). Prints the medians of RUNS runs.
+# once (one double-buffered frame); then, in a 1024 x 768 window with 500
+# children and one ticker (a media control scrolling its title on the fake
+# clock), the time of one ticker step with the frame the display draws,
+# clipped to the damaged area, and of a frame of the whole window. Prints
+# the medians of RUNS runs.
 #
 #   bench/messages/run.sh [RUNS]          (default 7)
 #

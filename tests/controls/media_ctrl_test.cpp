@@ -11,6 +11,7 @@
 #include "foundation/network.h"
 #include "support/pixels.h"
 #include "toolkit/draw.h"
+#include "toolkit/notification.h"
 #include "toolkit/sys_colors.h"
 #include "toolkit/toolkit_fixture.h"
 
@@ -27,18 +28,17 @@ public:
     LRESULT claimLinks = 0;
 
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
-        bool mouse = message == SN_MEDIA_MOUSE;
-        if (!mouse && message != SN_MEDIA_BUTTON_CLICKED && message != SN_MEDIA_LINK_CLICKED) {
+        SNotification note(message, wParam, lParam);
+        if (!note.IsNotification()) {
             return SWnd::OnMessage(message, wParam, lParam);
         }
-        from = reinterpret_cast<SWnd*>(wParam);
-        const auto* event = reinterpret_cast<const SMouseEvent*>(lParam);
-        codes.push_back(mouse ? event->code : message);
-        points.push_back(mouse ? event->client : SPoint{});
-        if (message == SN_MEDIA_LINK_CLICKED) {
-            links.push_back(reinterpret_cast<const char*>(lParam));
+        from = note.ControlAs<SMediaCtrl>();
+        codes.push_back(note.Is(SN_MEDIA_MOUSE) ? note.MouseCode() : message);
+        points.push_back(note.Point());
+        if (note.Text() != nullptr) {
+            links.push_back(note.Text());
         }
-        return message == SN_MEDIA_LINK_CLICKED ? claimLinks : 0;
+        return note.Is(SN_MEDIA_LINK_CLICKED) ? claimLinks : 0;
     }
 };
 
@@ -133,6 +133,7 @@ TEST_F(MediaCtrlTest, BoldAndColourMarksDrawHeavierTextInTheChosenColours) {
 }
 
 TEST_F(MediaCtrlTest, LinksOpenMailOrTheDesktopUnlessTheParentClaimsThem) {
+    SHeadlessPlatform::UseFakeClock(true);
     Make("", SRect{10, 10, 310, 60}, true);
     control.SetText("Write to <LINK>someone@example.org</LINK> or see "
                     "<LINK>http://example.org/</LINK>");
@@ -161,6 +162,7 @@ TEST_F(MediaCtrlTest, LinksOpenMailOrTheDesktopUnlessTheParentClaimsThem) {
     EXPECT_EQ(parent.points[1], (SPoint{mail.left + 3, mail.top + 3}));
 
     parent.claimLinks = 1;
+    Advance(1000); // no double click
     platform->Click(parent.GetHandle(), 10 + web.left + 3, 10 + web.top + 3);
     EXPECT_EQ(opened.size(), 2u) << "a claimed link is not opened";
     platform->Click(parent.GetHandle(), 10 + web.right + 40, 10 + web.top + 3);
@@ -170,11 +172,17 @@ TEST_F(MediaCtrlTest, LinksOpenMailOrTheDesktopUnlessTheParentClaimsThem) {
 }
 
 TEST_F(MediaCtrlTest, OnlyAnEnabledButtonNotifiesItsClickBeforeTheRelease) {
+    SHeadlessPlatform::UseFakeClock(true);
     Make("Play");
     platform->Click(parent.GetHandle(), 50, 30);
     EXPECT_EQ(parent.codes, (std::vector<unsigned>{0x09, 0x21, 0x11})) << "a label is no button";
     control.SetButton(true);
     parent.codes.clear();
+    platform->Click(parent.GetHandle(), 50, 30);
+    EXPECT_EQ(parent.codes, (std::vector<unsigned>{0x41, 0x11}))
+        << "a second press at once is a double click, and no click";
+    parent.codes.clear();
+    Advance(1000);
     platform->Click(parent.GetHandle(), 50, 30);
     EXPECT_EQ(parent.codes,
               (std::vector<unsigned>{MOUSE_DOWN | MOUSE_LEFT, SN_MEDIA_BUTTON_CLICKED,
@@ -251,9 +259,11 @@ TEST_F(MediaCtrlTest, TheTickerMovesOnTheClockIsDrawnAtItsOffsetAndWraps) {
     Advance(MEDIA_TICKER_PERIOD);
     EXPECT_EQ(control.GetScrollOffset().x, 100) << "wrapped to the far edge";
 
-    control.SetText("Short");
+    SWnd* base = &control; // the text reaches the control through the base class too
+    base->SetText("Short");
     EXPECT_FALSE(control.IsAutoScrollOn()) << "a new text stops the ticker";
     EXPECT_EQ(control.GetScrollOffset().x, 0);
+    EXPECT_LT(control.GetContentSize().width, width / 4) << "and is laid out at once";
     control.SetAutoScroll(-100, 0);
     EXPECT_FALSE(control.IsAutoScrollOn()) << "a text that fits stands still";
     control.SetAutoScroll(-100, 0, true);

@@ -14,6 +14,7 @@
 #include "support/message_pump.h"
 #include "support/pixels.h"
 #include "toolkit/draw.h"
+#include "toolkit/notification.h"
 #include "toolkit/platform/events.h"
 #include "toolkit/platform/gtk/gtk_platform.h"
 #include "toolkit/wnd_app.h"
@@ -37,7 +38,7 @@ class Parent : public SWnd {
 public:
     int buttonClicks = 0;
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
-        buttonClicks += message == SN_MEDIA_BUTTON_CLICKED ? 1 : 0;
+        buttonClicks += SNotification(message, wParam, lParam).Is(SN_MEDIA_BUTTON_CLICKED) ? 1 : 0;
         return SWnd::OnMessage(message, wParam, lParam);
     }
 };
@@ -227,6 +228,7 @@ TEST(MediaCtrlOnGtk, MarkupTickerAndButtonStatesAsTheXServerShowsThem) {
         EXPECT_EQ(Rgb(shot, 109, 166), 0xA0A0A0u) << "grey right edge";
         keep(1);
 
+        clockNow += 1000; // a second after the click: a press, no double click
         PlatformMouse(top.GetHandle(), WM_LBUTTONDOWN, 60, 166, MK_LBUTTON);
         ASSERT_TRUE(Until([&] { return shows(2); })) << "pressed";
         EXPECT_EQ(button.GetFrameState(), MEDIA_FRAME_SUNKEN);

@@ -16,6 +16,7 @@
 #include "support/http_server.h"
 #include "support/message_pump.h"
 #include "support/temp_dir.h"
+#include "toolkit/notification.h"
 #include "toolkit/toolkit_fixture.h"
 
 namespace {
@@ -40,10 +41,11 @@ public:
 class Parent : public RecordingWnd {
 public:
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
-        if (message == SN_PLAYER_MOUSE) {
-            const auto* mouse = reinterpret_cast<const SMouseEvent*>(lParam);
-            codes.push_back(mouse->code);
-            points.push_back(mouse->client);
+        SNotification note(message, wParam, lParam);
+        if (note.Is(SN_PLAYER_MOUSE)) {
+            EXPECT_NE(note.ControlAs<SMediaPlayerCtrl>(), nullptr);
+            codes.push_back(note.MouseCode());
+            points.push_back(note.Point());
         }
         return RecordingWnd::OnMessage(message, wParam, lParam);
     }

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -64,6 +65,49 @@ TEST(IncludeHygiene, OnlyTheGtkPlatformIncludesWindowingHeaders) {
 // controls/gst/ is the library that wraps the player.
 TEST(IncludeHygiene, OnlyThePlayerWrapperIncludesGStreamer) {
     ExpectNoInclude({"<gst/"}, "/controls/gst/", true);
+}
+
+// The layers, lowest first, as docs/architecture.md orders them: a file
+// includes project headers of its own layer and of the layers below only.
+TEST(IncludeHygiene, EachLayerIncludesOnlyItsOwnAndTheLayersBelow) {
+    const std::map<std::string, int> rank = {
+        {"foundation", 1}, {"toolkit", 2}, {"dialogs", 3}, {"controls", 3}, {"editors", 3},
+        {"library", 4},    {"pages", 4},   {"panels", 5},  {"app", 5}};
+    std::string upward;
+    int includesRead = 0;
+    for (const auto& [layer, level] : rank) {
+        std::filesystem::path folder = std::filesystem::path(MELKORA_SOURCE_DIR) / layer;
+        if (!std::filesystem::is_directory(folder)) {
+            continue;
+        }
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+            std::string extension = entry.path().extension().string();
+            if (extension != ".h" && extension != ".cpp") {
+                continue;
+            }
+            std::ifstream in(entry.path());
+            for (std::string line; std::getline(in, line);) {
+                // #include "folder/name.h": the folder names the layer.
+                if (line.rfind("#include \"", 0) != 0) {
+                    continue;
+                }
+                std::string target = line.substr(10);
+                size_t slash = target.find('/');
+                if (slash == std::string::npos) {
+                    continue; // a file beside this one
+                }
+                ++includesRead;
+                auto included = rank.find(target.substr(0, slash));
+                if (included == rank.end()) {
+                    upward += entry.path().string() + ": " + line + " (no layer)\n";
+                } else if (included->second > level) {
+                    upward += entry.path().string() + ": " + line + "\n";
+                }
+            }
+        }
+    }
+    EXPECT_GT(includesRead, 100);
+    EXPECT_TRUE(upward.empty()) << "includes of a higher layer:\n" << upward;
 }
 
 TEST(IncludeHygiene, UmbrellaHeaderIncludesEveryFoundationHeader) {

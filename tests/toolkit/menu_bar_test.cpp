@@ -99,6 +99,7 @@ TEST_F(MenuBar, BarIsPaintedAboveTheClientAndGoesWithTheWindow) {
         cairo_rectangle(cr, area.left, area.top, area.Width(), area.Height());
         cairo_fill(cr);
     });
+    top.Invalidate(); // a frame repaints only what was invalidated
     ASSERT_TRUE(platform->Snapshot(top.GetHandle(), &picture));
     SetMenuBarPainter(nullptr);
     EXPECT_EQ(painted, FakeMenu());

@@ -11,7 +11,14 @@ typedef struct _cairo cairo_t;
 
 // A mouse message (WM_MOUSEMOVE, WM_LBUTTONDOWN...) at a point, with the
 // MK_* key flags; the toolkit finds the window under it (or the capture).
+// A press that follows one of the same button on the same window within
+// the desktop's double-click time and distance becomes a double click
+// (WM_LBUTTONDBLCLK...) when the window's class has CS_DBLCLKS.
 void PlatformMouse(HWND top, unsigned message, int x, int y, unsigned keyFlags);
+// A turn of a wheel at a point: delta 120 a notch (WHEEL_DELTA), positive
+// away from the user, or to the right on the horizontal wheel. The window
+// under the pointer (or the capture) gets WM_MOUSEWHEEL or WM_MOUSEHWHEEL.
+void PlatformWheel(HWND top, int x, int y, int delta, bool horizontal, unsigned keyFlags);
 // The pointer left the surface.
 void PlatformMouseLeave(HWND top);
 // WM_KEYDOWN, WM_KEYUP, WM_SYSKEYDOWN with a virtual key code, or WM_CHAR
@@ -28,7 +35,9 @@ void PlatformResized(HWND top, int width, int height, unsigned kind);
 void PlatformMoved(HWND top, int x, int y);
 // The user asked to close the surface.
 void PlatformClose(HWND top);
-// Draws the whole window tree of top onto cr (width by height pixels).
+// A frame of top, width by height pixels, onto cr: the invalid part of the
+// window tree is repainted into the window's back buffer, which is then
+// copied to cr (clip cr to the damaged area to copy only that).
 void PlatformPaint(HWND top, cairo_t* cr, int width, int height);
 // Files dropped at a point; folders end in "/". The array is borrowed.
 void PlatformDropFiles(HWND top, int x, int y, SStringArray* files);

@@ -21,6 +21,11 @@ bool SPlatform::GetInterfaceFont(SString* /*face*/, double* /*points*/) {
 
 void SPlatform::LoadThemeColors() {}
 
+void SPlatform::GetDoubleClick(unsigned* milliseconds, int* distance) {
+    *milliseconds = 500;
+    *distance = 2;
+}
+
 SPlatform* GetPlatform() {
     std::unique_ptr<SPlatform>& platform = Current();
     if (platform == nullptr) {

@@ -27,8 +27,10 @@ public:
     virtual void SetSurfaceTitle(HWND hwnd, const char* title) = 0;
     // 0 (clear) to 255 (opaque).
     virtual void SetSurfaceAlpha(HWND hwnd, int alpha) = 0;
-    // Asks for a new frame; the platform calls PlatformPaint when it draws.
-    virtual void InvalidateSurface(HWND hwnd) = 0;
+    // Asks for a new frame of area (surface coordinates, menu bar included),
+    // the part that changed; the platform calls PlatformPaint when it draws,
+    // and needs to show only that part of the frame.
+    virtual void InvalidateSurface(HWND hwnd, const SRect& area) = 0;
     // Mouse grab for the surface (0 releases).
     virtual void CaptureMouse(HWND hwnd) = 0;
     // The cursor shown over the surface: an index of the cursor table, -1
@@ -76,6 +78,10 @@ public:
     // Overwrites entries of the system colour table (toolkit/sys_colors.h)
     // with the theme's; the default keeps the classic values.
     virtual void LoadThemeColors();
+    // The desktop's double click: the longest time between the two presses
+    // in milliseconds, and the farthest the second may land from the first
+    // in pixels, across and down. The default is 500 ms and 2 pixels.
+    virtual void GetDoubleClick(unsigned* milliseconds, int* distance);
 };
 
 // The platform in use; the headless one until SetPlatform. The toolkit owns

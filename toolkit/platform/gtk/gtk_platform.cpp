@@ -21,6 +21,9 @@ struct Surface {
     HWND hwnd = 0;
     GtkWidget* window = nullptr;
     GtkWidget* area = nullptr;
+    // Smooth scrolling not yet given as whole notches, in wheel units.
+    double wheelX = 0;
+    double wheelY = 0;
 };
 
 unsigned KeyFlags(guint state) {
@@ -151,6 +154,43 @@ gboolean OnButton(GtkWidget* widget, GdkEventButton* event, gpointer data) {
     }
     PlatformMouse(surface->hwnd, message, static_cast<int>(event->x), static_cast<int>(event->y),
                   KeyFlags(event->state));
+    return TRUE;
+}
+
+// Hands whole notches of an accumulated smooth scroll to the toolkit and
+// keeps the rest.
+void GiveNotches(Surface* surface, double* accumulated, bool horizontal, int x, int y,
+                 unsigned keys) {
+    int notches = static_cast<int>(*accumulated / WHEEL_DELTA);
+    if (notches != 0) {
+        *accumulated -= notches * WHEEL_DELTA;
+        PlatformWheel(surface->hwnd, x, y, notches * WHEEL_DELTA, horizontal, keys);
+    }
+}
+
+gboolean OnScroll(GtkWidget*, GdkEventScroll* event, gpointer data) {
+    auto* surface = static_cast<Surface*>(data);
+    int x = static_cast<int>(event->x);
+    int y = static_cast<int>(event->y);
+    unsigned keys = KeyFlags(event->state);
+    switch (event->direction) {
+    case GDK_SCROLL_UP: PlatformWheel(surface->hwnd, x, y, WHEEL_DELTA, false, keys); break;
+    case GDK_SCROLL_DOWN: PlatformWheel(surface->hwnd, x, y, -WHEEL_DELTA, false, keys); break;
+    case GDK_SCROLL_LEFT: PlatformWheel(surface->hwnd, x, y, -WHEEL_DELTA, true, keys); break;
+    case GDK_SCROLL_RIGHT: PlatformWheel(surface->hwnd, x, y, WHEEL_DELTA, true, keys); break;
+    case GDK_SCROLL_SMOOTH:
+        // One unit of GDK's deltas is one notch; down and left are
+        // positive there, and down is negative for the wheel message.
+        surface->wheelY -= event->delta_y * WHEEL_DELTA;
+        surface->wheelX += event->delta_x * WHEEL_DELTA;
+        GiveNotches(surface, &surface->wheelY, false, x, y, keys);
+        GiveNotches(surface, &surface->wheelX, true, x, y, keys);
+        if (gdk_event_is_scroll_stop_event(reinterpret_cast<GdkEvent*>(event))) {
+            surface->wheelX = surface->wheelY = 0;
+        }
+        break;
+    default: break;
+    }
     return TRUE;
 }
 
@@ -293,7 +333,8 @@ public:
         gtk_widget_set_can_focus(surface->area, TRUE);
         gtk_widget_add_events(surface->area, GDK_POINTER_MOTION_MASK | GDK_BUTTON_PRESS_MASK |
                                                  GDK_BUTTON_RELEASE_MASK | GDK_LEAVE_NOTIFY_MASK |
-                                                 GDK_KEY_PRESS_MASK | GDK_KEY_RELEASE_MASK);
+                                                 GDK_KEY_PRESS_MASK | GDK_KEY_RELEASE_MASK |
+                                                 GDK_SCROLL_MASK | GDK_SMOOTH_SCROLL_MASK);
         GtkWidget* area = surface->area;
         GtkWidget* window = surface->window;
         g_signal_connect(area, "draw", G_CALLBACK(OnDraw), surface);
@@ -301,6 +342,7 @@ public:
         g_signal_connect(area, "button-press-event", G_CALLBACK(OnButton), surface);
         g_signal_connect(area, "button-release-event", G_CALLBACK(OnButton), surface);
         g_signal_connect(area, "leave-notify-event", G_CALLBACK(OnLeave), surface);
+        g_signal_connect(area, "scroll-event", G_CALLBACK(OnScroll), surface);
         g_signal_connect(area, "size-allocate", G_CALLBACK(OnSizeAllocate), surface);
         g_signal_connect(window, "key-press-event", G_CALLBACK(OnKey), surface);
         g_signal_connect(window, "key-release-event", G_CALLBACK(OnKey), surface);
@@ -380,10 +422,11 @@ public:
         }
     }
 
-    void InvalidateSurface(HWND hwnd) override {
+    void InvalidateSurface(HWND hwnd, const SRect& area) override {
         Surface* surface = Find(hwnd);
         if (surface != nullptr) {
-            gtk_widget_queue_draw(surface->area);
+            gtk_widget_queue_draw_area(surface->area, area.left, area.top, area.Width(),
+                                       area.Height());
         }
     }
 
@@ -525,6 +568,23 @@ public:
     }
 
     void LoadThemeColors() override { GtkLoadThemeColors(); }
+
+    void GetDoubleClick(unsigned* milliseconds, int* distance) override {
+        SPlatform::GetDoubleClick(milliseconds, distance);
+        GtkSettings* settings = gtk_settings_get_default();
+        if (settings == nullptr) {
+            return;
+        }
+        gint time = 0, pixels = 0;
+        g_object_get(settings, "gtk-double-click-time", &time, "gtk-double-click-distance",
+                     &pixels, nullptr);
+        if (time > 0) {
+            *milliseconds = static_cast<unsigned>(time);
+        }
+        if (pixels >= 0) {
+            *distance = pixels;
+        }
+    }
 
     bool SetClipboardText(const char* text) override {
         if (text == nullptr) {
@@ -738,4 +798,55 @@ bool GtkSimulateClick(HWND top, int x, int y) {
     XTestFakeButtonEvent(display, 1, False, CurrentTime);
     XFlush(display);
     return true;
+}
+
+bool GtkSimulateWheel(HWND top, int x, int y, int button) {
+    Surface* surface = FindSurface(top);
+    GdkWindow* window = surface != nullptr ? gtk_widget_get_window(surface->area) : nullptr;
+    if (window == nullptr || button < 4 || button > 7 ||
+        !GDK_IS_X11_DISPLAY(gdk_window_get_display(window))) {
+        return false;
+    }
+    int originX = 0, originY = 0;
+    gdk_window_get_origin(window, &originX, &originY);
+    Display* display = GDK_DISPLAY_XDISPLAY(gdk_window_get_display(window));
+    int eventBase = 0, errorBase = 0, major = 0, minor = 0;
+    if (!XTestQueryExtension(display, &eventBase, &errorBase, &major, &minor)) {
+        return false;
+    }
+    XTestFakeMotionEvent(display, -1, originX + x, originY + y, CurrentTime);
+    XTestFakeButtonEvent(display, static_cast<unsigned>(button), True, CurrentTime);
+    XTestFakeButtonEvent(display, static_cast<unsigned>(button), False, CurrentTime);
+    XFlush(display);
+    return true;
+}
+
+bool GtkSimulateSmoothScroll(HWND top, int x, int y, double deltaX, double deltaY) {
+    Surface* surface = FindSurface(top);
+    GdkWindow* window = surface != nullptr ? gtk_widget_get_window(surface->area) : nullptr;
+    GdkDisplay* display = gdk_display_get_default();
+    if (window == nullptr || display == nullptr) {
+        return false;
+    }
+    GdkEvent* event = gdk_event_new(GDK_SCROLL);
+    event->scroll.window = GDK_WINDOW(g_object_ref(window));
+    event->scroll.send_event = TRUE;
+    event->scroll.time = GDK_CURRENT_TIME;
+    event->scroll.x = x;
+    event->scroll.y = y;
+    event->scroll.direction = GDK_SCROLL_SMOOTH;
+    event->scroll.delta_x = deltaX;
+    event->scroll.delta_y = deltaY;
+    gdk_event_set_device(event, gdk_seat_get_pointer(gdk_display_get_default_seat(display)));
+    gtk_main_do_event(event);
+    gdk_event_free(event);
+    return true;
+}
+
+void GtkSetDoubleClick(int milliseconds, int distance) {
+    GtkSettings* settings = gtk_settings_get_default();
+    if (settings != nullptr) {
+        g_object_set(settings, "gtk-double-click-time", milliseconds, "gtk-double-click-distance",
+                     distance, nullptr);
+    }
 }

@@ -19,6 +19,16 @@ bool GtkCaptureSurface(HWND top, SImage* picture);
 // A real click of the left button at a point of a top-level window's
 // client area, synthesised through the X test extension.
 bool GtkSimulateClick(HWND top, int x, int y);
+// A real turn of a wheel at a point, through the X test extension: button
+// 4 is a notch up, 5 down, 6 left, 7 right.
+bool GtkSimulateWheel(HWND top, int x, int y, int button);
+// A touchpad's smooth scroll at a point (GDK's units: 1 is a notch, down and
+// right positive), handed to GTK as the X server would (the X test
+// extension cannot make one).
+bool GtkSimulateSmoothScroll(HWND top, int x, int y, double deltaX, double deltaY);
+// Sets the desktop's double-click time and distance, as a settings daemon
+// would.
+void GtkSetDoubleClick(int milliseconds, int distance);
 // Asks GTK for a new size of a top-level window, as the window manager
 // does when the user drags its edge; GTK keeps it to the window's limits.
 bool GtkResizeSurface(HWND top, int width, int height);

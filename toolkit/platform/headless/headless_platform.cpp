@@ -18,7 +18,11 @@ uint64_t FakeClock() {
 } // namespace
 
 SHeadlessPlatform::SHeadlessPlatform() = default;
-SHeadlessPlatform::~SHeadlessPlatform() = default;
+SHeadlessPlatform::~SHeadlessPlatform() {
+    for (auto& [hwnd, screen] : screens) {
+        cairo_surface_destroy(screen);
+    }
+}
 
 bool SHeadlessPlatform::CreateSurface(HWND hwnd, const SRect& rect, const char* title) {
     std::lock_guard<std::mutex> lock(mutex);
@@ -31,6 +35,11 @@ bool SHeadlessPlatform::CreateSurface(HWND hwnd, const SRect& rect, const char* 
 void SHeadlessPlatform::DestroySurface(HWND hwnd) {
     std::lock_guard<std::mutex> lock(mutex);
     surfaces.erase(hwnd);
+    auto screen = screens.find(hwnd);
+    if (screen != screens.end()) {
+        cairo_surface_destroy(screen->second);
+        screens.erase(screen);
+    }
     if (captured == hwnd) {
         captured = 0;
     }
@@ -77,11 +86,17 @@ void SHeadlessPlatform::SetSurfaceAlpha(HWND hwnd, int alpha) {
     }
 }
 
-void SHeadlessPlatform::InvalidateSurface(HWND hwnd) {
+void SHeadlessPlatform::InvalidateSurface(HWND hwnd, const SRect& area) {
     std::lock_guard<std::mutex> lock(mutex);
     auto it = surfaces.find(hwnd);
     if (it != surfaces.end()) {
         ++it->second.frameRequests;
+        SRect& damaged = it->second.damaged;
+        damaged = damaged.IsEmpty()
+                      ? area
+                      : SRect{std::min(damaged.left, area.left), std::min(damaged.top, area.top),
+                              std::max(damaged.right, area.right),
+                              std::max(damaged.bottom, area.bottom)};
     }
 }
 
@@ -260,6 +275,12 @@ void SHeadlessPlatform::Click(HWND top, int x, int y) {
     Release(top, x, y);
 }
 
+void SHeadlessPlatform::Wheel(HWND top, int x, int y, int delta, bool horizontal) {
+    MoveMouse(top, x, y);
+    PlatformWheel(top, x, y, delta, horizontal, 0);
+    DispatchPending();
+}
+
 void SHeadlessPlatform::Key(HWND top, unsigned code, unsigned keyModifiers) {
     unsigned old = GetModifiers();
     SetModifiers(keyModifiers);
@@ -291,6 +312,7 @@ bool SHeadlessPlatform::Snapshot(HWND top, SImage* picture) {
     if (width <= 0 || height <= 0) {
         return false;
     }
+    ClearDamage(top);
     cairo_surface_t* target = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
     cairo_t* cr = cairo_create(target);
     PlatformPaint(top, cr, width, height);
@@ -299,6 +321,58 @@ bool SHeadlessPlatform::Snapshot(HWND top, SImage* picture) {
     bool loaded = picture->LoadSurface(target, 0, 0);
     cairo_surface_destroy(target);
     return loaded;
+}
+
+SRect SHeadlessPlatform::PresentFrame(HWND top) {
+    Surface surface;
+    if (!GetSurface(top, &surface) || surface.damaged.IsEmpty()) {
+        return SRect();
+    }
+    int width = surface.rect.Width();
+    int height = surface.rect.Height();
+    if (width <= 0 || height <= 0) {
+        return SRect();
+    }
+    ClearDamage(top);
+    cairo_surface_t* screen = nullptr;
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        cairo_surface_t*& kept = screens[top];
+        if (kept == nullptr || cairo_image_surface_get_width(kept) != width ||
+            cairo_image_surface_get_height(kept) != height) {
+            if (kept != nullptr) {
+                cairo_surface_destroy(kept);
+            }
+            kept = cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height);
+        }
+        screen = cairo_surface_reference(kept);
+    }
+    cairo_t* cr = cairo_create(screen);
+    const SRect& area = surface.damaged;
+    cairo_rectangle(cr, area.left, area.top, area.Width(), area.Height());
+    cairo_clip(cr);
+    PlatformPaint(top, cr, width, height);
+    cairo_destroy(cr);
+    cairo_surface_destroy(screen);
+    return area;
+}
+
+bool SHeadlessPlatform::GetScreen(HWND top, SImage* picture) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = screens.find(top);
+    if (it == screens.end() || picture == nullptr) {
+        return false;
+    }
+    cairo_surface_flush(it->second);
+    return picture->LoadSurface(it->second, 0, 0);
+}
+
+void SHeadlessPlatform::ClearDamage(HWND top) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = surfaces.find(top);
+    if (it != surfaces.end()) {
+        it->second.damaged = SRect();
+    }
 }
 
 bool SHeadlessPlatform::GetSurface(HWND top, Surface* surface) {

@@ -11,6 +11,8 @@
 #include "foundation/image.h"
 #include "toolkit/platform/platform.h"
 
+typedef struct _cairo_surface cairo_surface_t;
+
 class SHeadlessPlatform : public SPlatform {
 public:
     struct Surface {
@@ -22,6 +24,7 @@ public:
         bool fullScreen = false;
         int cursor = 0;
         int frameRequests = 0;
+        SRect damaged; // the bounds of the areas asked for since the last frame
         SSize minimum{-1, -1}; // the size limits, -1 free
         SSize maximum{-1, -1};
     };
@@ -44,7 +47,7 @@ public:
     void SetSurfaceTitle(HWND hwnd, const char* title) override;
     void SetSurfaceAlpha(HWND hwnd, int alpha) override;
     void SetSurfaceFullScreen(HWND hwnd, bool on) override;
-    void InvalidateSurface(HWND hwnd) override;
+    void InvalidateSurface(HWND hwnd, const SRect& area) override;
     void CaptureMouse(HWND hwnd) override;
     void SetSurfaceCursor(HWND hwnd, int cursorIndex) override;
     void SetSurfaceLimits(HWND hwnd, const SSize& minimum, const SSize& maximum) override;
@@ -70,6 +73,9 @@ public:
     void Press(HWND top, int x, int y, unsigned downMessage = WM_LBUTTONDOWN);
     void Release(HWND top, int x, int y, unsigned upMessage = WM_LBUTTONUP);
     void Click(HWND top, int x, int y);
+    // A turn of a wheel, 120 a notch, positive away from the user (or to
+    // the right on the horizontal wheel).
+    void Wheel(HWND top, int x, int y, int delta, bool horizontal = false);
     // A key press with the given SKeyboard modifier bits held.
     void Key(HWND top, unsigned code, unsigned modifiers = 0);
     void SetModifiers(unsigned modifiers);
@@ -85,6 +91,12 @@ public:
 
     // The frame a top-level window shows now, painted into picture.
     bool Snapshot(HWND top, SImage* picture);
+    // What a display does when it draws: the frame of top onto the
+    // surface's screen picture (kept between frames), clipped to the area
+    // asked for since the last frame, which it returns (empty: no frame).
+    SRect PresentFrame(HWND top);
+    // The screen picture of top as the frames presented so far left it.
+    bool GetScreen(HWND top, SImage* picture);
     // A copy of a surface's record; false for an unknown one.
     bool GetSurface(HWND top, Surface* surface);
     HWND GetCaptured() const { return captured; }
@@ -98,8 +110,11 @@ public:
     static void AdvanceClock(uint64_t milliseconds);
 
 private:
+    void ClearDamage(HWND top);
+
     mutable std::mutex mutex;
     std::map<HWND, Surface> surfaces;
+    std::map<HWND, cairo_surface_t*> screens; // of PresentFrame
     SString clipboard;
     SString clipboardFormat; // empty: the clipboard holds text
     std::vector<uint8_t> clipboardData;
