@@ -94,17 +94,17 @@ bool SMenuDefinition::Load(SFile* file, const SMenuNameToId& nameToId, SString* 
     if (count < 1) {
         return fail("the menu count is below 1");
     }
-    // Every menu and item the counts promise needs a section line of its
-    // own in a file this program writes.
+    // Every menu and item the counts promise has a section line of its own
+    // beside the leading "[]" in a file this program writes.
     int64_t promised = count;
-    if (promised > ini.GetSectionCount()) {
+    if (promised > ini.GetSectionCount() - 1) {
         return fail("the menu count is larger than the file");
     }
     std::vector<int> itemCounts(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i) {
         itemCounts[i] = std::max(0, ini.ReadInt(SectionName(i).c_str(), "count"));
         promised += itemCounts[i];
-        if (promised > ini.GetSectionCount()) {
+        if (promised > ini.GetSectionCount() - 1) {
             return fail("the item counts are larger than the file");
         }
     }

@@ -23,8 +23,8 @@
 //   disabled=0
 //
 // Booleans are true when exactly "1". Counts that add up to more menus and
-// items than the file has section lines are refused, so that a damaged
-// count cannot make millions of empty records.
+// items than the file has section lines besides "[]" are refused, so that
+// a damaged count cannot make millions of empty records.
 #pragma once
 
 #include <functional>

@@ -52,7 +52,7 @@ bool SToolbarDefinition::Load(SFile* file, const SToolbarNameToId& nameToId, SSt
     width = ini.ReadInt("", "width");
     height = ini.ReadInt("", "height");
     int count = std::max(0, ini.ReadInt("", "count"));
-    if (count > ini.GetSectionCount()) {
+    if (count > ini.GetSectionCount() - 1) {
         return fail("the button count is larger than the file");
     }
     buttons.resize(static_cast<size_t>(count));

@@ -19,8 +19,8 @@
 // The file holds no command numbers: a button's ID comes from the
 // callback, and a button left with ID 0 gets -2 less its index, so that
 // each has one of its own below -1 (the third button: -4). Booleans are
-// true when exactly "1". A count above the file's section lines is
-// refused, so that a damaged count cannot make millions of buttons.
+// true when exactly "1". A count above the file's section lines besides
+// "[]" is refused, so that a damaged count cannot make millions of buttons.
 #pragma once
 
 #include <functional>
