@@ -427,7 +427,7 @@ bool SDialogDefinition::Load(SFile* file, SString* error) {
     if (file == nullptr || !file->IsOpen()) {
         return fail("no file");
     }
-    if (file->ReadLine(true) != DIALOG_MAGIC) {
+    if (file->ReadLine(true) != SString(DIALOG_MAGIC)) {
         return fail("the first line is not \"TAVORA DIALOG 1.0.0.0\"");
     }
     file->ReadLine(true); // read and discarded, whatever it holds

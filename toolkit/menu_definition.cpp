@@ -85,7 +85,7 @@ bool SMenuDefinition::Load(SFile* file, const SMenuNameToId& nameToId, SString* 
     if (file == nullptr || !file->IsOpen()) {
         return fail("no file");
     }
-    if (file->ReadLine(true) != MENU_MAGIC) {
+    if (file->ReadLine(true) != SString(MENU_MAGIC)) {
         return fail("the first line is not \"TAVORA MENU 1.0.0.0\"");
     }
     SIniSections ini;

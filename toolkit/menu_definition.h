@@ -35,6 +35,8 @@
 class SFile;
 
 constexpr const char* MENU_MAGIC = "TAVORA MENU 1.0.0.0";
+// Menu item images are always this size, whatever their files hold.
+constexpr int MENU_IMAGE_SIZE = 16;
 
 struct SMenuItemRecord {
     int id = 0;

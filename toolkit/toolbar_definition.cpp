@@ -44,7 +44,7 @@ bool SToolbarDefinition::Load(SFile* file, const SToolbarNameToId& nameToId, SSt
     if (file == nullptr || !file->IsOpen()) {
         return fail("no file");
     }
-    if (file->ReadLine(true) != TOOLBAR_MAGIC) {
+    if (file->ReadLine(true) != SString(TOOLBAR_MAGIC)) {
         return fail("the first line is not \"TAVORA TOOLBAR 1.0.0.0\"");
     }
     SIniSections ini;

@@ -61,6 +61,8 @@ TEST(DialogDefinitionLoad, WhatIsRefusedAndWhatIsRead) {
         {"bare LF", HEAD + DIALOG_BLOCK, true, false, false, 0},
         {"blank after the magic", "TAVORA DIALOG 1.0.0.0 \n\n" + DIALOG_BLOCK, false, false, false, 0},
         {"empty file", "", false, false, false, 0},
+        {"magic with a zero byte and more", std::string("TAVORA DIALOG 1.0.0.0\0x\n\n", 25) + DIALOG_BLOCK,
+         false, false, false, 0},
         {"magic alone", "TAVORA DIALOG 1.0.0.0\n", false, true, false, 0},
         {"magic and the discarded line", HEAD, false, true, false, 0},
         {"dialog only", HEAD + DIALOG_BLOCK, false, true, true, 0},
