@@ -1,8 +1,8 @@
 #include "dialogs/dialog_definition.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string>
-#include <unordered_set>
 
 #include "foundation/file.h"
 #include "foundation/parser.h"
@@ -243,6 +243,24 @@ void SDialogDefinition::Reset() {
     loaded = false;
     dialog = _SCtrl();
     controls.clear();
+    idCounts.clear();
+    nameCounts.clear();
+    ForgetHints();
+}
+
+void SDialogDefinition::Reindex() {
+    idCounts.clear();
+    nameCounts.clear();
+    for (const auto& control : controls) {
+        ++idCounts[control->id];
+        ++nameCounts[NameKey(control->name)];
+    }
+    ForgetHints();
+}
+
+void SDialogDefinition::ForgetHints() {
+    idHint = 1;
+    nameHints.fill(1);
 }
 
 SDialogDefinition::_SCtrl* SDialogDefinition::GetControl(int index) {
@@ -264,7 +282,7 @@ SDialogDefinition::_SCtrl* SDialogDefinition::FindControl(int id) {
 
 SDialogDefinition::_SCtrl* SDialogDefinition::FindControl(const char* name) {
     for (auto& control : controls) {
-        if (name != nullptr && control->name == name) {
+        if (name != nullptr && control->name == SString(name)) {
             return control.get();
         }
     }
@@ -283,29 +301,28 @@ SString SDialogDefinition::GenerateName(int type) const {
     if (row == nullptr) {
         return SString();
     }
-    std::unordered_set<std::string> taken;
-    for (const auto& control : controls) {
-        taken.insert(control->name.c_str());
-    }
-    for (int number = 1; number <= MAX_GENERATED; ++number) {
+    int& hint = nameHints[static_cast<size_t>(type)];
+    hint = std::max(hint, 1);
+    for (int number = hint; number <= MAX_GENERATED; ++number) {
         std::string candidate = row->section + std::to_string(number);
-        if (taken.count(candidate) == 0) {
+        if (nameCounts.count(candidate) == 0) {
+            hint = number;
             return SString(candidate.c_str());
         }
     }
+    hint = MAX_GENERATED + 1;
     return SString();
 }
 
 int SDialogDefinition::GenerateId() const {
-    std::unordered_set<int> taken;
-    for (const auto& control : controls) {
-        taken.insert(control->id);
-    }
-    for (int id = 1; id <= MAX_GENERATED; ++id) {
-        if (taken.count(id) == 0) {
+    idHint = std::max(idHint, 1);
+    for (int id = idHint; id <= MAX_GENERATED; ++id) {
+        if (idCounts.count(id) == 0) {
+            idHint = id;
             return id;
         }
     }
+    idHint = MAX_GENERATED + 1;
     return -1;
 }
 
@@ -321,20 +338,22 @@ SDialogDefinition::_SCtrl* SDialogDefinition::AddControl(const _SCtrl& record, b
     }
     auto copy = std::make_unique<_SCtrl>(record);
     copy->isDialog = false;
-    if (!checkId || FindControl(copy->id) != nullptr) {
+    if (!checkId || idCounts.count(copy->id) != 0) {
         int id = GenerateId();
         if (id < 0) {
             return nullptr;
         }
         copy->id = static_cast<int16_t>(id);
     }
-    if (!checkName || FindControl(copy->name.c_str()) != nullptr) {
+    if (!checkName || nameCounts.count(NameKey(copy->name)) != 0) {
         SString name = GenerateName(copy->type);
         if (name.IsEmpty()) {
             return nullptr;
         }
         copy->name = name;
     }
+    ++idCounts[copy->id];
+    ++nameCounts[NameKey(copy->name)];
     controls.push_back(std::move(copy));
     return controls.back().get();
 }
@@ -343,7 +362,16 @@ bool SDialogDefinition::RemoveControl(int index) {
     if (index < 0 || index >= GetControlCount()) {
         return false;
     }
+    const _SCtrl& control = *controls[index];
+    if (--idCounts[control.id] == 0) {
+        idCounts.erase(control.id);
+    }
+    std::string name = NameKey(control.name);
+    if (--nameCounts[name] == 0) {
+        nameCounts.erase(name);
+    }
     controls.erase(controls.begin() + index);
+    ForgetHints();
     return true;
 }
 

@@ -28,8 +28,11 @@
 // style bits that have no word for the record's type.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
+#include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "dialogs/dialog_format.h"
@@ -107,13 +110,17 @@ public:
     void SetDialog(const _SCtrl& record);
 
     // Appends a copy of record as a control. Refused (null) for a type
-    // outside the table. isDialog is cleared. Without checkId, or when the
-    // ID is taken by another control, the ID becomes the smallest free one;
-    // without checkName, or when the name is taken, the name is generated.
-    // Refused when no free ID or name is left.
+    // outside the table or a record already in the array. isDialog is
+    // cleared. Without checkId, or when the ID is taken by another control,
+    // the ID becomes the smallest free one; without checkName, or when the
+    // name (byte for byte) is taken, the name is generated. Refused when no
+    // free ID or name is left.
     _SCtrl* AddControl(const _SCtrl& record, bool checkName, bool checkId);
     // Removes the control at index; false out of range.
     bool RemoveControl(int index);
+    // Counts the IDs and names again: after a control's ID or name was
+    // changed through its pointer.
+    void Reindex();
     // The section name and the smallest number from 1 to 9999 that no
     // control has as its name ("BUTTON1"); empty when all are taken.
     SString GenerateName(int type) const;
@@ -149,8 +156,19 @@ public:
     static int ReadBinary(SFile* file, _SCtrl& record);
 
 private:
+    static std::string NameKey(const SString& name) { return std::string(name.c_str(), name.GetLength()); }
+    void ForgetHints();
+
     bool hasDialog = false;
     bool loaded = false;
     _SCtrl dialog;
     std::vector<std::unique_ptr<_SCtrl>> controls;
+    // How many controls hold each ID and each name, so that adding a
+    // control of a large definition costs no walk over the others.
+    std::unordered_map<int, int> idCounts;
+    std::unordered_map<std::string, int> nameCounts;
+    // Below these nothing is free: adding only takes more, so each search
+    // starts where the last one ended; a removal starts them again at 1.
+    mutable int idHint = 1;
+    mutable std::array<int, CTRL_TYPE_COUNT> nameHints{};
 };

@@ -610,6 +610,11 @@ TEST(DialogDefinitionControls, GeneratedNamesAndIdsRunOut) {
     ASSERT_NE(added, nullptr);
     EXPECT_EQ(added->id, 1);
     EXPECT_EQ(definition.AddControl(*added, true, true), nullptr); // already in the array
+    // A name changed through the pointer is seen after Reindex.
+    EXPECT_EQ(std::string(definition.GenerateName(CTRL_WINDOW).c_str()), "WINDOW1");
+    added->name = "WINDOW1";
+    definition.Reindex();
+    EXPECT_EQ(std::string(definition.GenerateName(CTRL_WINDOW).c_str()), "");
 }
 
 } // namespace
