@@ -80,8 +80,7 @@ bool ReadKeyLine(const SString& line, SDialogDefinition::_SCtrl& record) {
 }
 
 // Little-endian numbers and length-prefixed strings of the binary record.
-template <typename T>
-void PutNumber(std::string& out, T value) {
+template <typename T> void PutNumber(std::string& out, T value) {
     auto bits = static_cast<uint64_t>(value);
     for (size_t i = 0; i < sizeof(T); ++i) {
         out += static_cast<char>((bits >> (8 * i)) & 0xFF);
@@ -100,8 +99,7 @@ struct SBinaryReader {
     int consumed = 0;
     bool shortRead = false;
 
-    template <typename T>
-    T Number() {
+    template <typename T> T Number() {
         unsigned char bytes[sizeof(T)] = {};
         int got = file->Read(bytes, sizeof(T));
         consumed += got;
@@ -146,10 +144,10 @@ struct SBinaryReader {
 
 bool SDialogDefinition::_SCtrl::operator==(const _SCtrl& other) const {
     return id == other.id && type == other.type && name == other.name && caption == other.caption &&
-           fontFace == other.fontFace && fontSize == other.fontSize && fontFlags == other.fontFlags &&
-           x == other.x && y == other.y && width == other.width && height == other.height &&
-           locked == other.locked && isDialog == other.isDialog && style == other.style &&
-           exStyle == other.exStyle && backColor == other.backColor &&
+           fontFace == other.fontFace && fontSize == other.fontSize &&
+           fontFlags == other.fontFlags && x == other.x && y == other.y && width == other.width &&
+           height == other.height && locked == other.locked && isDialog == other.isDialog &&
+           style == other.style && exStyle == other.exStyle && backColor == other.backColor &&
            textColor == other.textColor && transparent == other.transparent &&
            properties == other.properties;
 }

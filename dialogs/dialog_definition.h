@@ -77,7 +77,9 @@ public:
         // The signed decimal of the 32-bit value; absent gives 0xFF000000.
         // GetPropertyColor resolves a system colour, the Raw form does not.
         uint32_t GetPropertyColorRaw(const char* key) const;
-        uint32_t GetPropertyColor(const char* key) const { return ResolveColor(GetPropertyColorRaw(key)); }
+        uint32_t GetPropertyColor(const char* key) const {
+            return ResolveColor(GetPropertyColorRaw(key));
+        }
         // The draw mode of the stored word; DRAW_TOPLEFT for none or an
         // unknown word.
         int GetPropertyDrawMode(const char* key) const;
@@ -156,7 +158,9 @@ public:
     static int ReadBinary(SFile* file, _SCtrl& record);
 
 private:
-    static std::string NameKey(const SString& name) { return std::string(name.c_str(), name.GetLength()); }
+    static std::string NameKey(const SString& name) {
+        return std::string(name.c_str(), name.GetLength());
+    }
     void ForgetHints();
 
     bool hasDialog = false;

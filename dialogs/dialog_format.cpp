@@ -47,7 +47,10 @@ const SControlType TYPES[CTRL_TYPE_COUNT] = {
 };
 
 // Style words per type, WS_VISIBLE and WS_DISABLED first.
-#define COMMON {"WS_VISIBLE", 0x10000000u}, {"WS_DISABLED", 0x08000000u}
+#define COMMON                                                                                     \
+    {"WS_VISIBLE", 0x10000000u}, {                                                                 \
+        "WS_DISABLED", 0x08000000u                                                                 \
+    }
 
 const SStyleWord STYLE_COMMON[] = {COMMON};
 const SStyleWord STYLE_DIALOG[] = {COMMON,
@@ -68,7 +71,8 @@ const SStyleWord STYLE_BUTTON[] = {COMMON,
                                    {"BS_FLAT", 0x8000},
                                    {"BS_MULTILINE", 0x2000},
                                    {"BS_DEFPUSHBUTTON", 0x1}};
-const SStyleWord STYLE_GROUP[] = {COMMON, {"BS_LEFT", 0x100}, {"BS_RIGHT", 0x200}, {"BS_CENTER", 0x300}};
+const SStyleWord STYLE_GROUP[] = {
+    COMMON, {"BS_LEFT", 0x100}, {"BS_RIGHT", 0x200}, {"BS_CENTER", 0x300}};
 const SStyleWord STYLE_COMBO[] = {COMMON,
                                   {"WS_VSCROLL", 0x00200000u},
                                   {"CBS_SIMPLE", 1},
@@ -131,16 +135,19 @@ const SStyleWord STYLE_LIST[] = {COMMON,
                                  {"LBS_DISABLENOSCROLL", 0x1000},
                                  {"LBS_NOINTEGRALHEIGHT", 0x100},
                                  {"LBS_SORT", 2}};
-const SStyleWord STYLE_PROGRESS[] = {COMMON, {"PBS_VERTICAL", 4}, {"PBS_SMOOTH", 1}, {"PBS_MARQUEE", 8}};
+const SStyleWord STYLE_PROGRESS[] = {
+    COMMON, {"PBS_VERTICAL", 4}, {"PBS_SMOOTH", 1}, {"PBS_MARQUEE", 8}};
 const SStyleWord STYLE_SCROLL[] = {COMMON, {"SBS_VERT", 1}};
-const SStyleWord STYLE_SLIDER[] = {COMMON, {"WS_BORDER", 0x00800000u}, {"TBS_TOOLTIPS", 0x100}, {"TBS_VERT", 2}};
+const SStyleWord STYLE_SLIDER[] = {
+    COMMON, {"WS_BORDER", 0x00800000u}, {"TBS_TOOLTIPS", 0x100}, {"TBS_VERT", 2}};
 const SStyleWord STYLE_TAB[] = {COMMON,
                                 {"TCS_BUTTONS", 0x100},
                                 {"TCS_FLATBUTTONS", 8},
                                 {"TCS_FOCUSNEVER", 0x8000},
                                 {"TCS_FOCUSONBUTTONDOWN", 0x1000},
                                 {"TCS_TOOLTIPS", 0x4000}};
-const SStyleWord STYLE_TOOLBAR[] = {COMMON, {"WS_BORDER", 0x00800000u}, {"TBSTYLE_TOOLTIPS", 0x100}};
+const SStyleWord STYLE_TOOLBAR[] = {
+    COMMON, {"WS_BORDER", 0x00800000u}, {"TBSTYLE_TOOLTIPS", 0x100}};
 const SStyleWord STYLE_TREE[] = {COMMON,
                                  {"WS_BORDER", 0x00800000u},
                                  {"TVS_CHECKBOXES", 0x100},
@@ -166,29 +173,44 @@ struct SWordList {
     int count;
 };
 
-template <int N>
-constexpr SWordList List(const SStyleWord (&words)[N]) {
+template <int N> constexpr SWordList List(const SStyleWord (&words)[N]) {
     return {words, N};
 }
 
 SWordList StyleList(int type) {
     switch (type) {
-    case CTRL_DIALOG: return List(STYLE_DIALOG);
-    case CTRL_BROWSER: return List(STYLE_BORDER);
-    case CTRL_BUTTON: return List(STYLE_BUTTON);
-    case CTRL_GROUP: return List(STYLE_GROUP);
-    case CTRL_COMBO: return List(STYLE_COMBO);
-    case CTRL_EDIT: return List(STYLE_EDIT);
-    case CTRL_RICHEDIT: return List(STYLE_RICHEDIT);
-    case CTRL_EXTENDEDLIST: return List(STYLE_EXLIST);
-    case CTRL_LIST: return List(STYLE_LIST);
-    case CTRL_PROGRESS: return List(STYLE_PROGRESS);
-    case CTRL_SCROLL: return List(STYLE_SCROLL);
-    case CTRL_SLIDER: return List(STYLE_SLIDER);
-    case CTRL_STATIC: return List(STYLE_COMMON);
-    case CTRL_TAB: return List(STYLE_TAB);
-    case CTRL_TOOLBAR: return List(STYLE_TOOLBAR);
-    case CTRL_TREE: return List(STYLE_TREE);
+    case CTRL_DIALOG:
+        return List(STYLE_DIALOG);
+    case CTRL_BROWSER:
+        return List(STYLE_BORDER);
+    case CTRL_BUTTON:
+        return List(STYLE_BUTTON);
+    case CTRL_GROUP:
+        return List(STYLE_GROUP);
+    case CTRL_COMBO:
+        return List(STYLE_COMBO);
+    case CTRL_EDIT:
+        return List(STYLE_EDIT);
+    case CTRL_RICHEDIT:
+        return List(STYLE_RICHEDIT);
+    case CTRL_EXTENDEDLIST:
+        return List(STYLE_EXLIST);
+    case CTRL_LIST:
+        return List(STYLE_LIST);
+    case CTRL_PROGRESS:
+        return List(STYLE_PROGRESS);
+    case CTRL_SCROLL:
+        return List(STYLE_SCROLL);
+    case CTRL_SLIDER:
+        return List(STYLE_SLIDER);
+    case CTRL_STATIC:
+        return List(STYLE_COMMON);
+    case CTRL_TAB:
+        return List(STYLE_TAB);
+    case CTRL_TOOLBAR:
+        return List(STYLE_TOOLBAR);
+    case CTRL_TREE:
+        return List(STYLE_TREE);
     default:
         return type >= 0 && type < CTRL_TYPE_COUNT ? List(STYLE_BORDER) : List(STYLE_COMMON);
     }
@@ -196,14 +218,17 @@ SWordList StyleList(int type) {
 
 SWordList ExStyleList(int type) {
     switch (type) {
-    case CTRL_DIALOG: return List(EX_DIALOG);
+    case CTRL_DIALOG:
+        return List(EX_DIALOG);
     case CTRL_EDIT:
     case CTRL_EXTENDEDLIST:
     case CTRL_LIST:
     case CTRL_SLIDER:
     case CTRL_TOOLBAR:
-    case CTRL_TREE: return List(EX_EDGES);
-    case CTRL_RICHEDIT: return List(EX_STATICEDGE);
+    case CTRL_TREE:
+        return List(EX_EDGES);
+    case CTRL_RICHEDIT:
+        return List(EX_STATICEDGE);
     case CTRL_BROWSER:
     case CTRL_BUTTON:
     case CTRL_GROUP:
@@ -211,7 +236,8 @@ SWordList ExStyleList(int type) {
     case CTRL_PROGRESS:
     case CTRL_SCROLL:
     case CTRL_STATIC:
-    case CTRL_TAB: return {nullptr, 0};
+    case CTRL_TAB:
+        return {nullptr, 0};
     default:
         return type >= 0 && type < CTRL_TYPE_COUNT ? List(EX_EDGES) : SWordList{nullptr, 0};
     }
@@ -249,12 +275,17 @@ struct SAnchorName {
     const char* label;
 };
 
-const SAnchorName H_ANCHORS[] = {{0, "_AUTOLEFT", "Left"},         {1, "_AUTOCENTER", "Center"},
-                                 {2, "_AUTORIGHT", "Right"},       {4, "_AUTOWIDTH", "Resize"},
-                                 {9, "_AUTOCENTERHALF", "Half Center"}, {10, "_AUTORIGHTHALF", "Half Right"},
+const SAnchorName H_ANCHORS[] = {{0, "_AUTOLEFT", "Left"},
+                                 {1, "_AUTOCENTER", "Center"},
+                                 {2, "_AUTORIGHT", "Right"},
+                                 {4, "_AUTOWIDTH", "Resize"},
+                                 {9, "_AUTOCENTERHALF", "Half Center"},
+                                 {10, "_AUTORIGHTHALF", "Half Right"},
                                  {12, "_AUTOWIDTHHALF", "Half Resize"}};
-const SAnchorName V_ANCHORS[] = {{0, "_AUTOTOP", "Top"},          {0x10, "_AUTOMIDDLE", "Middle"},
-                                 {0x20, "_AUTOBOTTOM", "Bottom"}, {0x40, "_AUTOHEIGHT", "Resize"},
+const SAnchorName V_ANCHORS[] = {{0, "_AUTOTOP", "Top"},
+                                 {0x10, "_AUTOMIDDLE", "Middle"},
+                                 {0x20, "_AUTOBOTTOM", "Bottom"},
+                                 {0x40, "_AUTOHEIGHT", "Resize"},
                                  {0x90, "_AUTOMIDDLEHALF", "Half Middle"},
                                  {0xA0, "_AUTOBOTTOMHALF", "Half Bottom"},
                                  {0xC0, "_AUTOHEIGHTHALF", "Half Resize"}};
@@ -270,9 +301,9 @@ const SAnchorName* FindAnchor(uint32_t value, bool vertical) {
 }
 
 const char* const DRAW_WORDS[DRAW_MODE_COUNT] = {
-    "_DRAWTOPLEFT",    "_DRAWTOPCENTER",    "_DRAWTOPRIGHT",    "_DRAWMIDDLELEFT",
-    "_DRAWMIDDLERIGHT", "_DRAWBOTTOMLEFT",  "_DRAWBOTTOMCENTER", "_DRAWBOTTOMRIGHT",
-    "_DRAWCENTER",     "_DRAWSTRETCH",      "_DRAWTILE",        "_DRAWFIT"};
+    "_DRAWTOPLEFT",     "_DRAWTOPCENTER",  "_DRAWTOPRIGHT",     "_DRAWMIDDLELEFT",
+    "_DRAWMIDDLERIGHT", "_DRAWBOTTOMLEFT", "_DRAWBOTTOMCENTER", "_DRAWBOTTOMRIGHT",
+    "_DRAWCENTER",      "_DRAWSTRETCH",    "_DRAWTILE",         "_DRAWFIT"};
 
 } // namespace
 
@@ -375,7 +406,8 @@ uint32_t ResolveColor(uint32_t color) {
         return color;
     }
     uint32_t index = SystemColorIndex(color);
-    return index < static_cast<uint32_t>(SYS_COLOR_COUNT) ? GetSysColor(static_cast<int>(index)) : 0;
+    return index < static_cast<uint32_t>(SYS_COLOR_COUNT) ? GetSysColor(static_cast<int>(index))
+                                                          : 0;
 }
 
 SAnchorBox ApplyAnchorValue(uint32_t anchor, const SAnchorBox& recorded, int dw, int dh) {

@@ -93,7 +93,7 @@ uint32_t ParseColorText(const char* text);
 SString FormatColorText(uint32_t color);
 
 // The three ranges of a colour value.
-constexpr uint32_t COLOR_NOT_SET = 0xFF000000u;  // the control keeps its default
+constexpr uint32_t COLOR_NOT_SET = 0xFF000000u; // the control keeps its default
 constexpr uint32_t COLOR_SYSTEM_FIRST = 0xFE000000u;
 inline bool IsColorNotSet(uint32_t color) {
     return color == COLOR_NOT_SET;

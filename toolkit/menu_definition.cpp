@@ -145,7 +145,8 @@ SString SMenuDefinition::Format() const {
         AddNumber(text, "count", static_cast<long long>(menu.items.size()));
         for (size_t j = 0; j < menu.items.size(); ++j) {
             const SMenuItemRecord& item = menu.items[j];
-            text += SString("\r\n[") + SectionName(static_cast<int>(i), static_cast<int>(j)) + "]\r\n";
+            text +=
+                SString("\r\n[") + SectionName(static_cast<int>(i), static_cast<int>(j)) + "]\r\n";
             AddNumber(text, "id", item.id);
             complete &= AddLine(text, "name", item.name);
             AddNumber(text, "separator", item.separator ? 1 : 0);

@@ -45,7 +45,7 @@ struct SMenuItemRecord {
     int submenu = -1; // index of the submenu, -1 for none
     SString text;
     SString tip;
-    SString image;   // file name, empty for none
+    SString image;       // file name, empty for none
     int imageIndex = -1; // place of image among the definition's images
     int data = 0;
     bool checked = false;

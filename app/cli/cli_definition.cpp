@@ -47,7 +47,8 @@ bool Rewrite(const SString& magic, SFileMem& input, SFileMem& output, std::strin
             reason = std::string("not a readable toolbar definition: ") + error.c_str();
             return false;
         }
-        return toolbar.Save(&output) || (reason = "the toolbar definition cannot be written", false);
+        return toolbar.Save(&output) ||
+               (reason = "the toolbar definition cannot be written", false);
     }
     if (magic == TREE_MAGIC) {
         STreeItems tree;

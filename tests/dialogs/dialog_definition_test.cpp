@@ -59,24 +59,31 @@ TEST(DialogDefinitionLoad, WhatIsRefusedAndWhatIsRead) {
     } cases[] = {
         {"magic in lower case", "tavora dialog 1.0.0.0\n\n" + DIALOG_BLOCK, false, false, false, 0},
         {"bare LF", HEAD + DIALOG_BLOCK, true, false, false, 0},
-        {"blank after the magic", "TAVORA DIALOG 1.0.0.0 \n\n" + DIALOG_BLOCK, false, false, false, 0},
+        {"blank after the magic", "TAVORA DIALOG 1.0.0.0 \n\n" + DIALOG_BLOCK, false, false, false,
+         0},
         {"empty file", "", false, false, false, 0},
-        {"magic with a zero byte and more", std::string("TAVORA DIALOG 1.0.0.0\0x\n\n", 25) + DIALOG_BLOCK,
-         false, false, false, 0},
+        {"magic with a zero byte and more",
+         std::string("TAVORA DIALOG 1.0.0.0\0x\n\n", 25) + DIALOG_BLOCK, false, false, false, 0},
         {"magic alone", "TAVORA DIALOG 1.0.0.0\n", false, true, false, 0},
         {"magic and the discarded line", HEAD, false, true, false, 0},
         {"dialog only", HEAD + DIALOG_BLOCK, false, true, true, 0},
         {"unknown section", HEAD + DIALOG_BLOCK + "[KNOB]\nID=1\n\n", false, false, false, 0},
         {"no opening bracket", HEAD + "DIALOG]\nID=0\n\n", false, false, false, 0},
-        {"any two characters round the name", HEAD + "xDIALOGx\n\n<button>\n\n", false, true, true, 1},
+        {"any two characters round the name", HEAD + "xDIALOGx\n\n<button>\n\n", false, true, true,
+         1},
         {"section name in lower case", HEAD + DIALOG_BLOCK + "[edit]\n\n", false, true, true, 1},
         {"line without =", HEAD + "[DIALOG]\nID=0\nNAME\n\n", false, false, false, 0},
         {"blank line inside a block", HEAD + "[DIALOG]\nID=0\n \n\n", false, false, false, 0},
-        {"two empty lines between blocks", HEAD + DIALOG_BLOCK + "\n[EDIT]\n\n", false, false, false, 0},
-        {"last block without its empty line", HEAD + DIALOG_BLOCK + "[EDIT]\nID=4", false, true, true, 1},
-        {"first block of another type is the dialog", HEAD + "[BUTTON]\n\n[BUTTON]\n\n", false, true, true, 1},
-        {"a later DIALOG block is a control", HEAD + DIALOG_BLOCK + DIALOG_BLOCK, false, true, true, 1},
-        {"every type", HEAD + DIALOG_BLOCK + "[TREE]\n\n[EXTERN]\n\n[WINDOW]\n\n", false, true, true, 3},
+        {"two empty lines between blocks", HEAD + DIALOG_BLOCK + "\n[EDIT]\n\n", false, false,
+         false, 0},
+        {"last block without its empty line", HEAD + DIALOG_BLOCK + "[EDIT]\nID=4", false, true,
+         true, 1},
+        {"first block of another type is the dialog", HEAD + "[BUTTON]\n\n[BUTTON]\n\n", false,
+         true, true, 1},
+        {"a later DIALOG block is a control", HEAD + DIALOG_BLOCK + DIALOG_BLOCK, false, true, true,
+         1},
+        {"every type", HEAD + DIALOG_BLOCK + "[TREE]\n\n[EXTERN]\n\n[WINDOW]\n\n", false, true,
+         true, 3},
     };
     for (const Case& c : cases) {
         SDialogDefinition definition;
@@ -97,31 +104,31 @@ TEST(DialogDefinitionLoad, WhatIsRefusedAndWhatIsRead) {
 TEST(DialogDefinitionLoad, FixedKeysAndTheirOddities) {
     SDialogDefinition definition;
     ASSERT_TRUE(LoadText(definition, Crlf(HEAD + "[BUTTON]\n"
-                                          "ID=7\n"
-                                          "CAPTION=a=b=c\n"
-                                          "FONT=Sans, 9, 3\n"
-                                          "POSITION=1 2 3 4\n"
-                                          "STYLE=WS_VISIBLE BS_FLAT\n"
-                                          "EXSTYLE=WS_VISIBLE\n"
-                                          "BACKCOLOR=#004080\n"
-                                          "TEXTCOLOR=#00408\n"
-                                          "TRANSPARENT=5\n"
-                                          "ISLOCKED=x\n"
-                                          "=dropped\n"
-                                          "id=kept\n"
-                                          "MEDIA_ALIGN=_LEFT\n\n"
-                                          "[EDIT]\n"
-                                          "ID=70000\n"
-                                          "FONT=Sans, 9\n"
-                                          "POSITION=1 2 3\n"
-                                          "STYLE=\n"
-                                          "EXSTYLE=WS_EX_CLIENTEDGE\n"
-                                          "STYLE=WS_VISIBLE ES_CENTER\n"
-                                          "STYLE=\n"
-                                          "FONT=\"A, B\",  12,  1\n"
-                                          "POSITION=-5 x 70000 -1\n\n"
-                                          "[LABEL]\n"
-                                          "STYLE=\n\n")));
+                                                 "ID=7\n"
+                                                 "CAPTION=a=b=c\n"
+                                                 "FONT=Sans, 9, 3\n"
+                                                 "POSITION=1 2 3 4\n"
+                                                 "STYLE=WS_VISIBLE BS_FLAT\n"
+                                                 "EXSTYLE=WS_VISIBLE\n"
+                                                 "BACKCOLOR=#004080\n"
+                                                 "TEXTCOLOR=#00408\n"
+                                                 "TRANSPARENT=5\n"
+                                                 "ISLOCKED=x\n"
+                                                 "=dropped\n"
+                                                 "id=kept\n"
+                                                 "MEDIA_ALIGN=_LEFT\n\n"
+                                                 "[EDIT]\n"
+                                                 "ID=70000\n"
+                                                 "FONT=Sans, 9\n"
+                                                 "POSITION=1 2 3\n"
+                                                 "STYLE=\n"
+                                                 "EXSTYLE=WS_EX_CLIENTEDGE\n"
+                                                 "STYLE=WS_VISIBLE ES_CENTER\n"
+                                                 "STYLE=\n"
+                                                 "FONT=\"A, B\",  12,  1\n"
+                                                 "POSITION=-5 x 70000 -1\n\n"
+                                                 "[LABEL]\n"
+                                                 "STYLE=\n\n")));
     const Record& dialog = definition.GetDialog();
     EXPECT_EQ(dialog.type, CTRL_DIALOG);
     EXPECT_TRUE(dialog.isDialog);
@@ -143,7 +150,7 @@ TEST(DialogDefinitionLoad, FixedKeysAndTheirOddities) {
     const Record* edit = definition.GetControl(0);
     ASSERT_NE(edit, nullptr);
     EXPECT_FALSE(edit->isDialog);
-    EXPECT_EQ(edit->id, static_cast<int16_t>(70000)); // 16 bits kept
+    EXPECT_EQ(edit->id, static_cast<int16_t>(70000));           // 16 bits kept
     EXPECT_EQ(std::string(edit->fontFace.c_str()), "\"A, B\""); // quoted comma does not cut
     EXPECT_EQ(edit->fontSize, 12);
     EXPECT_EQ(edit->fontFlags, 1u);
@@ -285,121 +292,87 @@ struct TypeKeys {
     const char* keys;
 };
 const TypeKeys TYPE_KEYS[] = {
-    {"DIALOG",
-         "DIALOG_LAYER DIALOG_SHAPE DIALOG_CAPTION DIALOG_BUTTON DIALOG_NOCLOSE "
-         "DIALOG_MAXIMIZEBOX DIALOG_MINIMIZEBOX DIALOG_RESIZE DIALOG_TOOLWINDOW "
-         "DIALOG_MAXIMIZED DIALOG_MINIMIZED DIALOG_TOPMOST DIALOG_MINSIZE DIALOG_MAXSIZE "
-         "DIALOG_DRAGFILES DIALOG_MOVEWITHMOUSE DIALOG_NOMODALRETURN DIALOG_NOMODALESCAPE "
-         "DIALOG_STATUSBARTEXT DIALOG_FOCUS DIALOG_ICON DIALOG_IMAGE DIALOG_IMAGEDRAWMODE "
-         "DIALOG_MENU DIALOG_TOOLBAR BORDER CLIENTEDGE STATICEDGE "},
-    {"BROWSER",
-         "BROWSER_DIALOGS BROWSER_URL BORDER BROWSER_FILE "},
-    {"BUTTON",
-         "BUTTON_DEFAULT BUTTON_FLAT BUTTON_MULTILINE BUTTON_HALIGN BUTTON_VALIGN TOOLTIP "},
-    {"CHECK",
-         "TOOLTIP CHECK_CHECKED BORDER CLIENTEDGE STATICEDGE "},
-    {"CODEEDIT",
-         "CODEEDIT_BR CODEEDIT_COMMENT CODEEDIT_FINDREPLACELOCAL CODEEDIT_INDENT "
-         "CODEEDIT_SINGLELINE CODEEDIT_STRINGS CODEEDIT_UPPERWORDS CODEEDIT_SHOWNUMBER "
-         "CODEEDIT_READONLY TOOLTIP CODEEDIT_BARWIDTH CODEEDIT_TABSIZE CODEEDIT_SELECTALL "
-         "CODEEDIT_BACKCOLOR CODEEDIT_BACKFOCUSCOLOR CODEEDIT_BARCOLOR "
-         "CODEEDIT_BARGRAYCOLOR CODEEDIT_BARCHECKCOLOR CODEEDIT_BARMARKCOLOR "
-         "CODEEDIT_TEXTCOLOR CODEEDIT_TEXTKEYCOLOR CODEEDIT_TEXTSTRCOLOR "
-         "CODEEDIT_TEXTUPCOLOR CODEEDIT_TEXTCOMMENTCOLOR CODEEDIT_HIGHLIGHTCOLOR "
-         "CODEEDIT_FILE BORDER CLIENTEDGE STATICEDGE "},
-    {"COMBO",
-         "COMBO_TYPE COMBO_AUTOHSCROLL COMBO_DISABLENOSCROLL COMBO_NOINTEGRALHEIGHT "
-         "COMBO_SORT COMBO_VSCROLL TOOLTIP COMBO_CONTENT COMBO_FILE "},
-    {"EDIT",
-         "EDIT_AUTOHSCROLL EDIT_AUTOVSCROLL EDIT_HSCROLL EDIT_VSCROLL EDIT_READONLY "
-         "EDIT_NEVERHIDESELECTION EDIT_ALIGN EDIT_LOWER EDIT_UPPER EDIT_MULTILINE "
-         "EDIT_PASSWORD EDIT_NUMBER EDIT_NOPOPUPMENU TOOLTIP EDIT_SELECTALL "
-         "EDIT_MAXLENGTH EDIT_TEXT BORDER CLIENTEDGE STATICEDGE "},
-    {"EXTENDEDLIST",
-         "EXLIST_TYPE EXLIST_EDITLABELS EXLIST_AUTOARRANGE EXLIST_FULLROWSELECT "
-         "EXLIST_GRIDLINES EXLIST_SINGLESELECTION EXLIST_NOLABELWRAP EXLIST_NOSCROLL "
-         "EXLIST_NEVERHIDESELECTION EXLIST_SORTASCENDING EXLIST_SORTDESCENDING "
-         "EXLIST_NOCOLUMNHEADER TOOLTIP BORDER CLIENTEDGE STATICEDGE "},
-    {"GROUP",
-         "GROUP_ALIGN "},
-    {"GUI",
-         "BORDER CLIENTEDGE STATICEDGE "},
-    {"IMAGEEDITOR",
-         "IMAGEEDITOR_FILE BORDER CLIENTEDGE STATICEDGE "},
-    {"LABEL",
-         "LABEL_HALIGN LABEL_VALIGN TOOLTIP LABEL_TEXT LABEL_IMAGE LABEL_IMAGEDRAWMODE "
-         "BORDER CLIENTEDGE STATICEDGE "},
-    {"LCD",
-         "LCD_HALIGN TOOLTIP LCD_PIXELWIDTH LCD_PIXELHEIGHT LCD_CHARCOUNT LCD_LINECOUNT "
-         "LCD_SCROLL LCD_SCROLLSPEED LCD_CELLCOLOR LCD_TEXT BORDER CLIENTEDGE STATICEDGE "},
-    {"LEVEL",
-         "LEVEL_HORIZONTAL LEVEL_TICK TOOLTIP LEVEL_CHANNELCOUNT LEVEL_VALUE "
-         "LEVEL_MINVALUE LEVEL_MAXVALUE LEVEL_BACKCOLOR LEVEL_LOWCOLOR LEVEL_HIGHCOLOR "
-         "BORDER CLIENTEDGE STATICEDGE "},
-    {"LIST",
-         "LIST_SELECTION LIST_HSCROLL LIST_VSCROLL LIST_DISABLENOSCROLL "
-         "LIST_NOINTEGRALHEIGHT LIST_SORT TOOLTIP LIST_CONTENT LIST_SELBACKCOLOR "
-         "LIST_SELTEXTCOLOR LIST_FILE BORDER CLIENTEDGE STATICEDGE "},
-    {"MEDIA",
-         "MEDIA_SHAPE MEDIA_HALIGN MEDIA_VALIGN MEDIA_WRAPPING MEDIA_TRIMMING MEDIA_TAGS "
-         "MEDIA_BUTTON TOOLTIP MEDIA_LEFTMARGIN MEDIA_TOPMARGIN MEDIA_RIGHTMARGIN "
-         "MEDIA_BOTTOMMARGIN MEDIA_AUTOSCROLLX MEDIA_AUTOSCROLLY MEDIA_AUTOSCROLLLOOP "
-         "MEDIA_CHECKED MEDIA_LINKCOLOR MEDIA_TEXT MEDIA_IMAGE MEDIA_IMAGEDRAWMODE "
-         "MEDIA_BUTTONOVER MEDIA_BUTTONPUSH MEDIA_BUTTONCHECK MEDIA_BUTTONDISABLED BORDER "
-         "CLIENTEDGE STATICEDGE "},
-    {"MEDIAPLAYER",
-         "MEDIAPLAYER_LOOP BORDER CLIENTEDGE STATICEDGE "},
-    {"PANEL",
-         "BORDER CLIENTEDGE STATICEDGE "},
-    {"PROGRESS",
-         "PROGRESS_VERTICAL PROGRESS_SMOOTH PROGRESS_MARQUEE TOOLTIP PROGRESS_VALUE "
-         "PROGRESS_MINVALUE PROGRESS_MAXVALUE "},
-    {"PROPERTY",
-         "BORDER CLIENTEDGE STATICEDGE "},
-    {"RADIO",
-         "TOOLTIP RADIO_CHECKED RADIO_GROUP BORDER CLIENTEDGE STATICEDGE "},
-    {"RICHEDIT",
-         "RICHEDIT_AUTOHSCROLL RICHEDIT_AUTOVSCROLL RICHEDIT_HSCROLL RICHEDIT_VSCROLL "
-         "RICHEDIT_READONLY RICHEDIT_NEVERHIDESELECTION RICHEDIT_WANTRETURN "
-         "RICHEDIT_ALIGN TOOLTIP RICHEDIT_SUNKEN STATICEDGE RICHEDIT_FILE "},
-    {"SCROLL",
-         "SCROLL_VERTICAL TOOLTIP SCROLL_VALUE SCROLL_MINVALUE SCROLL_MAXVALUE "},
-    {"SLIDER",
-         "SLIDER_TOOLTIPS SLIDER_VERTICAL TOOLTIP SLIDER_VALUE SLIDER_MINVALUE "
-         "SLIDER_MAXVALUE BORDER CLIENTEDGE STATICEDGE "},
-    {"SPLITTER",
-         "SPLITTER_COLCOUNT SPLITTER_ROWCOUNT SPLITTER_WINDOWBACKCOLOR BORDER CLIENTEDGE "
-         "STATICEDGE "},
-    {"SPREAD",
-         "SPREAD_FILE BORDER CLIENTEDGE STATICEDGE "},
-    {"STATIC",
-         "STATIC_EDGE STATIC_LEFTBORDER STATIC_TOPBORDER STATIC_RIGHTBORDER "
-         "STATIC_BOTTOMBORDER STATIC_IMAGE STATIC_IMAGEDRAWMODE "},
-    {"TAB",
-         "TAB_TYPE TAB_TOOLTIPS TAB_FOCUSONBUTTONDOWN TAB_FOCUSNEVER TAB_CONTENT "
-         "TAB_TIPCONTENT TAB_SELECTION "},
-    {"TABDOC",
-         "TABDOC_CLOSE TABDOC_MOVE TABDOC_CONTENT TABDOC_SELECTION TABDOC_BACKCOLOR "
-         "TABDOC_BACKSELCOLOR TABDOC_TEXTCOLOR TABDOC_TEXTSELCOLOR TABDOC_WINDOWBACKCOLOR "
-         "BORDER CLIENTEDGE STATICEDGE "},
-    {"TOOLBAR",
-         "TOOLBAR_TOOLTIPS TOOLBAR_TRANSPARENT TOOLBAR_IMAGEWIDTH TOOLBAR_IMAGEHEIGHT "
-         "TOOLBAR_CONTENT BORDER CLIENTEDGE STATICEDGE "},
-    {"TREE",
-         "TREE_CHECKBOXES TREE_DRAGDROP TREE_EDITLABELS TREE_FULLROWSELECT "
-         "TREE_HASBUTTONS TREE_HASLINES TREE_LINESATROOT TREE_NEVERHIDESELECTION "
-         "TREE_HOTTRACKING TREE_FILE BORDER CLIENTEDGE STATICEDGE "},
-    {"WAVEEDITOR",
-         "WAVEEDITOR_POPUPMENU WAVEEDITOR_COLORBACKENABLED WAVEEDITOR_COLORBACKDISABLED "
-         "WAVEEDITOR_COLORLINE WAVEEDITOR_COLORCARET WAVEEDITOR_COLORCARETPLAY "
-         "WAVEEDITOR_COLORWAVEENABLED WAVEEDITOR_COLORWAVEDISABLED "
-         "WAVEEDITOR_COLORPROGRESSBACK WAVEEDITOR_COLORPROGRESSSTART "
-         "WAVEEDITOR_COLORPROGRESSEND WAVEEDITOR_FILE WAVEEDITOR_LEVEL BORDER CLIENTEDGE "
-         "STATICEDGE "},
-    {"WINDOW",
-         "BORDER CLIENTEDGE STATICEDGE "},
-    {"EXTERN",
-         "EXTERN_NAME EXTERN_FILENAME BORDER CLIENTEDGE STATICEDGE "},
+    {"DIALOG", "DIALOG_LAYER DIALOG_SHAPE DIALOG_CAPTION DIALOG_BUTTON DIALOG_NOCLOSE "
+               "DIALOG_MAXIMIZEBOX DIALOG_MINIMIZEBOX DIALOG_RESIZE DIALOG_TOOLWINDOW "
+               "DIALOG_MAXIMIZED DIALOG_MINIMIZED DIALOG_TOPMOST DIALOG_MINSIZE DIALOG_MAXSIZE "
+               "DIALOG_DRAGFILES DIALOG_MOVEWITHMOUSE DIALOG_NOMODALRETURN DIALOG_NOMODALESCAPE "
+               "DIALOG_STATUSBARTEXT DIALOG_FOCUS DIALOG_ICON DIALOG_IMAGE DIALOG_IMAGEDRAWMODE "
+               "DIALOG_MENU DIALOG_TOOLBAR BORDER CLIENTEDGE STATICEDGE "},
+    {"BROWSER", "BROWSER_DIALOGS BROWSER_URL BORDER BROWSER_FILE "},
+    {"BUTTON", "BUTTON_DEFAULT BUTTON_FLAT BUTTON_MULTILINE BUTTON_HALIGN BUTTON_VALIGN TOOLTIP "},
+    {"CHECK", "TOOLTIP CHECK_CHECKED BORDER CLIENTEDGE STATICEDGE "},
+    {"CODEEDIT", "CODEEDIT_BR CODEEDIT_COMMENT CODEEDIT_FINDREPLACELOCAL CODEEDIT_INDENT "
+                 "CODEEDIT_SINGLELINE CODEEDIT_STRINGS CODEEDIT_UPPERWORDS CODEEDIT_SHOWNUMBER "
+                 "CODEEDIT_READONLY TOOLTIP CODEEDIT_BARWIDTH CODEEDIT_TABSIZE CODEEDIT_SELECTALL "
+                 "CODEEDIT_BACKCOLOR CODEEDIT_BACKFOCUSCOLOR CODEEDIT_BARCOLOR "
+                 "CODEEDIT_BARGRAYCOLOR CODEEDIT_BARCHECKCOLOR CODEEDIT_BARMARKCOLOR "
+                 "CODEEDIT_TEXTCOLOR CODEEDIT_TEXTKEYCOLOR CODEEDIT_TEXTSTRCOLOR "
+                 "CODEEDIT_TEXTUPCOLOR CODEEDIT_TEXTCOMMENTCOLOR CODEEDIT_HIGHLIGHTCOLOR "
+                 "CODEEDIT_FILE BORDER CLIENTEDGE STATICEDGE "},
+    {"COMBO", "COMBO_TYPE COMBO_AUTOHSCROLL COMBO_DISABLENOSCROLL COMBO_NOINTEGRALHEIGHT "
+              "COMBO_SORT COMBO_VSCROLL TOOLTIP COMBO_CONTENT COMBO_FILE "},
+    {"EDIT", "EDIT_AUTOHSCROLL EDIT_AUTOVSCROLL EDIT_HSCROLL EDIT_VSCROLL EDIT_READONLY "
+             "EDIT_NEVERHIDESELECTION EDIT_ALIGN EDIT_LOWER EDIT_UPPER EDIT_MULTILINE "
+             "EDIT_PASSWORD EDIT_NUMBER EDIT_NOPOPUPMENU TOOLTIP EDIT_SELECTALL "
+             "EDIT_MAXLENGTH EDIT_TEXT BORDER CLIENTEDGE STATICEDGE "},
+    {"EXTENDEDLIST", "EXLIST_TYPE EXLIST_EDITLABELS EXLIST_AUTOARRANGE EXLIST_FULLROWSELECT "
+                     "EXLIST_GRIDLINES EXLIST_SINGLESELECTION EXLIST_NOLABELWRAP EXLIST_NOSCROLL "
+                     "EXLIST_NEVERHIDESELECTION EXLIST_SORTASCENDING EXLIST_SORTDESCENDING "
+                     "EXLIST_NOCOLUMNHEADER TOOLTIP BORDER CLIENTEDGE STATICEDGE "},
+    {"GROUP", "GROUP_ALIGN "},
+    {"GUI", "BORDER CLIENTEDGE STATICEDGE "},
+    {"IMAGEEDITOR", "IMAGEEDITOR_FILE BORDER CLIENTEDGE STATICEDGE "},
+    {"LABEL", "LABEL_HALIGN LABEL_VALIGN TOOLTIP LABEL_TEXT LABEL_IMAGE LABEL_IMAGEDRAWMODE "
+              "BORDER CLIENTEDGE STATICEDGE "},
+    {"LCD", "LCD_HALIGN TOOLTIP LCD_PIXELWIDTH LCD_PIXELHEIGHT LCD_CHARCOUNT LCD_LINECOUNT "
+            "LCD_SCROLL LCD_SCROLLSPEED LCD_CELLCOLOR LCD_TEXT BORDER CLIENTEDGE STATICEDGE "},
+    {"LEVEL", "LEVEL_HORIZONTAL LEVEL_TICK TOOLTIP LEVEL_CHANNELCOUNT LEVEL_VALUE "
+              "LEVEL_MINVALUE LEVEL_MAXVALUE LEVEL_BACKCOLOR LEVEL_LOWCOLOR LEVEL_HIGHCOLOR "
+              "BORDER CLIENTEDGE STATICEDGE "},
+    {"LIST", "LIST_SELECTION LIST_HSCROLL LIST_VSCROLL LIST_DISABLENOSCROLL "
+             "LIST_NOINTEGRALHEIGHT LIST_SORT TOOLTIP LIST_CONTENT LIST_SELBACKCOLOR "
+             "LIST_SELTEXTCOLOR LIST_FILE BORDER CLIENTEDGE STATICEDGE "},
+    {"MEDIA", "MEDIA_SHAPE MEDIA_HALIGN MEDIA_VALIGN MEDIA_WRAPPING MEDIA_TRIMMING MEDIA_TAGS "
+              "MEDIA_BUTTON TOOLTIP MEDIA_LEFTMARGIN MEDIA_TOPMARGIN MEDIA_RIGHTMARGIN "
+              "MEDIA_BOTTOMMARGIN MEDIA_AUTOSCROLLX MEDIA_AUTOSCROLLY MEDIA_AUTOSCROLLLOOP "
+              "MEDIA_CHECKED MEDIA_LINKCOLOR MEDIA_TEXT MEDIA_IMAGE MEDIA_IMAGEDRAWMODE "
+              "MEDIA_BUTTONOVER MEDIA_BUTTONPUSH MEDIA_BUTTONCHECK MEDIA_BUTTONDISABLED BORDER "
+              "CLIENTEDGE STATICEDGE "},
+    {"MEDIAPLAYER", "MEDIAPLAYER_LOOP BORDER CLIENTEDGE STATICEDGE "},
+    {"PANEL", "BORDER CLIENTEDGE STATICEDGE "},
+    {"PROGRESS", "PROGRESS_VERTICAL PROGRESS_SMOOTH PROGRESS_MARQUEE TOOLTIP PROGRESS_VALUE "
+                 "PROGRESS_MINVALUE PROGRESS_MAXVALUE "},
+    {"PROPERTY", "BORDER CLIENTEDGE STATICEDGE "},
+    {"RADIO", "TOOLTIP RADIO_CHECKED RADIO_GROUP BORDER CLIENTEDGE STATICEDGE "},
+    {"RICHEDIT", "RICHEDIT_AUTOHSCROLL RICHEDIT_AUTOVSCROLL RICHEDIT_HSCROLL RICHEDIT_VSCROLL "
+                 "RICHEDIT_READONLY RICHEDIT_NEVERHIDESELECTION RICHEDIT_WANTRETURN "
+                 "RICHEDIT_ALIGN TOOLTIP RICHEDIT_SUNKEN STATICEDGE RICHEDIT_FILE "},
+    {"SCROLL", "SCROLL_VERTICAL TOOLTIP SCROLL_VALUE SCROLL_MINVALUE SCROLL_MAXVALUE "},
+    {"SLIDER", "SLIDER_TOOLTIPS SLIDER_VERTICAL TOOLTIP SLIDER_VALUE SLIDER_MINVALUE "
+               "SLIDER_MAXVALUE BORDER CLIENTEDGE STATICEDGE "},
+    {"SPLITTER", "SPLITTER_COLCOUNT SPLITTER_ROWCOUNT SPLITTER_WINDOWBACKCOLOR BORDER CLIENTEDGE "
+                 "STATICEDGE "},
+    {"SPREAD", "SPREAD_FILE BORDER CLIENTEDGE STATICEDGE "},
+    {"STATIC", "STATIC_EDGE STATIC_LEFTBORDER STATIC_TOPBORDER STATIC_RIGHTBORDER "
+               "STATIC_BOTTOMBORDER STATIC_IMAGE STATIC_IMAGEDRAWMODE "},
+    {"TAB", "TAB_TYPE TAB_TOOLTIPS TAB_FOCUSONBUTTONDOWN TAB_FOCUSNEVER TAB_CONTENT "
+            "TAB_TIPCONTENT TAB_SELECTION "},
+    {"TABDOC", "TABDOC_CLOSE TABDOC_MOVE TABDOC_CONTENT TABDOC_SELECTION TABDOC_BACKCOLOR "
+               "TABDOC_BACKSELCOLOR TABDOC_TEXTCOLOR TABDOC_TEXTSELCOLOR TABDOC_WINDOWBACKCOLOR "
+               "BORDER CLIENTEDGE STATICEDGE "},
+    {"TOOLBAR", "TOOLBAR_TOOLTIPS TOOLBAR_TRANSPARENT TOOLBAR_IMAGEWIDTH TOOLBAR_IMAGEHEIGHT "
+                "TOOLBAR_CONTENT BORDER CLIENTEDGE STATICEDGE "},
+    {"TREE", "TREE_CHECKBOXES TREE_DRAGDROP TREE_EDITLABELS TREE_FULLROWSELECT "
+             "TREE_HASBUTTONS TREE_HASLINES TREE_LINESATROOT TREE_NEVERHIDESELECTION "
+             "TREE_HOTTRACKING TREE_FILE BORDER CLIENTEDGE STATICEDGE "},
+    {"WAVEEDITOR", "WAVEEDITOR_POPUPMENU WAVEEDITOR_COLORBACKENABLED WAVEEDITOR_COLORBACKDISABLED "
+                   "WAVEEDITOR_COLORLINE WAVEEDITOR_COLORCARET WAVEEDITOR_COLORCARETPLAY "
+                   "WAVEEDITOR_COLORWAVEENABLED WAVEEDITOR_COLORWAVEDISABLED "
+                   "WAVEEDITOR_COLORPROGRESSBACK WAVEEDITOR_COLORPROGRESSSTART "
+                   "WAVEEDITOR_COLORPROGRESSEND WAVEEDITOR_FILE WAVEEDITOR_LEVEL BORDER CLIENTEDGE "
+                   "STATICEDGE "},
+    {"WINDOW", "BORDER CLIENTEDGE STATICEDGE "},
+    {"EXTERN", "EXTERN_NAME EXTERN_FILENAME BORDER CLIENTEDGE STATICEDGE "},
 };
 const char* const GENERAL_KEYS = "HALIGN VALIGN TOOLTIP TABENABLED TABGROUP TABINDEX";
 
@@ -502,7 +475,8 @@ TEST(DialogDefinitionRoundTrip, EveryTypeAndEveryPropertyKey) {
     const Record* media = read.FindControl("MEDIA_X");
     ASSERT_NE(media, nullptr);
     EXPECT_EQ(media->properties.Find("HALIGN="), 0);
-    EXPECT_LT(media->properties.Find("MEDIA_WRAPPING="), media->properties.Find("MEDIA_LINKCOLOR="));
+    EXPECT_LT(media->properties.Find("MEDIA_WRAPPING="),
+              media->properties.Find("MEDIA_LINKCOLOR="));
     EXPECT_EQ(media->GetPropertyColorRaw("MEDIA_LINKCOLOR") & 0xFF000000u, 0xFF000000u);
 }
 
@@ -514,8 +488,9 @@ TEST(DialogDefinitionProperties, GetAndSet) {
         const char* value;
         int number;
     } cases[] = {
-        {"A", "1", 1},   {"AB", "x=y", 0}, {"B", "-16777216", -16777216}, {"a", "", 0},
-        {"EMPTY", "", 0}, {"C", "", 0},    {"", "", 0},
+        {"A", "1", 1}, {"AB", "x=y", 0}, {"B", "-16777216", -16777216},
+        {"a", "", 0},  {"EMPTY", "", 0}, {"C", "", 0},
+        {"", "", 0},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(std::string(record.GetProperty(c.key).c_str()), c.value) << c.key;

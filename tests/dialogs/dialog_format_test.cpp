@@ -15,8 +15,8 @@ TEST(ControlTypes, SectionNamesMatchWithoutCaseAndNumberByPlace) {
         const char* section;
         int type;
     } cases[] = {
-        {"DIALOG", 0},   {"dialog", 0}, {"Button", 2}, {"EXTENDEDLIST", 7}, {"WaveEditor", 31},
-        {"EXTERN", 33},  {"", -1},      {"BUTTON ", -1}, {"BUTTONS", -1},     {"TOOL BAR", -1},
+        {"DIALOG", 0},  {"dialog", 0}, {"Button", 2},   {"EXTENDEDLIST", 7}, {"WaveEditor", 31},
+        {"EXTERN", 33}, {"", -1},      {"BUTTON ", -1}, {"BUTTONS", -1},     {"TOOL BAR", -1},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(FindControlType(c.section), c.type) << c.section;
@@ -41,19 +41,19 @@ TEST(StyleWords, ReadOrsTheWordsKnownToTheType) {
         uint32_t value;
     } cases[] = {
         {CTRL_BUTTON, "WS_VISIBLE BS_FLAT ", true, 0x10008000},
-        {CTRL_BUTTON, "WS_VISIBLE   BS_FLAT", true, 0x10008000},    // runs of blanks count as one
-        {CTRL_BUTTON, "ws_visible", true, 0},                        // case sensitive
-        {CTRL_BUTTON, "WS_BORDER", true, 0},                         // not a button word: ignored
+        {CTRL_BUTTON, "WS_VISIBLE   BS_FLAT", true, 0x10008000}, // runs of blanks count as one
+        {CTRL_BUTTON, "ws_visible", true, 0},                    // case sensitive
+        {CTRL_BUTTON, "WS_BORDER", true, 0},                     // not a button word: ignored
         {CTRL_BUTTON, "NOSUCHWORD", true, 0},
-        {CTRL_EDIT, "WS_EX_CLIENTEDGE", true, 0x200},                // extended word in STYLE counts
+        {CTRL_EDIT, "WS_EX_CLIENTEDGE", true, 0x200}, // extended word in STYLE counts
         {CTRL_EDIT, "ES_LEFT ES_CENTER", true, 1},
         {CTRL_DIALOG, "WS_CAPTION", true, 0x00C00000},
         {CTRL_RICHEDIT, "WS_EX_CLIENTEDGE WS_EX_STATICEDGE", true, 0x20000},
         {CTRL_STATIC, "WS_VISIBLE WS_DISABLED WS_BORDER", true, 0x18000000},
         {CTRL_LABEL, "WS_BORDER WS_EX_STATICEDGE", true, 0x00820000},
         {CTRL_BUTTON, "", false, 0},
-        {CTRL_BUTTON, "\"WS_VISIBLE", false, 0},                      // a quote left open
-        {-1, "WS_VISIBLE WS_BORDER", true, 0x10000000},             // unknown type: the two common
+        {CTRL_BUTTON, "\"WS_VISIBLE", false, 0},        // a quote left open
+        {-1, "WS_VISIBLE WS_BORDER", true, 0x10000000}, // unknown type: the two common
     };
     for (const Case& c : cases) {
         uint32_t value = 0xDEADBEEF;
@@ -77,7 +77,7 @@ TEST(StyleWords, WriterPullsInThePartsOfMultiBitWordsAndZeroWords) {
         {CTRL_EDIT, 0, false, "ES_LEFT "},
         {CTRL_EXTENDEDLIST, 0, false, "LVS_ICON "},
         {CTRL_STATIC, 0x00800000, false, ""}, // no word for the bit: not written
-        {CTRL_BUTTON, 0x10000000, true, ""},   // extended words only in EXSTYLE
+        {CTRL_BUTTON, 0x10000000, true, ""},  // extended words only in EXSTYLE
         {CTRL_EDIT, 0x20200, true, "WS_EX_CLIENTEDGE WS_EX_STATICEDGE "},
         {CTRL_DIALOG, 0x88, true, "WS_EX_TOOLWINDOW WS_EX_TOPMOST "},
         {CTRL_RICHEDIT, 0x20200, true, "WS_EX_STATICEDGE "},
@@ -91,7 +91,8 @@ TEST(StyleWords, EveryTypeReadsBackWhatItWrites) {
     for (int type = 0; type < CTRL_TYPE_COUNT; ++type) {
         for (bool ex : {false, true}) {
             int count = 0;
-            const SStyleWord* words = ex ? GetExStyleWords(type, &count) : GetStyleWords(type, &count);
+            const SStyleWord* words =
+                ex ? GetExStyleWords(type, &count) : GetStyleWords(type, &count);
             uint32_t all = 0;
             for (int i = 0; i < count; ++i) {
                 all |= words[i].value;
@@ -111,13 +112,13 @@ TEST(Colors, BothTextFormsAndTheirWriter) {
         const char* text;
         uint32_t value;
     } cases[] = {
-        {"#004080", 0x00804000},   // red, green, blue pairs
+        {"#004080", 0x00804000}, // red, green, blue pairs
         {"#FF0000", 0x000000FF},
         {"#ff0000", 0x000000FF},
         {"#FF000000", 0xFF000000}, // eight digits as written
         {"#00804000", 0x00804000},
-        {"x004080", 0x00804000},   // the first character is not looked at
-        {"#00408", 0},             // six characters: black, not "not set"
+        {"x004080", 0x00804000}, // the first character is not looked at
+        {"#00408", 0},           // six characters: black, not "not set"
         {"", 0},
         {"#FF0000000", 0},
         {"#G04080", 0x00804000 & 0xFFFF00}, // a non-digit ends its pair
@@ -130,8 +131,9 @@ TEST(Colors, BothTextFormsAndTheirWriter) {
         uint32_t value;
         const char* text;
     } written[] = {
-        {0x00804000, "#004080"}, {0, "#000000"},          {0xFFFFFF, "#FFFFFF"},
-        {0x1000000, "#01000000"}, {0xFF000000, "#FF000000"}, {0xFE00000F, "#FE00000F"},
+        {0x00804000, "#004080"},   {0, "#000000"},
+        {0xFFFFFF, "#FFFFFF"},     {0x1000000, "#01000000"},
+        {0xFF000000, "#FF000000"}, {0xFE00000F, "#FE00000F"},
     };
     for (const Written& w : written) {
         EXPECT_EQ(std::string(FormatColorText(w.value).c_str()), w.text);

@@ -34,14 +34,15 @@ const std::string TOOLBAR_HEAD = "TAVORA TOOLBAR 1.0.0.0\n";
 TEST(IniSections, AnswersAsSIniOverTheWholeText) {
     const std::string body = Crlf("[]\ncount=1\n"
                                   "[A]\nk=first\nK=second\n"
-                                  "  [b]  \nk=b\n"      // opens b once trimmed, but A's keys go on
+                                  "  [b]  \nk=b\n" // opens b once trimmed, but A's keys go on
                                   "kk=in A and b\n"
                                   "[a]\nk=never seen\n" // a later section of the same name
                                   "[c]\nk\nx=\n=y\nk=c\n"
-                                  "[d]=]\nk=d\n");      // "[d]=]" opens a section named "d]="
-    const char* lookups[][2] = {{"", "count"}, {"a", "k"}, {"A", "K"}, {"a", "kk"}, {"B", "k"},
-                                {"b", "kk"},  {"c", "k"}, {"c", "x"}, {"c", ""},  {"d]=", "k"},
-                                {"d", "k"},   {"z", "k"}, {"a", "missing"}};
+                                  "[d]=]\nk=d\n"); // "[d]=]" opens a section named "d]="
+    const char* lookups[][2] = {{"", "count"},   {"a", "k"},   {"A", "K"}, {"a", "kk"},
+                                {"B", "k"},      {"b", "kk"},  {"c", "k"}, {"c", "x"},
+                                {"c", ""},       {"d]=", "k"}, {"d", "k"}, {"z", "k"},
+                                {"a", "missing"}};
     SFileMem whole = Memory(body);
     SIni ini;
     ASSERT_TRUE(ini.SetSource(&whole));
@@ -127,12 +128,12 @@ TEST(MenuDefinitionLoad, ItemRecords) {
     EXPECT_EQ(items[2].submenu, 1);
     EXPECT_EQ(items[3].submenu, -1); // menu 0 is never a submenu
     EXPECT_EQ(items[3].imageIndex, 1);
-    EXPECT_EQ(items[4].submenu, -1); // out of range
+    EXPECT_EQ(items[4].submenu, -1);   // out of range
     EXPECT_EQ(items[4].imageIndex, 0); // a name used again keeps its first place
     EXPECT_FALSE(items[4].checked);    // only "1" is true
     EXPECT_EQ(items[5].submenu, -1);
     EXPECT_EQ(std::string(items[5].GetShownText().c_str()), ""); // no tab without a tip
-    EXPECT_EQ(menu.GetMenus()[1].items[0].submenu, 1);          // a menu may name itself
+    EXPECT_EQ(menu.GetMenus()[1].items[0].submenu, 1);           // a menu may name itself
     EXPECT_TRUE(menu.GetMenus()[2].items.empty());
     ASSERT_EQ(menu.GetImages().size(), 2u);
     EXPECT_EQ(std::string(menu.GetImages()[1].c_str()), "save.png");
@@ -168,7 +169,8 @@ TEST(MenuDefinitionSave, WrittenTextReadsBackToTheSameRecords) {
     file.Reset(0);
     ASSERT_TRUE(menu.Save(&file));
     std::string written(file.GetData(), file.GetSize());
-    EXPECT_EQ(written.rfind(Crlf(MENU_HEAD + "[]\ncount=2\n\n[0]\nname=Main\ncount=1\n\n[0:0]\nid=5\n"), 0),
+    EXPECT_EQ(written.rfind(
+                  Crlf(MENU_HEAD + "[]\ncount=2\n\n[0]\nname=Main\ncount=1\n\n[0:0]\nid=5\n"), 0),
               0u);
     file.Rewind();
     SMenuDefinition read;
@@ -192,7 +194,8 @@ TEST(ToolbarDefinitionLoad, CountsIdsAndRefusals) {
         bool loads;
         int buttons;
     } cases[] = {
-        {"count 0 is an empty bar", TOOLBAR_HEAD + "[]\nwidth=16\nheight=15\ncount=0\n", false, true, 0},
+        {"count 0 is an empty bar", TOOLBAR_HEAD + "[]\nwidth=16\nheight=15\ncount=0\n", false,
+         true, 0},
         {"count missing is an empty bar", TOOLBAR_HEAD + "[]\nwidth=16\n", false, true, 0},
         {"negative count is an empty bar", TOOLBAR_HEAD + "[]\ncount=-3\n", false, true, 0},
         {"bare LF", TOOLBAR_HEAD + "[]\ncount=0\n", true, false, 0},
