@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "foundation/array.h"
+#include "app/cli/cli_definition.h"
 #include "app/cli/cli_pages.h"
 #include "app/cli/cli_play.h"
 #include "foundation/disk.h"
@@ -35,6 +36,9 @@ constexpr const char* USAGE =
     "  play PATH... [--repeat] [--shuffle] [--sink fake]\n"
     "                                  plays the files in order; prints open, end,\n"
     "                                  skip and stop as they happen\n"
+    "  definition FILE                 reads a dialog, menu, toolbar, tree or table\n"
+    "                                  definition (its kind from the first line) and\n"
+    "                                  writes it back through the program's writer\n"
     "\n"
     "Options:\n"
     "  --help                          prints this text (or a job's usage)\n"
@@ -210,6 +214,9 @@ int main(int argc, char** argv) {
     }
     if (job == "play") {
         return RunPlayJob(argc - 2, argv + 2);
+    }
+    if (job == "definition") {
+        return RunDefinitionJob(argc - 2, argv + 2);
     }
     if (!TakeCommonOptions(arguments)) {
         return Usage(USAGE);
