@@ -31,16 +31,22 @@ void ParsePlaylist(const char* data, int size, SStringArray& entries) {
     while (position < size) {
         line.SetLength(0);
         while (position < size) {
-            char c = data[position];
-            if (c == '\r' && position + 1 < size && data[position + 1] == '\n') {
+            // The run up to the next CR or LF goes in whole.
+            int stop = position;
+            while (stop < size && data[stop] != '\r' && data[stop] != '\n') {
+                ++stop;
+            }
+            line.Append(data + position, stop - position);
+            position = stop;
+            if (position >= size) {
+                break;
+            }
+            if (data[position] == '\r' && position + 1 < size && data[position + 1] == '\n') {
                 position += 2;
                 break;
             }
-            ++position;
             // A lone CR or LF ends nothing and is dropped.
-            if (c != '\r' && c != '\n') {
-                line.AppendChar(c);
-            }
+            ++position;
         }
         line.Trim();
         if (!line.IsEmpty()) {

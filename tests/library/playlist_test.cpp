@@ -257,14 +257,16 @@ TEST_F(PlaylistStoreTest, KillDuringSaveLeavesTheOldOrTheNewFile) {
             ParsePlaylist(oldBytes.data(), int(oldBytes.size()), oldEntries);
             ParsePlaylist(newBytes.data(), int(newBytes.size()), newEntries);
             for (int i = 0;; ++i) {
+                // A whole file first, so that each save below removes one
+                // line from a whole file, whatever an earlier kill left.
+                const SStringArray& next = i % 2 == 0 ? newEntries : oldEntries;
+                SString bytes = FormatPlaylist(next);
+                WriteFileAtomic(path.c_str(), bytes.c_str(), bytes.GetLength());
                 saver.SetRoot(dir.Path().c_str());
                 saver.RefreshPlaylists(false);
                 // Loaded, changed, saved: the panel's own steps.
                 saver.SetSelection(0);
                 saver.RemoveSelected();
-                const SStringArray& next = i % 2 == 0 ? newEntries : oldEntries;
-                SString bytes = FormatPlaylist(next);
-                WriteFileAtomic(path.c_str(), bytes.c_str(), bytes.GetLength());
             }
         }
         usleep(useconds_t(2000 + round * 1500));
