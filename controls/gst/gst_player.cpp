@@ -1,5 +1,7 @@
 #include "controls/gst/gst_player.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <atomic>
 #include <cstring>
@@ -107,6 +109,20 @@ void DropFrame(SGstPlayer::State* state) {
         gst_sample_unref(state->frame);
         state->frame = nullptr;
     }
+}
+
+// A local medium must be a regular file: the file source opens a FIFO
+// named like a song blocking, until a writer comes, and a device or a
+// socket is no medium either. Streams and other schemes pass.
+bool IsPlayableLocal(const gchar* uri) {
+    gchar* path = g_filename_from_uri(uri, nullptr, nullptr);
+    if (path == nullptr) {
+        return true;
+    }
+    struct stat info;
+    bool isRegular = stat(path, &info) == 0 && S_ISREG(info.st_mode);
+    g_free(path);
+    return isRegular;
 }
 
 bool SizeFromCaps(GstCaps* caps, int* width, int* height) {
@@ -222,7 +238,8 @@ bool SGstPlayer::Load(const char* address, bool start) {
     } else {
         uri = gst_filename_to_uri(address, nullptr);
     }
-    if (uri == nullptr) {
+    if (uri == nullptr || !IsPlayableLocal(uri)) {
+        g_free(uri);
         return false;
     }
     g_object_set(Pipeline(pipeline), "uri", uri, nullptr);

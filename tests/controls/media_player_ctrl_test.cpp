@@ -13,6 +13,7 @@
 
 #include <cairo.h>
 
+#include "support/fifo_watch.h"
 #include "support/http_server.h"
 #include "support/message_pump.h"
 #include "support/temp_dir.h"
@@ -86,6 +87,22 @@ TEST_F(MediaPlayerTest, OpenFailsOnMissingAndDamagedFilesAndThePlayerStaysGood) 
     EXPECT_FALSE(player.IsPlaying());
     EXPECT_EQ(player.GetPosition(), 0u);
     EXPECT_EQ(player.GetDuration(), 0u);
+    EXPECT_TRUE(player.OpenMedia(Media("tone1s.wav").c_str(), true));
+}
+
+// Only a regular file is a local medium: a FIFO named like a song is never
+// opened (the file source would wait for a writer), nor a device or a
+// folder, by path or by file URI.
+TEST_F(MediaPlayerTest, OpenRefusesWhatIsNoRegularFileWithoutOpeningIt) {
+    FifoWatch fifo(dir / "song.mp3");
+    ASSERT_TRUE(fifo.IsMade());
+    std::string folder = dir.MakeFolder("Album.mp3");
+    for (std::string path : {fifo.Path(), "file://" + fifo.Path(), std::string("/dev/zero"),
+                             std::string("/dev/null"), folder}) {
+        EXPECT_FALSE(player.OpenMedia(path.c_str(), true)) << path;
+        EXPECT_FALSE(player.IsMediaOpen());
+    }
+    EXPECT_FALSE(fifo.WasOpened());
     EXPECT_TRUE(player.OpenMedia(Media("tone1s.wav").c_str(), true));
 }
 
