@@ -111,6 +111,30 @@ TEST(CliPlaylist, ConcurrentAddsLoseNothingAndOutsidersAreRefused) {
     EXPECT_EQ(after.out, show.out); // nothing of a refused add is written
 }
 
+// A save that cannot be written whole (a file size limit stands in for a
+// full disk) fails with the reason and leaves the old file and no
+// temporary file behind.
+TEST(CliPlaylist, AFailedWriteKeepsTheOldFileAndExitsOne) {
+    TempDir dir;
+    std::string old;
+    for (int i = 0; i < 300; ++i) {
+        old += "Artist\\" + std::to_string(i) + ".mp3\r\n";
+    }
+    std::string path = dir.Write("Playlists/P.lst", old);
+    std::string command = "trap '' XFSZ; ulimit -f 1; exec " + Quote(MELKORA_CLI_PATH) +
+                          " playlist " + Quote(dir.Path()) + " add P " + Quote(dir / "new.mp3");
+    int status = std::system(("bash -c " + Quote(command) + " 2>" + Quote(dir / "err")).c_str());
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+    EXPECT_NE(TempDir::Read(dir / "err").find("cannot save the playlist P"), std::string::npos);
+    EXPECT_EQ(TempDir::Read(path), old);
+    int files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(dir / "Playlists")) {
+        files += entry.path().filename().string().rfind(".lst-", 0) == 0 ? 1 : 0;
+    }
+    EXPECT_EQ(files, 0);
+}
+
 TEST(CliPlaylist, ListingNeverWrites) {
     TempDir dir;
     dir.MakeFolder("Playlists");
