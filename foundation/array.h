@@ -2,10 +2,14 @@
 // copying, deleting, comparing and text conversion of items. SStringArray:
 // an array of SString* that owns its strings, with sort flags.
 //
-// Items are moved bit for bit, so T must be trivially copyable. The block
-// holds the count rounded up to the next multiple of 64 above it, and it is
-// reallocated, smaller or larger, whenever that number changes. A pointer
-// array does not destroy its items unless DeleteAt or DeleteAll is called.
+// Items are moved bit for bit, so T must be trivially copyable. The
+// capacity is the count rounded up to the next multiple of 64 above it, and
+// it changes, smaller or larger, whenever that number changes; what a
+// changed capacity leaves of the items is as if the block were reallocated.
+// The memory behind it grows by half and shrinks only to a quarter, so
+// adding items at the end one at a time, or removing them from the end,
+// costs amortised constant time per item. A pointer array does not destroy
+// its items unless DeleteAt or DeleteAll is called.
 // Indexes and counts are signed 32-bit; a bad index never raises an error:
 // it gives -1, null, false, or leaves the array unchanged.
 #pragma once
@@ -70,8 +74,8 @@ public:
     const T* begin() const { return items; }
     const T* end() const { return items + count; }
 
-    // Sets the count (negative counts as 0) and reallocates when the block
-    // size n + 64 - n % 64 differs from the present one. With keep, the
+    // Sets the count (negative counts as 0) and reallocates when the
+    // capacity n + 64 - n % 64 differs from the present one. With keep, the
     // first min(new, old) items survive a reallocation. Items added by
     // growing are zero bytes. Destroys nothing. False when the count is too
     // large or memory runs out; the array is then unchanged.
@@ -138,7 +142,7 @@ public:
     virtual void Free() {
         std::free(items);
         items = nullptr;
-        capacity = count = 0;
+        capacity = count = allocated = 0;
         flags = 0;
     }
     // destination is uninitialised memory inside the block.
@@ -190,12 +194,15 @@ private:
         count = std::exchange(other.count, 0);
         items = std::exchange(other.items, nullptr);
         flags = std::exchange(other.flags, 0);
+        allocated = std::exchange(other.allocated, 0);
     }
 
     int capacity = 0;
     int count = 0;
     T* items = nullptr;
     uint32_t flags = 0;
+    // Items the block holds: at least the capacity (see Reallocate).
+    int allocated = 0;
 };
 
 // An array of strings that owns them: copies come in through CopyItem,
@@ -266,8 +273,27 @@ template <typename T> int SArray<T>::Reallocate(int newCount, bool keep) {
     }
     int kept = newCount < count ? newCount : count;
     const int newCapacity = newCount + 64 - newCount % 64;
-    if (newCapacity != capacity) {
-        T* block = static_cast<T*>(std::malloc(sizeof(T) * size_t(newCapacity)));
+    if (newCapacity == capacity) {
+        count = newCount;
+        return kept;
+    }
+    // The capacity changes, which the rule counts as a new block; the
+    // allocated one serves while it holds the capacity and is not four
+    // times too large, so a run of Adds or RemoveAts moves the items a
+    // bounded number of times per item.
+    const bool fits = items != nullptr && newCapacity <= allocated && newCapacity > allocated / 4;
+    if (!fits) {
+        int blockCount = newCapacity;
+        if (newCapacity > allocated && allocated > 0) {
+            const long long grown = static_cast<long long>(allocated) + allocated / 2;
+            blockCount = grown > newCapacity ? static_cast<int>(grown < INT_MAX ? grown : INT_MAX)
+                                             : newCapacity;
+        }
+        T* block = static_cast<T*>(std::malloc(sizeof(T) * size_t(blockCount)));
+        if (block == nullptr && blockCount > newCapacity) {
+            blockCount = newCapacity;
+            block = static_cast<T*>(std::malloc(sizeof(T) * size_t(blockCount)));
+        }
         if (block == nullptr && newCount >= capacity) {
             return -1;
         }
@@ -281,8 +307,10 @@ template <typename T> int SArray<T>::Reallocate(int newCount, bool keep) {
         }
         std::free(items);
         items = block;
-        capacity = newCapacity;
+        allocated = blockCount;
     }
+    kept = keep ? kept : 0;
+    capacity = newCapacity;
     count = newCount;
     return kept;
 }

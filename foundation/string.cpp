@@ -22,6 +22,39 @@ int GrowCapacity(int length, int step) {
     return needed - needed % step + step;
 }
 
+// Capacities up to this are allocated exactly.
+constexpr int EXACT_BLOCK = 256;
+
+// The characters actually allocated behind a capacity. The capacity follows
+// the growth rule above and is what callers see; the block behind it is the
+// capacity itself for short strings and, past EXACT_BLOCK, the next step of
+// a geometric series (powers of two and the quarters between them), so a
+// string that grows a character at a time is copied a bounded number of
+// times per character rather than once per step of the rule. The block only
+// ever grows with the capacity, and it is never smaller than the capacity.
+int BlockSize(int capacity) {
+    if (capacity <= EXACT_BLOCK) {
+        return capacity;
+    }
+    long long power = EXACT_BLOCK;
+    while (power * 2 < capacity) {
+        power *= 2;
+    }
+    long long block = power;
+    while (block < capacity) {
+        block += power / 4;
+    }
+    return block > INT_MAX ? INT_MAX : static_cast<int>(block);
+}
+
+// A block for capacity units (char or char16_t), its first capacity units
+// zero; the reserve behind them is left as it comes.
+template <typename Char> Char* NewBlock(int capacity) {
+    Char* block = new Char[static_cast<size_t>(BlockSize(capacity))];
+    memset(block, 0, sizeof(Char) * static_cast<size_t>(capacity));
+    return block;
+}
+
 int MeasureText(const char* text) {
     size_t size = strlen(text);
     return size > static_cast<size_t>(MAX_LENGTH) ? MAX_LENGTH : static_cast<int>(size);
@@ -333,8 +366,14 @@ void SString::Empty() {
 
 char* SString::Reserve(int newLength, bool keep) {
     int needed = GrowCapacity(newLength, STRING_STEP);
-    if (data == nullptr || needed > capacity) {
-        char* block = new char[needed]();
+    if (data != nullptr && needed > capacity && needed <= BlockSize(capacity)) {
+        // The rule replaces the buffer here; the reserve of the block takes
+        // the new capacity instead, with what a new buffer would hold.
+        int kept = keep ? (newLength < length ? newLength : length) : 0;
+        memset(data + kept, 0, static_cast<size_t>(needed - kept));
+        capacity = needed;
+    } else if (data == nullptr || needed > capacity) {
+        char* block = NewBlock<char>(needed);
         if (keep && data != nullptr) {
             CopyBytes(block, data, newLength < length ? newLength : length);
         }
@@ -376,14 +415,20 @@ bool SString::Splice(int start, int removed, const char* text, int textLength, i
     int newLength = static_cast<int>(total);
     int tail = length - start - removed;
     int needed = GrowCapacity(newLength, STRING_STEP);
+    int allocated = data != nullptr ? BlockSize(capacity) : 0;
     auto address = reinterpret_cast<uintptr_t>(text);
     auto base = reinterpret_cast<uintptr_t>(data);
-    bool isInside = data != nullptr && address >= base && address < base + capacity;
-    if (data != nullptr && needed <= capacity && !isInside) {
+    bool isInside = data != nullptr && address >= base && address < base + allocated;
+    if (data != nullptr && needed <= allocated && !isInside) {
         CopyBytes(data + start + inserted, data + start + removed, tail);
+        if (needed > capacity) {
+            // A new buffer by the rule, zero past the text; here the reserve.
+            memset(data + newLength, 0, static_cast<size_t>(needed - newLength));
+            capacity = needed;
+        }
     } else {
         int blockSize = needed > capacity ? needed : capacity;
-        char* block = new char[blockSize]();
+        char* block = NewBlock<char>(blockSize);
         CopyBytes(block, data, start);
         CopyBytes(block + start + inserted, data + start + removed, tail);
         for (int i = 0; i < repeat; i++) {
@@ -1119,7 +1164,7 @@ void SString::FormatV(const char* format, va_list args) {
     }
     int grown = GrowCapacity(needed, STRING_STEP);
     int blockSize = grown > capacity ? grown : capacity;
-    char* block = new char[blockSize]();
+    char* block = NewBlock<char>(blockSize);
     vsnprintf(block, static_cast<size_t>(needed) + 1, format, args);
     delete[] data;
     data = block;
@@ -1340,8 +1385,13 @@ void SUniString::SetSize(int newLength, bool keep) {
         return;
     }
     int needed = GrowCapacity(newLength, UNI_STEP);
-    if (data == nullptr || needed > capacity) {
-        auto* block = new char16_t[needed]();
+    if (data != nullptr && needed > capacity && needed <= BlockSize(capacity)) {
+        // As SString: the reserve takes the new capacity, as a new buffer.
+        int kept = keep ? (newLength < length ? newLength : length) : 0;
+        memset(data + kept, 0, sizeof(char16_t) * static_cast<size_t>(needed - kept));
+        capacity = needed;
+    } else if (data == nullptr || needed > capacity) {
+        auto* block = NewBlock<char16_t>(needed);
         if (keep && data != nullptr) {
             CopyBytes(block, data, sizeof(char16_t) * (newLength < length ? newLength : length));
         }
@@ -1384,7 +1434,7 @@ void SUniString::AssignUtf16(const char16_t* text, int count) {
     if (data != nullptr && needed <= capacity) {
         CopyBytes(data, text, sizeof(char16_t) * count);
     } else {
-        auto* block = new char16_t[needed]();
+        auto* block = NewBlock<char16_t>(needed);
         CopyBytes(block, text, sizeof(char16_t) * count);
         delete[] data;
         data = block;

@@ -7,6 +7,11 @@
 // the end also accept start == length. A count is clamped to what remains.
 // Nothing here reports an error: a bad index gives -1, 0, the empty string
 // or leaves the object unchanged.
+//
+// The capacity follows the growth rule of SetSize. Behind a capacity past
+// 256 characters lies a larger block (the next power of two or quarter
+// between two), which later growth takes without copying, so appending a
+// character at a time costs amortised constant time.
 #pragma once
 
 #include <cstdarg>

@@ -305,10 +305,11 @@ SString GetPlayableAddress(const char* path) {
         return SString(path);
     }
     SFileMem file;
-    // A radio file is a few hundred bytes; anything huge is not one.
-    SDisk disk;
-    int size = disk.GetFileSize(path);
-    if (size < 0 || size > (1 << 20) || !file.LoadFile(path)) {
+    // A radio file is a few hundred bytes; anything huge is not one, and
+    // anything but a regular file (a FIFO would block the read) neither.
+    struct stat info;
+    if (stat(path, &info) != 0 || !S_ISREG(info.st_mode) || info.st_size > (1 << 20) ||
+        !file.LoadFile(path)) {
         return SString("");
     }
     SString text;

@@ -1,8 +1,20 @@
 #include "library/playlist.h"
 
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <random>
+#include <string>
+#include <thread>
 #include <vector>
 
 #include "foundation/disk.h"
@@ -13,12 +25,205 @@ namespace {
 
 constexpr const char* PLAYLISTS_FOLDER = "Playlists/";
 constexpr const char* EXTENSION = ".lst";
+// The file whose advisory lock orders the saves of every process.
+constexpr const char* LOCK_NAME = ".playlists.lock";
+// Temporary files of a save: the prefix and six characters.
+constexpr const char* TEMP_PREFIX = ".lst-";
+constexpr int TEMP_RANDOM = 6;
+// How long a save waits for another process's save before it gives up.
+constexpr auto LOCK_WAIT = std::chrono::seconds(10);
+constexpr auto LOCK_POLL = std::chrono::milliseconds(2);
+
+// The exclusive lock on a playlists folder, held while the object lives.
+class FolderLock {
+public:
+    explicit FolderLock(const SString& folder) {
+        SString path = folder + LOCK_NAME;
+        fd = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0666);
+        if (fd < 0) {
+            return;
+        }
+        auto deadline = std::chrono::steady_clock::now() + LOCK_WAIT;
+        while (flock(fd, LOCK_EX | LOCK_NB) != 0) {
+            if ((errno != EWOULDBLOCK && errno != EINTR) ||
+                std::chrono::steady_clock::now() >= deadline) {
+                close(fd);
+                fd = -1;
+                return;
+            }
+            std::this_thread::sleep_for(LOCK_POLL);
+        }
+    }
+    ~FolderLock() {
+        if (fd >= 0) {
+            close(fd); // releases the lock
+        }
+    }
+    FolderLock(const FolderLock&) = delete;
+    FolderLock& operator=(const FolderLock&) = delete;
+    bool IsHeld() const { return fd >= 0; }
+
+private:
+    int fd = -1;
+};
+
+bool IsTempName(const char* name) {
+    size_t prefix = strlen(TEMP_PREFIX);
+    return strncmp(name, TEMP_PREFIX, prefix) == 0 && strlen(name) == prefix + TEMP_RANDOM;
+}
+
+// With the folder's lock held no save is under way, so every temporary
+// file there is one that a killed save left.
+void RemoveLeftTempFiles(const SString& folder) {
+    DIR* listing = opendir(folder.c_str());
+    if (listing == nullptr) {
+        return;
+    }
+    while (const dirent* entry = readdir(listing)) {
+        if (IsTempName(entry->d_name)) {
+            unlinkat(dirfd(listing), entry->d_name, 0);
+        }
+    }
+    closedir(listing);
+}
+
+// Makes a new empty file "<folder>/.lst-XXXXXX" (0666 less the umask);
+// returns its descriptor, or -1.
+int CreateTempFile(const std::string& folder, std::string& temp) {
+    static const char LETTERS[] = "abcdefghijklmnopqrstuvwxyz0123456789";
+    std::random_device device;
+    std::mt19937 generator(device());
+    std::uniform_int_distribution<int> pick(0, int(sizeof LETTERS) - 2);
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        temp = folder + "/" + TEMP_PREFIX;
+        for (int i = 0; i < TEMP_RANDOM; ++i) {
+            temp += LETTERS[pick(generator)];
+        }
+        int fd = open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (fd >= 0 || errno != EEXIST) {
+            return fd;
+        }
+    }
+    return -1;
+}
+
+bool WriteAll(int fd, const char* data, size_t size) {
+    while (size > 0) {
+        ssize_t written = write(fd, data, size);
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return false;
+        }
+        data += written;
+        size -= size_t(written);
+    }
+    return true;
+}
+
+// Replaces the file at path with bytes: the new file is complete and synced
+// beside it before the rename, so a kill or a full disk leaves the old file
+// or the new one whole. The new file takes the old one's mode and, where
+// permitted, its owner and group. A link at path is followed.
+bool ReplacePlaylistFile(const SString& path, const SString& bytes) {
+    std::string target = path.c_str();
+    char* real = realpath(target.c_str(), nullptr);
+    if (real != nullptr) {
+        target = real;
+        free(real);
+    }
+    struct stat old;
+    bool hasOld = stat(target.c_str(), &old) == 0;
+    if (hasOld && !S_ISREG(old.st_mode)) {
+        return false;
+    }
+    size_t slash = target.rfind('/');
+    std::string folder = slash == std::string::npos ? "." : target.substr(0, slash);
+    if (folder.empty()) {
+        folder = "/";
+    }
+    std::string temp;
+    int fd = CreateTempFile(folder, temp);
+    if (fd < 0) {
+        return false;
+    }
+    bool ok = WriteAll(fd, bytes.c_str(), size_t(bytes.GetLength()));
+    if (ok && hasOld) {
+        // The owner first: a change of owner may clear the set-id bits.
+        // Another user's file: the group alone where permitted, or neither.
+        if (fchown(fd, old.st_uid, old.st_gid) != 0) {
+            int ignored = fchown(fd, uid_t(-1), old.st_gid);
+            (void)ignored;
+        }
+        ok = fchmod(fd, old.st_mode & 07777) == 0;
+    }
+    ok = ok && fsync(fd) == 0;
+    ok = close(fd) == 0 && ok;
+    ok = ok && rename(temp.c_str(), target.c_str()) == 0;
+    if (!ok) {
+        unlink(temp.c_str());
+        return false;
+    }
+    int folderFd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folderFd >= 0) {
+        fsync(folderFd);
+        close(folderFd);
+    }
+    return true;
+}
+
+// The components of an absolute path, empty and "." ones dropped; false
+// for a relative path or a ".." component.
+bool SplitAbsolute(const std::string& path, std::vector<std::string>& parts) {
+    parts.clear();
+    if (path.empty() || path[0] != '/') {
+        return false;
+    }
+    size_t start = 1;
+    while (start <= path.size()) {
+        size_t end = path.find('/', start);
+        if (end == std::string::npos) {
+            end = path.size();
+        }
+        std::string part = path.substr(start, end - start);
+        if (part == "..") {
+            return false;
+        }
+        if (!part.empty() && part != ".") {
+            parts.push_back(part);
+        }
+        start = end + 1;
+    }
+    return true;
+}
+
+// The entry of path when it lies under root: its components past the
+// root's, joined by "\"; empty otherwise.
+SString EntryUnder(const std::vector<std::string>& root, const std::vector<std::string>& path) {
+    if (path.size() <= root.size() || !std::equal(root.begin(), root.end(), path.begin())) {
+        return SString("");
+    }
+    SString entry("");
+    for (size_t i = root.size(); i < path.size(); ++i) {
+        if (i > root.size()) {
+            entry += "\\";
+        }
+        entry += path[i].c_str();
+    }
+    return entry;
+}
 
 } // namespace
 
 void ParsePlaylist(const char* data, int size, SStringArray& entries) {
     if (data == nullptr || size <= 0) {
         return;
+    }
+    // A byte order mark says UTF-8; it is no part of the first entry.
+    if (size >= 3 && memcmp(data, "\xEF\xBB\xBF", 3) == 0) {
+        data += 3;
+        size -= 3;
     }
     SString converted;
     if (!IsValidUtf8(data, size)) {
@@ -31,16 +236,22 @@ void ParsePlaylist(const char* data, int size, SStringArray& entries) {
     while (position < size) {
         line.SetLength(0);
         while (position < size) {
-            char c = data[position];
-            if (c == '\r' && position + 1 < size && data[position + 1] == '\n') {
+            // The run up to the next CR or LF goes in whole.
+            int stop = position;
+            while (stop < size && data[stop] != '\r' && data[stop] != '\n') {
+                ++stop;
+            }
+            line.Append(data + position, stop - position);
+            position = stop;
+            if (position >= size) {
+                break;
+            }
+            if (data[position] == '\r' && position + 1 < size && data[position + 1] == '\n') {
                 position += 2;
                 break;
             }
-            ++position;
             // A lone CR or LF ends nothing and is dropped.
-            if (c != '\r' && c != '\n') {
-                line.AppendChar(c);
-            }
+            ++position;
         }
         line.Trim();
         if (!line.IsEmpty()) {
@@ -152,8 +363,11 @@ bool PPlaylistStore::LoadPlaylist(const char* name) {
     if (wanted.IsEmpty() || FindName(wanted.c_str()) < 0) {
         return false;
     }
+    // A FIFO or a device named like a playlist would block the read.
+    SString path = PathOf(wanted.c_str());
+    struct stat info;
     SFileMem file;
-    if (!file.LoadFile(PathOf(wanted.c_str()).c_str())) {
+    if (stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode) || !file.LoadFile(path.c_str())) {
         return false;
     }
     ParsePlaylist(file.GetData(), file.GetSize(), entries);
@@ -161,12 +375,17 @@ bool PPlaylistStore::LoadPlaylist(const char* name) {
 }
 
 bool PPlaylistStore::SavePlaylist(const char* name) {
+    FolderLock lock(folder);
+    return lock.IsHeld() && WriteEntries(name);
+}
+
+bool PPlaylistStore::WriteEntries(const char* name) {
     SString wanted = name != nullptr && name[0] != 0 ? SString(name) : GetCurrentName();
     if (wanted.IsEmpty() || FindName(wanted.c_str()) < 0) {
         return false;
     }
-    SString bytes = FormatPlaylist(entries);
-    return WriteFileAtomic(PathOf(wanted.c_str()).c_str(), bytes.c_str(), bytes.GetLength());
+    RemoveLeftTempFiles(folder);
+    return ReplacePlaylistFile(PathOf(wanted.c_str()), FormatPlaylist(entries));
 }
 
 SString PPlaylistStore::GetCountText() const {
@@ -202,19 +421,53 @@ bool PPlaylistStore::SetSelection(int row) {
     return true;
 }
 
-void PPlaylistStore::AppendFiles(const SStringArray& paths) {
-    SPath rootPath(root.c_str());
-    int rootParts = rootPath.GetDepth();
-    if (rootParts < 1) {
-        return;
+SString PPlaylistStore::GetEntryFor(const char* path) const {
+    std::vector<std::string> file;
+    if (path == nullptr || root.IsEmpty() || !SplitAbsolute(path, file)) {
+        return SString("");
     }
+    std::string absolute = root.c_str();
+    if (absolute[0] != '/') {
+        char* here = getcwd(nullptr, 0);
+        absolute = std::string(here != nullptr ? here : "") + "/" + absolute;
+        free(here);
+    }
+    std::vector<std::string> rootParts;
+    SString entry("");
+    if (SplitAbsolute(absolute, rootParts)) {
+        entry = EntryUnder(rootParts, file);
+    }
+    char* real = entry.IsEmpty() ? realpath(root.c_str(), nullptr) : nullptr;
+    if (real != nullptr) {
+        if (SplitAbsolute(real, rootParts)) {
+            entry = EntryUnder(rootParts, file);
+        }
+        free(real);
+    }
+    return entry;
+}
+
+bool PPlaylistStore::AppendFiles(const SStringArray& paths) {
+    bool allUnderRoot = true;
     for (const SString* file : paths) {
-        SPath path(file->c_str());
-        SString entry = path.GetSlice(rootParts - 1, -1, false, '\\');
-        if (!entry.IsEmpty()) {
+        SString entry = GetEntryFor(file->c_str());
+        if (entry.IsEmpty()) {
+            allUnderRoot = false;
+        } else {
             entries.Add(entry);
         }
     }
+    return allUnderRoot;
+}
+
+bool PPlaylistStore::AppendFilesAndSave(const SStringArray& paths) {
+    for (const SString* file : paths) {
+        if (GetEntryFor(file->c_str()).IsEmpty()) {
+            return false;
+        }
+    }
+    FolderLock lock(folder);
+    return lock.IsHeld() && LoadPlaylist("") && AppendFiles(paths) && WriteEntries("");
 }
 
 bool PPlaylistStore::RemoveSelected() {

@@ -8,8 +8,17 @@
 // folders. An empty playlist is a file of zero bytes. Reading takes only
 // CR LF as a line end: a lone CR or LF is dropped and the line goes on, so
 // a file with bare line feeds reads as one long entry. Blanks and tabs at
-// the ends of a line go, and empty lines are dropped. A file that is not
-// valid UTF-8 is read as Windows-1252. Saving replaces the file atomically.
+// the ends of a line go, and empty lines are dropped. A UTF-8 byte order
+// mark at the start is dropped; a file that is not valid UTF-8 is read as
+// Windows-1252.
+//
+// Saving replaces the file atomically: a new file with a short hidden name
+// (".lst-" and six characters, so any name that fits on disk can be saved)
+// is written beside it, given the old file's mode and, where the system
+// permits, its owner and group, synced and renamed over it. Saves of every
+// process hold an advisory lock (flock) on the file ".playlists.lock" in
+// the playlists folder; a save finds the temporary files a killed save
+// left there and removes them.
 #pragma once
 
 #include "foundation/array.h"
@@ -45,8 +54,9 @@ public:
     // the name is not among the playlists or the file cannot be read.
     bool LoadPlaylist(const char* name = "");
     // Writes every entry to the file of that name (empty: the selected
-    // one). False, with nothing written, when the name is not among the
-    // playlists or the file cannot be replaced.
+    // one), under the folder's lock. False, with nothing written, when the
+    // name is not among the playlists, the lock cannot be had within 10
+    // seconds, or the file cannot be replaced.
     bool SavePlaylist(const char* name = "");
     const SStringArray& GetEntries() const { return entries; }
     int GetEntryCount() const { return entries.GetCount(); }
@@ -64,10 +74,21 @@ public:
     bool SetSelection(int row);
 
     // Editing; each but AppendFiles saves at once.
-    // Appends each absolute path, cut by as many leading components as the
-    // root has and with "/" turned into "\"; nothing checks that the file
-    // lies under the root. Does not save.
-    void AppendFiles(const SStringArray& paths);
+    // The entry for an absolute path under the root: the path less the
+    // root, with "/" turned into "\" and empty and "." components dropped.
+    // A path under the root's real path (a root reached through a link)
+    // counts as under the root. Empty for a path outside the root, a
+    // relative path, or one with a ".." component.
+    SString GetEntryFor(const char* path) const;
+    // Appends the entry of each path; a path outside the root is left out.
+    // False when one was. Does not save.
+    bool AppendFiles(const SStringArray& paths);
+    // Adds to the selected playlist as another process may be adding too:
+    // under the folder's lock, reads the file again, appends the paths
+    // (AppendFiles) and saves, so that no one's entries are lost. False,
+    // with nothing written, when a path lies outside the root or the
+    // playlist cannot be read or saved.
+    bool AppendFilesAndSave(const SStringArray& paths);
     // Removes the selected row (never the file it names) and saves; the row
     // that followed becomes selected, or none after the last row.
     bool RemoveSelected();
@@ -92,6 +113,8 @@ public:
 
 private:
     SString PathOf(const char* name) const;
+    // SavePlaylist with the lock already held.
+    bool WriteEntries(const char* name);
     int FindName(const char* name) const;
     void ReadNames();
 

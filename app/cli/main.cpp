@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "foundation/array.h"
 #include "app/cli/cli_definition.h"
 #include "app/cli/cli_pages.h"
 #include "app/cli/cli_play.h"
+#include "foundation/array.h"
 #include "foundation/disk.h"
 #include "library/playlist.h"
 #include "library/statistics.h"
@@ -32,7 +32,7 @@ constexpr const char* USAGE =
     "                                  then the totals; --purge then deletes empty ini files\n"
     "  playlist ROOT list              lists the playlists of ROOT/Playlists\n"
     "  playlist ROOT show NAME         prints the entries of one playlist\n"
-    "  playlist ROOT add NAME PATH...  appends files (absolute paths) and saves\n"
+    "  playlist ROOT add NAME PATH...  appends files (absolute paths under ROOT) and saves\n"
     "  play PATH... [--repeat] [--shuffle] [--sink fake]\n"
     "                                  plays the files in order; prints open, end,\n"
     "                                  skip and stop as they happen\n"
@@ -183,10 +183,14 @@ int RunPlaylist(std::vector<std::string> arguments) {
         if (arguments[i].empty() || arguments[i][0] != '/') {
             return Fail("not an absolute path: " + arguments[i]);
         }
+        if (store.GetEntryFor(arguments[i].c_str()).IsEmpty()) {
+            return Fail("not a file under the root " + root + ": " + arguments[i]);
+        }
         files.Add(arguments[i].c_str());
     }
-    store.AppendFiles(files);
-    if (!store.SavePlaylist("")) {
+    // Reads the playlist again under its lock, so that adds running at the
+    // same time in other processes are all kept.
+    if (!store.AppendFilesAndSave(files)) {
         return Fail("cannot save the playlist " + name);
     }
     return EXIT_OK;

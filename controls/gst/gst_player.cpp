@@ -1,5 +1,7 @@
 #include "controls/gst/gst_player.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <atomic>
 #include <cstring>
@@ -68,7 +70,10 @@ GstBusSyncReply OnBusMessage(GstBus* /*bus*/, GstMessage* message, gpointer data
     default:
         break;
     }
-    // Nothing else reads the bus: every message ends here.
+    // Nothing else reads the bus: every message ends here. A handler that
+    // drops a message owns it and must free it; a message kept alive keeps
+    // its source element, and with it the decoders of every track played.
+    gst_message_unref(message);
     return GST_BUS_DROP;
 }
 
@@ -107,6 +112,36 @@ void DropFrame(SGstPlayer::State* state) {
         gst_sample_unref(state->frame);
         state->frame = nullptr;
     }
+}
+
+// A local medium must be a regular file: the file source opens a FIFO
+// named like a song blocking, until a writer comes, and a device or a
+// socket is no medium either. Streams and other schemes pass.
+bool IsPlayableLocal(const gchar* uri) {
+    gchar* path = g_filename_from_uri(uri, nullptr, nullptr);
+    if (path == nullptr) {
+        return true;
+    }
+    struct stat info;
+    bool isRegular = stat(path, &info) == 0 && S_ISREG(info.st_mode);
+    g_free(path);
+    return isRegular;
+}
+
+// The sound goes through a volume element of its own before the sink.
+// Without one (a fake sink, or a sound card sink without a volume) the play
+// sink makes a new volume element in its converter for every track and
+// never frees the one before, so memory would grow with every track. With
+// fakeSinks the sink keeps time as a sound card would, so a song lasts its
+// length, and plays nothing.
+GstElement* MakeAudioSink(bool fakeSinks) {
+    GError* error = nullptr;
+    GstElement* sink = gst_parse_bin_from_description(
+        fakeSinks ? "volume ! fakesink sync=true" : "volume ! autoaudiosink", TRUE, &error);
+    if (error != nullptr) {
+        g_error_free(error);
+    }
+    return sink;
 }
 
 bool SizeFromCaps(GstCaps* caps, int* width, int* height) {
@@ -153,8 +188,7 @@ bool SGstPlayer::Create(HWND window, const Messages& messages, bool fakeSinks) {
     }
     GstElement* playbin = gst_element_factory_make("playbin", nullptr);
     GstElement* videoSink = gst_element_factory_make("appsink", nullptr);
-    GstElement* audioSink = fakeSinks ? gst_element_factory_make("fakesink", nullptr)
-                                      : gst_element_factory_make("autoaudiosink", nullptr);
+    GstElement* audioSink = MakeAudioSink(fakeSinks);
     if (playbin == nullptr || videoSink == nullptr || audioSink == nullptr) {
         for (GstElement* element : {playbin, videoSink, audioSink}) {
             if (element != nullptr) {
@@ -167,10 +201,6 @@ bool SGstPlayer::Create(HWND window, const Messages& messages, bool fakeSinks) {
     state->videoSink = videoSink;
     state->window = window;
     state->messages = messages;
-    if (fakeSinks) {
-        // Keeps time as a sound card would, so a song lasts its length.
-        g_object_set(audioSink, "sync", TRUE, nullptr);
-    }
     // Frames as Cairo's 24-bit RGB words; the newest one is kept.
     GstCaps* caps = gst_caps_from_string("video/x-raw,format=BGRx");
     g_object_set(videoSink, "caps", caps, "sync", TRUE, "max-buffers", 1, "drop", TRUE,
@@ -222,7 +252,8 @@ bool SGstPlayer::Load(const char* address, bool start) {
     } else {
         uri = gst_filename_to_uri(address, nullptr);
     }
-    if (uri == nullptr) {
+    if (uri == nullptr || !IsPlayableLocal(uri)) {
+        g_free(uri);
         return false;
     }
     g_object_set(Pipeline(pipeline), "uri", uri, nullptr);

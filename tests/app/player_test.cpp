@@ -11,6 +11,7 @@
 #include <sys/wait.h>
 #include <vector>
 
+#include "support/fifo_watch.h"
 #include "support/http_server.h"
 #include "support/message_pump.h"
 #include "support/temp_dir.h"
@@ -217,6 +218,22 @@ TEST(CliPlay, PrintsEachEventOfTheQueueInOrder) {
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.out, "open " + wav + "\nend " + wav + "\nskip " + bad + "\nopen " + mp3 +
                               "\nend " + mp3 + "\nstop\n");
+}
+
+// A FIFO named like a song or a radio file is skipped, never opened.
+TEST(CliPlay, SkipsAFifoNamedLikeASong) {
+    TempDir dir;
+    FifoWatch song(dir / "x.mp3");
+    FifoWatch radio(dir / "x.pls");
+    ASSERT_TRUE(song.IsMade() && radio.IsMade());
+    std::string wav = Media("tone1s.wav");
+    CliResult result = RunCli("play " + song.Path() + " " + radio.Path() + " " + wav +
+                              " --sink fake");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "skip " + song.Path() + "\nskip " + radio.Path() + "\nopen " + wav +
+                              "\nend " + wav + "\nstop\n");
+    EXPECT_FALSE(song.WasOpened());
+    EXPECT_FALSE(radio.WasOpened());
 }
 
 TEST(CliPlay, NothingPlayableFailsUsageErrorsAreToldAndShuffleKeepsEveryFile) {

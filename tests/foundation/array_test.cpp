@@ -77,6 +77,46 @@ TEST(ArrayGrowth, CapacityIsNextMultipleOf64AboveCount) {
     EXPECT_EQ(SArray<int>().GetCapacity(), 0);
 }
 
+// The block behind the capacity grows and shrinks geometrically; what a
+// caller sees stays the rule's: the capacity at every count, the items kept,
+// and no items carried without keep.
+TEST(ArrayGrowth, AddingAndRemovingOneByOneFollowTheCapacityRule) {
+    auto rule = [](int count) { return count + 64 - count % 64; };
+    SArray<int> array;
+    for (int i = 0; i < 5000; ++i) {
+        ASSERT_EQ(array.Add(i * 7), i);
+        ASSERT_EQ(array.GetCapacity(), rule(i + 1)) << i;
+    }
+    for (int i = 0; i < 5000; ++i) {
+        ASSERT_EQ(array.GetAt(i), i * 7) << i;
+    }
+    while (array.GetCount() > 100) {
+        array.RemoveAt(array.GetCount() - 1);
+        ASSERT_EQ(array.GetCapacity(), rule(array.GetCount()));
+    }
+    for (int i = 0; i < 100; ++i) {
+        ASSERT_EQ(array.GetAt(i), i * 7) << i;
+    }
+    for (int count : {130, 250, 90, 129}) {
+        ASSERT_TRUE(array.SetSize(count, false));
+        EXPECT_EQ(array.GetCapacity(), rule(count));
+        EXPECT_EQ(Items(array), std::vector<int>(count, 0)) << count;
+        for (int i = 0; i < count; ++i) {
+            array.GetAt(i) = i + 1;
+        }
+    }
+    SStringArray strings;
+    for (int i = 0; i < 3000; ++i) {
+        strings.Add(std::to_string(i).c_str());
+    }
+    SStringArray moved(std::move(strings));
+    EXPECT_EQ(moved.GetCapacity(), rule(3000));
+    EXPECT_EQ(strings.GetCapacity(), 0);
+    moved.Add("last");
+    EXPECT_EQ(moved.GetText(1234), "1234");
+    EXPECT_EQ(moved.GetText(3000), "last");
+}
+
 TEST(ArrayGrowth, RemovingFrom65To63ShrinksTheBlockAndKeepsItems) {
     SArray<int> array;
     for (int i = 0; i < 65; ++i) {

@@ -5,6 +5,7 @@
 
 #include <climits>
 #include <cstdio>
+#include <cstring>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -64,10 +65,54 @@ TEST(StringGrowth, CapacityRoundsUpAndSkipsExactMultiples) {
         u.SetSize(length, false);
         EXPECT_EQ(u.GetCapacity(), Rounded(length, 24)) << length;
     }
+    // Long strings grow into a hidden reserve; the capacity callers see
+    // still follows the rule at every step.
     SString appended("");
-    for (int i = 1; i <= 100; i++) {
-        appended.AppendChar('x');
+    for (int i = 1; i <= 5000; i++) {
+        appended.AppendChar(static_cast<char>('a' + i % 26));
         ASSERT_EQ(appended.GetCapacity(), Rounded(i, 16)) << i;
+    }
+    for (int i = 1; i <= 5000; i++) {
+        ASSERT_EQ(appended.GetAt(i - 1), static_cast<char>('a' + i % 26)) << i;
+    }
+    SUniString wide;
+    for (int i = 1; i <= 1000; i++) {
+        wide.SetLength(i, u'w');
+        ASSERT_EQ(wide.GetCapacity(), Rounded(i, 24)) << i;
+    }
+    EXPECT_EQ(Units(wide), std::u16string(1000, u'w'));
+}
+
+// Growth taken from the reserve must look like the new buffer the rule
+// describes: zero past the carried text, and safe for text that lies inside
+// the string itself.
+TEST(StringGrowth, GrowthIntoTheReserveActsAsANewBuffer) {
+    for (int length : {257, 300, 319, 500, 511, 1000, 4095}) {
+        SString s;
+        s.SetSize(length, false);
+        memset(s.GetBuffer(), 'a', length);
+        s.SetAt(10, 0);
+        int capacity = s.GetCapacity();
+        s.SetLength(capacity); // past the old capacity: a new buffer by the rule
+        ASSERT_GT(s.GetCapacity(), capacity);
+        EXPECT_EQ(Text(s), std::string(10, 'a') + std::string(capacity - 10, '\0')) << length;
+        s.SetSize(s.GetCapacity() + 1, false); // without keep nothing is carried
+        EXPECT_EQ(Text(s), std::string(s.GetLength(), '\0')) << length;
+
+        std::string expected(length, 'b');
+        for (int i = 0; i < length; i++) {
+            expected[i] = static_cast<char>('a' + i % 26);
+        }
+        SString self(expected.c_str());
+        for (int count : {1, 5, 16, length}) {
+            self.Append(self.GetBuffer() + 1, count);
+            expected += expected.substr(1, count);
+            ASSERT_EQ(Text(self), expected) << length << " " << count;
+            ASSERT_EQ(self.GetCapacity(), Rounded(self.GetLength(), 16));
+        }
+        self.Insert(self.c_str() + 2, 0, 2);
+        expected.insert(0, expected.substr(2) + expected.substr(2));
+        ASSERT_EQ(Text(self), expected) << length;
     }
 }
 
