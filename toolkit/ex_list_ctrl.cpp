@@ -50,8 +50,8 @@ int SExListCtrl::InsertColumn(int at, const char* title, int width, int align) {
     // The cells of later columns move one to the right.
     if (at > 0) {
         for (Row& row : rows) {
-            if (static_cast<int>(row.cells.size()) >= at) {
-                row.cells.insert(row.cells.begin() + (at - 1), std::string());
+            if (row.cells && static_cast<int>(row.cells->size()) >= at) {
+                row.cells->insert(row.cells->begin() + (at - 1), std::string());
             }
         }
     }
@@ -84,7 +84,10 @@ bool SExListCtrl::SetItemText(int row, int column, const char* text) {
     if (column == 0) {
         return SetText(row, text);
     }
-    std::vector<std::string>& rowCells = rows[row].cells;
+    if (!rows[row].cells) {
+        rows[row].cells = std::make_unique<std::vector<std::string>>();
+    }
+    std::vector<std::string>& rowCells = *rows[row].cells;
     if (static_cast<int>(rowCells.size()) < column) {
         rowCells.resize(column);
     }
@@ -100,9 +103,10 @@ SString SExListCtrl::GetItemText(int row, int column) const {
     if (column == 0) {
         return GetText(row);
     }
-    const std::vector<std::string>& rowCells = rows[row].cells;
-    return column - 1 < static_cast<int>(rowCells.size()) ? SString(rowCells[column - 1].c_str())
-                                                          : SString();
+    const auto& rowCells = rows[row].cells;
+    return rowCells && column - 1 < static_cast<int>(rowCells->size())
+               ? SString((*rowCells)[column - 1].c_str())
+               : SString();
 }
 
 SRect SExListCtrl::GetHeaderRect() const {

@@ -55,14 +55,17 @@ int SListCtrl::InsertRow(int at, const char* text, int image, uintptr_t data) {
 }
 
 void SListCtrl::AddRows(const std::vector<std::string>& texts) {
+    AddRows(std::vector<std::string>(texts));
+}
+
+void SListCtrl::AddRows(std::vector<std::string>&& texts) {
     int at = GetRowCount();
-    rows.reserve(rows.size() + texts.size());
-    for (const std::string& text : texts) {
-        Row row;
-        row.text = text;
-        rows.push_back(std::move(row));
+    rows.resize(rows.size() + texts.size());
+    for (size_t i = 0; i < texts.size(); ++i) {
+        rows[at + i].text = std::move(texts[i]);
     }
     selection.InsertRows(at, static_cast<int>(texts.size()));
+    texts.clear();
     Invalidate();
 }
 

@@ -45,8 +45,10 @@ public:
     bool RemoveRow(int row);
     void Clear();
     int GetRowCount() const { return static_cast<int>(rows.size()); }
-    // Many rows at once, without a repaint for each (texts are copied).
+    // Many rows at once, without a repaint for each: the texts are copied,
+    // or taken over from a vector the caller gives up.
     void AddRows(const std::vector<std::string>& texts);
+    void AddRows(std::vector<std::string>&& texts);
 
     SString GetText(int row) const;
     bool SetText(int row, const char* text);
@@ -128,7 +130,7 @@ protected:
         int image = -1;
         uintptr_t data = 0;
         bool checked = false;
-        std::vector<std::string> cells; // the further columns of a list view
+        std::unique_ptr<std::vector<std::string>> cells; // the further columns of a list view
     };
     std::vector<Row> rows;
     SListSelection selection;
