@@ -296,6 +296,9 @@ void SComboCtrl::CloseList(bool pick) {
     int current = closing->list.GetCurrentRow();
     closing->Destroy();
     PostMessage(GetHandle(), WM_NULL, 0, 0);
+    if (GetFocus() == 0) {
+        SetFocus(GetHandle()); // back from the popup's hold on the keyboard
+    }
     retired.push_back(std::move(closing));
     Invalidate();
     if (pick) {
@@ -521,7 +524,12 @@ LRESULT SComboCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
         break;
     case WM_KILLFOCUS:
         focused = false;
-        if (!opening) {
+        // The focus going nowhere or to the popup is the desktop's doing as
+        // the popup takes the keyboard (its keys come here); going to
+        // another window closes the list.
+        if (!opening && wParam != 0 && !(popup && SWnd::FromHandle(static_cast<HWND>(wParam)) != nullptr &&
+                                         SWnd::FromHandle(static_cast<HWND>(wParam))->GetTopWindow() ==
+                                             popup->GetHandle())) {
             CloseList(false);
         }
         Invalidate();

@@ -102,20 +102,25 @@ TEST(GtkLists, AListAReportAndAnOpenComboBoxDrawWithTheThemeColours) {
         HWND popup = combo.GetPopup()->GetHandle();
         // A selected row of the list, the header of the report, the current
         // item of the popup.
-        ASSERT_TRUE(PumpUntil([&] {
+        int listRow = 10 + 2 * list.GetRowHeight() + 3;
+        int popupRow = 1 + 2 * popupList->GetRowHeight() + 3;
+        EXPECT_TRUE(PumpUntil([&] {
             return GtkCaptureSurface(top.GetHandle(), &shot) && shot.GetWidth() >= 600 &&
-                   Rgb(shot, 150, 10 + 2 * list.GetRowHeight() + 3) == highlight &&
-                   GtkCaptureSurface(popup, &popupShot) && popupShot.GetWidth() > 100 &&
-                   Rgb(popupShot, 150, 1 + 2 * popupList->GetRowHeight() + 3) == highlight;
-        })) << "the lists were not drawn";
+                   Rgb(shot, 150, listRow) == highlight && GtkCaptureSurface(popup, &popupShot) &&
+                   popupShot.GetWidth() > 100 && Rgb(popupShot, 150, popupRow) == highlight;
+        })) << "the lists were not drawn: " << std::hex << Rgb(shot, 150, listRow) << " "
+            << (popupShot.IsValid() ? Rgb(popupShot, 150, popupRow) : 0) << " " << highlight;
+        ASSERT_TRUE(shot.IsValid() && popupShot.IsValid());
         EXPECT_EQ(Rgb(shot, 150, 10 + list.GetRowHeight() / 2), ToRgb(GetSysColor(SYS_COLOR_WINDOW)))
             << "an unselected row";
         EXPECT_EQ(Rgb(shot, 200 + 100, 10 + 2), ToRgb(GetSysColor(SYS_COLOR_BTNFACE)))
             << "the report's header";
         int reportRow = 10 + report.GetHeaderRect().Height() + report.GetRowHeight() + 3;
         EXPECT_EQ(Rgb(shot, 200 + 360, reportRow), highlight) << "the report's chosen row";
-        EXPECT_EQ(Rgb(shot, 186, 12), ToRgb(GetSysColor(SYS_COLOR_BTNFACE)))
-            << "the list's scroll bar";
+        EXPECT_EQ(Rgb(shot, 186, 200), ToRgb(GetSysColor(SYS_COLOR_BTNFACE)))
+            << "the track of the list's scroll bar";
+        EXPECT_EQ(Rgb(shot, 186, 12), ToRgb(GetSysColor(SYS_COLOR_BTNSHADOW)))
+            << "its thumb, at the top";
 
         SImage composed;
         ASSERT_TRUE(Compose(shot, top.GetWindowRect(), popupShot, combo.GetPopup()->GetWindowRect(),
