@@ -323,10 +323,18 @@ void SComboCtrl::EditChanged() {
 bool SComboCtrl::EditKey(unsigned key, bool shift) {
     int length = static_cast<int>(editText.size());
     switch (key) {
-    case KEY_LEFT: caret = PreviousCharacter(editText, caret); break;
-    case KEY_RIGHT: caret = NextCharacter(editText, caret); break;
-    case KEY_HOME: caret = 0; break;
-    case KEY_END: caret = length; break;
+    case KEY_LEFT:
+        caret = PreviousCharacter(editText, caret);
+        break;
+    case KEY_RIGHT:
+        caret = NextCharacter(editText, caret);
+        break;
+    case KEY_HOME:
+        caret = 0;
+        break;
+    case KEY_END:
+        caret = length;
+        break;
     case VK_BACK:
         if (caret == anchor) {
             anchor = PreviousCharacter(editText, caret);
@@ -343,7 +351,8 @@ bool SComboCtrl::EditKey(unsigned key, bool shift) {
             ReplaceSelection("");
         }
         return true;
-    default: return false;
+    default:
+        return false;
     }
     if (!shift) {
         anchor = caret;
@@ -374,8 +383,12 @@ bool SComboCtrl::HandleKey(unsigned key, bool alt) {
     }
     if (popup) {
         switch (key) {
-        case VK_RETURN: CloseList(true); return true;
-        case VK_ESCAPE: CloseList(false); return true;
+        case VK_RETURN:
+            CloseList(true);
+            return true;
+        case VK_ESCAPE:
+            CloseList(false);
+            return true;
         case KEY_UP:
         case KEY_DOWN:
         case KEY_PAGE_UP:
@@ -389,7 +402,8 @@ bool SComboCtrl::HandleKey(unsigned key, bool alt) {
                 return true;
             }
             break;
-        default: break;
+        default:
+            break;
         }
     }
     if (form == COMBO_EDITABLE) {
@@ -404,13 +418,26 @@ bool SComboCtrl::HandleKey(unsigned key, bool alt) {
     int count = GetCount();
     int target = -1;
     switch (key) {
-    case KEY_UP: target = selected - 1; break;
-    case KEY_DOWN: target = selected + 1; break;
-    case KEY_PAGE_UP: target = selected - VISIBLE_ITEMS; break;
-    case KEY_PAGE_DOWN: target = selected + VISIBLE_ITEMS; break;
-    case KEY_HOME: target = 0; break;
-    case KEY_END: target = count - 1; break;
-    default: return false;
+    case KEY_UP:
+        target = selected - 1;
+        break;
+    case KEY_DOWN:
+        target = selected + 1;
+        break;
+    case KEY_PAGE_UP:
+        target = selected - VISIBLE_ITEMS;
+        break;
+    case KEY_PAGE_DOWN:
+        target = selected + VISIBLE_ITEMS;
+        break;
+    case KEY_HOME:
+        target = 0;
+        break;
+    case KEY_END:
+        target = count - 1;
+        break;
+    default:
+        return false;
     }
     if (count > 0) {
         Choose(std::clamp(target, 0, count - 1));
@@ -527,9 +554,9 @@ LRESULT SComboCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
         // The focus going nowhere or to the popup is the desktop's doing as
         // the popup takes the keyboard (its keys come here); going to
         // another window closes the list.
-        if (!opening && wParam != 0 && !(popup && SWnd::FromHandle(static_cast<HWND>(wParam)) != nullptr &&
-                                         SWnd::FromHandle(static_cast<HWND>(wParam))->GetTopWindow() ==
-                                             popup->GetHandle())) {
+        if (!opening && wParam != 0 &&
+            !(popup && SWnd::FromHandle(static_cast<HWND>(wParam)) != nullptr &&
+              SWnd::FromHandle(static_cast<HWND>(wParam))->GetTopWindow() == popup->GetHandle())) {
             CloseList(false);
         }
         Invalidate();

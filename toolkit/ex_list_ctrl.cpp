@@ -276,9 +276,8 @@ LRESULT SExListCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
         break;
     case WM_LBUTTONUP:
         if (dragColumn >= 0 || pressedColumn >= 0) {
-            int clicked = pressedColumn >= 0 && ColumnAtPoint(point) == pressedColumn
-                              ? pressedColumn
-                              : -1;
+            int clicked =
+                pressedColumn >= 0 && ColumnAtPoint(point) == pressedColumn ? pressedColumn : -1;
             dragColumn = -1;
             pressedColumn = -1;
             ReleaseCapture();

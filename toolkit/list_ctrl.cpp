@@ -22,7 +22,7 @@ constexpr unsigned KEY_LEFT = 37;
 constexpr unsigned KEY_UP = 38;
 constexpr unsigned KEY_RIGHT = 39;
 constexpr unsigned KEY_DOWN = 40;
-constexpr int WHEEL_ROWS = 3;               // rows a notch of the wheel scrolls
+constexpr int WHEEL_ROWS = 3; // rows a notch of the wheel scrolls
 constexpr int TEXT_MARGIN = 4;
 
 } // namespace
@@ -374,8 +374,8 @@ void SListCtrl::HandlePress(unsigned message, LPARAM lParam) {
             SetCheck(row, !GetCheck(row));
         }
         int old = selection.GetCurrent();
-        unsigned modifiers = SKeyboard::GetModifiers() &
-                             (SListSelection::SHIFT | SListSelection::CTRL);
+        unsigned modifiers =
+            SKeyboard::GetModifiers() & (SListSelection::SHIFT | SListSelection::CTRL);
         bool changed = selection.Press(row, modifiers, message == WM_RBUTTONDOWN);
         if (changed) {
             Invalidate();
@@ -404,8 +404,12 @@ bool SListCtrl::HandleKey(unsigned key) {
     int page = std::max(1, GetPageRows() - 1) * perLine;
     int target = -1;
     switch (key) {
-    case KEY_UP: target = current < 0 ? 0 : current - perLine; break;
-    case KEY_DOWN: target = current < 0 ? 0 : current + perLine; break;
+    case KEY_UP:
+        target = current < 0 ? 0 : current - perLine;
+        break;
+    case KEY_DOWN:
+        target = current < 0 ? 0 : current + perLine;
+        break;
     case KEY_LEFT:
     case KEY_RIGHT:
         if (cellWidth <= 0) {
@@ -413,17 +417,26 @@ bool SListCtrl::HandleKey(unsigned key) {
         }
         target = current < 0 ? 0 : current + (key == KEY_LEFT ? -1 : 1);
         break;
-    case KEY_HOME: target = 0; break;
-    case KEY_END: target = count - 1; break;
-    case KEY_PAGE_UP: target = current < 0 ? 0 : current - page; break;
-    case KEY_PAGE_DOWN: target = current < 0 ? 0 : current + page; break;
+    case KEY_HOME:
+        target = 0;
+        break;
+    case KEY_END:
+        target = count - 1;
+        break;
+    case KEY_PAGE_UP:
+        target = current < 0 ? 0 : current - page;
+        break;
+    case KEY_PAGE_DOWN:
+        target = current < 0 ? 0 : current + page;
+        break;
     case KEY_SPACE:
         if (current >= 0 && selection.ToggleCurrent()) {
             InvalidateRow(current);
             SelectionChanged();
         }
         return true;
-    default: return false;
+    default:
+        return false;
     }
     if (count == 0) {
         return true;
@@ -494,12 +507,11 @@ void SListCtrl::DrawItem(cairo_t* cr, int row, const SRect& rect, unsigned state
                        pictureHeight);
         x += height;
     }
-    DrawText(cr, rows[row].text.c_str(), SRect{x + TEXT_MARGIN, rect.top, rect.right - TEXT_MARGIN,
-                                               rect.bottom},
-             textColor);
+    DrawText(cr, rows[row].text.c_str(),
+             SRect{x + TEXT_MARGIN, rect.top, rect.right - TEXT_MARGIN, rect.bottom}, textColor);
     if ((state & LIST_ITEM_CURRENT) != 0) {
         ListSetColor(cr, (state & LIST_ITEM_SELECTED) != 0 ? GetSysColor(SYS_COLOR_HIGHLIGHTTEXT)
-                                                            : GetSysColor(SYS_COLOR_WINDOWTEXT));
+                                                           : GetSysColor(SYS_COLOR_WINDOWTEXT));
         static const double dash[] = {1.0, 1.0};
         cairo_save(cr);
         cairo_set_dash(cr, dash, 2, 0);
@@ -529,9 +541,9 @@ void SListCtrl::Paint(cairo_t* cr) {
     int perLine = PerLine();
     if (!rows.empty() && clipBottom > clipTop) {
         int first = (scrollOffset + clipTop - listTop) / itemHeight * perLine;
-        int last = std::min(GetRowCount() - 1,
-                            ((scrollOffset + clipBottom - listTop - 1) / itemHeight + 1) * perLine -
-                                1);
+        int last =
+            std::min(GetRowCount() - 1,
+                     ((scrollOffset + clipBottom - listTop - 1) / itemHeight + 1) * perLine - 1);
         int current = selection.GetCurrent();
         cairo_save(cr);
         cairo_rectangle(cr, 0, listTop, width, height - listTop);

@@ -24,7 +24,6 @@
 #include "toolkit/list_selection.h"
 #include "toolkit/wnd.h"
 
-
 // The state bits an item-draw override is given.
 constexpr unsigned LIST_ITEM_SELECTED = 1;
 constexpr unsigned LIST_ITEM_CURRENT = 2; // the current row of a focused list

@@ -16,8 +16,8 @@
 
 SListFont::SListFont(const SFont* font) {
     PangoFontDescription* pango = pango_font_description_new();
-    const char* face = font != nullptr && !font->GetFace().IsEmpty() ? font->GetFace().c_str()
-                                                                      : "Sans";
+    const char* face =
+        font != nullptr && !font->GetFace().IsEmpty() ? font->GetFace().c_str() : "Sans";
     int height = font != nullptr && font->GetHeight() != 0 ? std::abs(font->GetHeight()) : 12;
     pango_font_description_set_family(pango, face);
     pango_font_description_set_absolute_size(pango, height * PANGO_SCALE);
@@ -84,8 +84,7 @@ void ListText(cairo_t* cr, const SListFont& font, const char* text, const SRect&
         return;
     }
     PangoLayout* layout = pango_cairo_create_layout(cr);
-    pango_layout_set_font_description(layout,
-                                      static_cast<PangoFontDescription*>(font.description));
+    pango_layout_set_font_description(layout, static_cast<PangoFontDescription*>(font.description));
     pango_layout_set_text(layout, text, -1);
     pango_layout_set_width(layout, rect.Width() * PANGO_SCALE);
     pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
@@ -113,8 +112,7 @@ PangoLayout* MeasureLayout(const SListFont& font, const char* text, cairo_surfac
     *scratch = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 1, 1);
     *cr = cairo_create(*scratch);
     PangoLayout* layout = pango_cairo_create_layout(*cr);
-    pango_layout_set_font_description(layout,
-                                      static_cast<PangoFontDescription*>(font.description));
+    pango_layout_set_font_description(layout, static_cast<PangoFontDescription*>(font.description));
     pango_layout_set_text(layout, text != nullptr ? text : "", -1);
     return layout;
 }
@@ -193,8 +191,8 @@ SRect ListThumbRect(const SRect& bar, int contentHeight, int viewHeight, int off
     if (contentHeight <= viewHeight || track <= 0) {
         return bar;
     }
-    int thumb = std::max(LIST_THUMB_MINIMUM,
-                         static_cast<int>(static_cast<int64_t>(track) * viewHeight / contentHeight));
+    int thumb = std::max(LIST_THUMB_MINIMUM, static_cast<int>(static_cast<int64_t>(track) *
+                                                              viewHeight / contentHeight));
     thumb = std::min(thumb, track);
     int range = contentHeight - viewHeight;
     int top = static_cast<int>(static_cast<int64_t>(track - thumb) * offset / range);

@@ -42,8 +42,8 @@ public:
                                  note.Point(),
                                  note.Mouse() != nullptr ? note.Mouse()->screen : SPoint{}});
         } else if (message == WM_LBUTTONDOWN || message == WM_RBUTTONDOWN) {
-            notes.push_back(Note{message, nullptr, 0, 0, SPoint{}, SPoint{PointParamX(lParam),
-                                                                          PointParamY(lParam)}});
+            notes.push_back(Note{message, nullptr, 0, 0, SPoint{},
+                                 SPoint{PointParamX(lParam), PointParamY(lParam)}});
         }
         return SWnd::OnMessage(message, wParam, lParam);
     }
@@ -121,16 +121,16 @@ TEST_F(ListCtrlTest, KeysMoveTheCurrentRowScrollItIntoViewAndTellTheParent) {
         int scrollOffset;
     };
     const Step steps[] = {
-        {KEY_DOWN, 0, 0, 1, 0},         // no current row yet: the first
+        {KEY_DOWN, 0, 0, 1, 0}, // no current row yet: the first
         {KEY_DOWN, 0, 1, 1, 0},
-        {KEY_PAGE_DOWN, 0, 5, 1, 20},   // a page less one row, scrolled to show it
-        {KEY_DOWN, SHIFT, 6, 2, 40},    // Shift extends from the anchor
-        {KEY_UP, CTRL, 5, 2, 40},       // Ctrl moves the current row alone
-        {KEY_SPACE, CTRL, 5, 1, 40},    // Space toggles it off
-        {KEY_END, 0, 999, 1, 19900},    // 1000 rows of 20, less the 100 shown
+        {KEY_PAGE_DOWN, 0, 5, 1, 20}, // a page less one row, scrolled to show it
+        {KEY_DOWN, SHIFT, 6, 2, 40},  // Shift extends from the anchor
+        {KEY_UP, CTRL, 5, 2, 40},     // Ctrl moves the current row alone
+        {KEY_SPACE, CTRL, 5, 1, 40},  // Space toggles it off
+        {KEY_END, 0, 999, 1, 19900},  // 1000 rows of 20, less the 100 shown
         {KEY_PAGE_DOWN, 0, 999, 1, 19900},
         {KEY_HOME, 0, 0, 1, 0},
-        {KEY_UP, 0, 0, 1, 0},           // stays at the top
+        {KEY_UP, 0, 0, 1, 0}, // stays at the top
         {KEY_PAGE_UP, SHIFT, 0, 1, 0},
     };
     for (const Step& step : steps) {
@@ -163,7 +163,7 @@ TEST_F(ListCtrlTest, PressesSelectByTheModifiersAndReportTheMouseWithBothPoints)
         {0, SHIFT, WM_LBUTTONDOWN, {0, 1, 2}, true}, // the anchor stays at 2
         {4, CTRL, WM_LBUTTONDOWN, {0, 1, 2, 4}, true},
         {2, SHIFT | CTRL, WM_LBUTTONDOWN, {0, 1, 2, 3, 4}, true}, // from the new anchor 4
-        {1, 0, WM_RBUTTONDOWN, {0, 1, 2, 3, 4}, false}, // a right press on a selected row
+        {1, 0, WM_RBUTTONDOWN, {0, 1, 2, 3, 4}, false},           // a right press on a selected row
         {3, CTRL, WM_LBUTTONDOWN, {0, 1, 2, 4}, true},
         {1, 0, WM_LBUTTONDOWN, {1}, true},
         {1, 0, WM_LBUTTONDOWN, {1}, false}, // nothing changed: no notification
@@ -278,13 +278,11 @@ TEST_F(ListCtrlTest, TypingJumpsToTheNextRowStartingWithIt) {
         int row;
     };
     const Typed cases[] = {
-        {"b", 0, 1},    // case ignored
-        {"b", 0, 2},    // the same letter again: the next one
-        {"b", 0, 4},
-        {"b", 0, 1},    // and round
-        {"c", 2000, 3}, // after a pause, a new search
-        {"bl", 2000, 2},
-        {"z", 2000, 2}, // nothing starts with it: the row stays
+        {"b", 0, 1},                     // case ignored
+        {"b", 0, 2},                     // the same letter again: the next one
+        {"b", 0, 4},     {"b", 0, 1},    // and round
+        {"c", 2000, 3},                  // after a pause, a new search
+        {"bl", 2000, 2}, {"z", 2000, 2}, // nothing starts with it: the row stays
     };
     for (const Typed& typed : cases) {
         SCOPED_TRACE(typed.keys);
@@ -443,11 +441,11 @@ TEST_F(ComboTest, KeysOpenMoveInPickFromAndCloseTheList) {
         {WM_KEYDOWN, VK_ESCAPE, false, 1, 1}, // closes without a change
         {WM_KEYDOWN, KEY_DOWN, false, 2, 2},  // closed, arrows choose
         {WM_KEYDOWN, KEY_HOME, false, 0, 3},
-        {WM_CHAR, 'j', false, 1, 4},          // type-ahead
+        {WM_CHAR, 'j', false, 1, 4}, // type-ahead
         {WM_CHAR, 'j', false, 4, 5},
         {WM_KEYDOWN, KEY_F4, true, 4, 5},
-        {WM_CHAR, 'b', true, 4, 5},           // moves in the open list
-        {WM_KEYDOWN, KEY_F4, false, 2, 6},    // F4 again picks
+        {WM_CHAR, 'b', true, 4, 5},        // moves in the open list
+        {WM_KEYDOWN, KEY_F4, false, 2, 6}, // F4 again picks
     };
     for (size_t i = 0; i < sizeof steps / sizeof steps[0]; ++i) {
         const Step& step = steps[i];
@@ -529,7 +527,7 @@ TEST_F(ComboTest, TheEditableFormEditsItsText) {
     };
     const Step steps[] = {
         {"Jaz", 0, 0, "Jaz", 3},
-        {nullptr, KEY_HOME + 1, 0, "Jaz", 2},  // Left
+        {nullptr, KEY_HOME + 1, 0, "Jaz", 2}, // Left
         {nullptr, VK_BACK, 0, "Jz", 1},
         {nullptr, VK_DELETE, 0, "J", 1},
         {nullptr, KEY_HOME, 0, "J", 0},

@@ -108,10 +108,12 @@ TEST(GtkLists, AListAReportAndAnOpenComboBoxDrawWithTheThemeColours) {
             return GtkCaptureSurface(top.GetHandle(), &shot) && shot.GetWidth() >= 600 &&
                    Rgb(shot, 150, listRow) == highlight && GtkCaptureSurface(popup, &popupShot) &&
                    popupShot.GetWidth() > 100 && Rgb(popupShot, 150, popupRow) == highlight;
-        })) << "the lists were not drawn: " << std::hex << Rgb(shot, 150, listRow) << " "
+        })) << "the lists were not drawn: "
+            << std::hex << Rgb(shot, 150, listRow) << " "
             << (popupShot.IsValid() ? Rgb(popupShot, 150, popupRow) : 0) << " " << highlight;
         ASSERT_TRUE(shot.IsValid() && popupShot.IsValid());
-        EXPECT_EQ(Rgb(shot, 150, 10 + list.GetRowHeight() / 2), ToRgb(GetSysColor(SYS_COLOR_WINDOW)))
+        EXPECT_EQ(Rgb(shot, 150, 10 + list.GetRowHeight() / 2),
+                  ToRgb(GetSysColor(SYS_COLOR_WINDOW)))
             << "an unselected row";
         EXPECT_EQ(Rgb(shot, 200 + 100, 10 + 2), ToRgb(GetSysColor(SYS_COLOR_BTNFACE)))
             << "the report's header";
