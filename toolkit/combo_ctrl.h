@@ -3,9 +3,10 @@
 // field of its own: caret, typing, Backspace, Delete, arrows, Home, End,
 // select all). The list drops down in a popup surface below the field (or
 // above it when there is no room): Alt+Down or F4 or a press opens it,
-// arrows, Page Up, Page Down, Home and End move in it, Enter or a click
-// picks, Escape or a press elsewhere closes it; letters jump to the next
-// item starting with them, open or closed in the drop-down form.
+// arrows, Page Up, Page Down, Home and End move in it, Enter, a click or
+// F4 (Alt+Up, Alt+Down) again picks, Escape or a press elsewhere closes it;
+// with the list closed the arrows choose the next or previous item; letters
+// jump to the next item starting with them in the drop-down form.
 //
 // It tells its parent SN_COMBO_SELECT_CHANGE when the chosen item changes
 // by the user's hand, and SN_COMBO_EDIT_CHANGE when the user changes the
