@@ -554,10 +554,12 @@ LRESULT SComboCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
         // The focus going nowhere or to the popup is the desktop's doing as
         // the popup takes the keyboard (its keys come here); going to
         // another window closes the list.
-        if (!opening && wParam != 0 &&
-            !(popup && SWnd::FromHandle(static_cast<HWND>(wParam)) != nullptr &&
-              SWnd::FromHandle(static_cast<HWND>(wParam))->GetTopWindow() == popup->GetHandle())) {
-            CloseList(false);
+        if (!opening && wParam != 0) {
+            SWnd* next = SWnd::FromHandle(static_cast<HWND>(wParam));
+            bool toPopup = popup && next != nullptr && next->GetTopWindow() == popup->GetHandle();
+            if (!toPopup) {
+                CloseList(false);
+            }
         }
         Invalidate();
         break;

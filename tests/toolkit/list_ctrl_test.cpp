@@ -506,6 +506,29 @@ TEST_F(ComboTest, APressPicksAnItemAndAPressOutsideCloses) {
     EXPECT_EQ(parent.Count(SN_COMBO_SELECT_CHANGE), 1);
 }
 
+TEST_F(ComboTest, TheListStaysWhileItsPopupHoldsTheKeyboardAndGoesWithTheFocus) {
+    platform->Key(top, KEY_F4);
+    ASSERT_TRUE(combo.IsListOpen());
+    // The desktop gives the popup the focus as it takes the keyboard, or
+    // none at all: the list stays, and its keys still reach the combo box.
+    SetFocus(PopupHandle());
+    SetFocus(0);
+    ASSERT_TRUE(combo.IsListOpen());
+    platform->Key(PopupHandle(), KEY_DOWN);
+    platform->Key(PopupHandle(), VK_RETURN);
+    EXPECT_FALSE(combo.IsListOpen());
+    EXPECT_EQ(combo.GetSelectedIndex(), 0);
+    EXPECT_EQ(GetFocus(), combo.GetHandle()) << "the focus comes back to the combo box";
+    // Another window taking the focus closes it.
+    SWnd other;
+    ASSERT_TRUE(Make(other, "other", Rect(10, 100, 60, 120), top));
+    platform->Key(top, KEY_F4);
+    ASSERT_TRUE(combo.IsListOpen());
+    SetFocus(other.GetHandle());
+    EXPECT_FALSE(combo.IsListOpen());
+    EXPECT_EQ(combo.GetSelectedIndex(), 0);
+}
+
 TEST_F(ComboTest, TheEditableFormEditsItsText) {
     SComboCtrl edit;
     ASSERT_TRUE(edit.Create(&parent, Rect(10, 50, 160, 74), 6, COMBO_EDITABLE));
