@@ -49,9 +49,9 @@ int SExListCtrl::InsertColumn(int at, const char* title, int width, int align) {
     columns.insert(columns.begin() + at, std::move(column));
     // The cells of later columns move one to the right.
     if (at > 0) {
-        for (Row& row : rows) {
-            if (row.cells && static_cast<int>(row.cells->size()) >= at) {
-                row.cells->insert(row.cells->begin() + (at - 1), std::string());
+        for (Extra& extra : extras) {
+            if (extra.cells && static_cast<int>(extra.cells->size()) >= at) {
+                extra.cells->insert(extra.cells->begin() + (at - 1), std::string());
             }
         }
     }
@@ -84,10 +84,11 @@ bool SExListCtrl::SetItemText(int row, int column, const char* text) {
     if (column == 0) {
         return SetText(row, text);
     }
-    if (!rows[row].cells) {
-        rows[row].cells = std::make_unique<std::vector<std::string>>();
+    Extra& extra = ExtraOf(row);
+    if (!extra.cells) {
+        extra.cells = std::make_unique<std::vector<std::string>>();
     }
-    std::vector<std::string>& rowCells = *rows[row].cells;
+    std::vector<std::string>& rowCells = *extra.cells;
     if (static_cast<int>(rowCells.size()) < column) {
         rowCells.resize(column);
     }
@@ -103,10 +104,13 @@ SString SExListCtrl::GetItemText(int row, int column) const {
     if (column == 0) {
         return GetText(row);
     }
-    const auto& rowCells = rows[row].cells;
-    return rowCells && column - 1 < static_cast<int>(rowCells->size())
-               ? SString((*rowCells)[column - 1].c_str())
-               : SString();
+    const Extra* extra = FindExtra(row);
+    if (extra == nullptr || !extra->cells) {
+        return SString();
+    }
+    const std::vector<std::string>& rowCells = *extra->cells;
+    return column - 1 < static_cast<int>(rowCells.size()) ? SString(rowCells[column - 1].c_str())
+                                                          : SString();
 }
 
 SRect SExListCtrl::GetHeaderRect() const {
@@ -147,11 +151,11 @@ void SExListCtrl::DrawItem(cairo_t* cr, int row, const SRect& rect, unsigned sta
     }
     bool selected = (state & LIST_ITEM_SELECTED) != 0;
     uint32_t textColor = GetSysColor(selected ? SYS_COLOR_HIGHLIGHTTEXT : SYS_COLOR_WINDOWTEXT);
-    const Row& item = rows[row];
-    const SImage* picture = item.image >= 0 && item.image < static_cast<int>(images.size()) &&
-                                    images[item.image].IsValid()
-                                ? &images[item.image]
-                                : nullptr;
+    int image = GetImage(row);
+    const SImage* picture =
+        image >= 0 && image < static_cast<int>(images.size()) && images[image].IsValid()
+            ? &images[image]
+            : nullptr;
     if (view == EXLIST_ICON) {
         SRect text{rect.left + 2, rect.bottom - CELL_MARGIN - GetRowHeight(), rect.right - 2,
                    rect.bottom - CELL_MARGIN};
@@ -164,7 +168,7 @@ void SExListCtrl::DrawItem(cairo_t* cr, int row, const SRect& rect, unsigned sta
             picture->DrawAt(cr, rect.left + (rect.Width() - width) / 2,
                             rect.top + CELL_MARGIN + (ICON_SIZE - height) / 2, width, height);
         }
-        ListText(cr, *font, item.text.c_str(), text, textColor, 1);
+        ListText(cr, *font, texts[row].c_str(), text, textColor, 1);
         if ((state & LIST_ITEM_CURRENT) != 0) {
             ListFrame(cr, text, GetSysColor(SYS_COLOR_WINDOWTEXT));
         }

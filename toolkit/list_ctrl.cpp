@@ -44,11 +44,15 @@ int SListCtrl::InsertRow(int at, const char* text, int image, uintptr_t data) {
     if (at < 0 || at > GetRowCount()) {
         at = GetRowCount();
     }
-    Row row;
-    row.text = text != nullptr ? text : "";
-    row.image = image;
-    row.data = data;
-    rows.insert(rows.begin() + at, std::move(row));
+    texts.insert(texts.begin() + at, text != nullptr ? text : "");
+    if (!extras.empty()) {
+        extras.insert(extras.begin() + at, Extra());
+    }
+    if (image != -1 || data != 0) {
+        Extra& extra = ExtraOf(at);
+        extra.image = image;
+        extra.data = data;
+    }
     selection.InsertRows(at, 1);
     Invalidate();
     return at;
@@ -58,15 +62,28 @@ void SListCtrl::AddRows(const std::vector<std::string>& texts) {
     AddRows(std::vector<std::string>(texts));
 }
 
-void SListCtrl::AddRows(std::vector<std::string>&& texts) {
+void SListCtrl::AddRows(std::vector<std::string>&& added) {
     int at = GetRowCount();
-    rows.resize(rows.size() + texts.size());
-    for (size_t i = 0; i < texts.size(); ++i) {
-        rows[at + i].text = std::move(texts[i]);
+    int count = static_cast<int>(added.size());
+    if (texts.empty()) {
+        texts.swap(added);
+    } else {
+        texts.insert(texts.end(), std::make_move_iterator(added.begin()),
+                     std::make_move_iterator(added.end()));
     }
-    selection.InsertRows(at, static_cast<int>(texts.size()));
-    texts.clear();
+    added.clear();
+    if (!extras.empty()) {
+        extras.resize(texts.size());
+    }
+    selection.InsertRows(at, count);
     Invalidate();
+}
+
+SListCtrl::Extra& SListCtrl::ExtraOf(int row) {
+    if (extras.size() != texts.size()) {
+        extras.resize(texts.size());
+    }
+    return extras[static_cast<size_t>(row)];
 }
 
 bool SListCtrl::RemoveRow(int row) {
@@ -74,7 +91,10 @@ bool SListCtrl::RemoveRow(int row) {
         return false;
     }
     bool wasSelected = selection.IsSelected(row);
-    rows.erase(rows.begin() + row);
+    texts.erase(texts.begin() + row);
+    if (!extras.empty()) {
+        extras.erase(extras.begin() + row);
+    }
     selection.RemoveRow(row);
     ScrollTo(scrollOffset);
     Invalidate();
@@ -86,7 +106,8 @@ bool SListCtrl::RemoveRow(int row) {
 
 void SListCtrl::Clear() {
     bool hadSelection = selection.GetSelectedCount() > 0;
-    rows.clear();
+    texts.clear();
+    extras.clear();
     selection.SetRowCount(0);
     scrollOffset = 0;
     Invalidate();
@@ -96,52 +117,55 @@ void SListCtrl::Clear() {
 }
 
 SString SListCtrl::GetText(int row) const {
-    return row >= 0 && row < GetRowCount() ? SString(rows[row].text.c_str()) : SString();
+    return row >= 0 && row < GetRowCount() ? SString(texts[row].c_str()) : SString();
 }
 
 bool SListCtrl::SetText(int row, const char* text) {
     if (row < 0 || row >= GetRowCount()) {
         return false;
     }
-    rows[row].text = text != nullptr ? text : "";
+    texts[row] = text != nullptr ? text : "";
     InvalidateRow(row);
     return true;
 }
 
 uintptr_t SListCtrl::GetData(int row) const {
-    return row >= 0 && row < GetRowCount() ? rows[row].data : 0;
+    const Extra* extra = row >= 0 && row < GetRowCount() ? FindExtra(row) : nullptr;
+    return extra != nullptr ? extra->data : 0;
 }
 
 bool SListCtrl::SetData(int row, uintptr_t data) {
     if (row < 0 || row >= GetRowCount()) {
         return false;
     }
-    rows[row].data = data;
+    ExtraOf(row).data = data;
     return true;
 }
 
 bool SListCtrl::GetCheck(int row) const {
-    return row >= 0 && row < GetRowCount() && rows[row].checked;
+    const Extra* extra = row >= 0 && row < GetRowCount() ? FindExtra(row) : nullptr;
+    return extra != nullptr && extra->checked;
 }
 
 bool SListCtrl::SetCheck(int row, bool checked) {
     if (row < 0 || row >= GetRowCount()) {
         return false;
     }
-    rows[row].checked = checked;
+    ExtraOf(row).checked = checked;
     InvalidateRow(row);
     return true;
 }
 
 int SListCtrl::GetImage(int row) const {
-    return row >= 0 && row < GetRowCount() ? rows[row].image : -1;
+    const Extra* extra = row >= 0 && row < GetRowCount() ? FindExtra(row) : nullptr;
+    return extra != nullptr ? extra->image : -1;
 }
 
 bool SListCtrl::SetImage(int row, int image) {
     if (row < 0 || row >= GetRowCount()) {
         return false;
     }
-    rows[row].image = image;
+    ExtraOf(row).image = image;
     InvalidateRow(row);
     return true;
 }
@@ -459,7 +483,7 @@ bool SListCtrl::HandleKey(unsigned key) {
 
 void SListCtrl::HandleChar(unsigned character) {
     int found = typeAhead.Find(character, GetMessageClock(), selection.GetCurrent(), GetRowCount(),
-                               [this](int row) -> const std::string& { return rows[row].text; });
+                               [this](int row) -> const std::string& { return texts[row]; });
     if (found < 0) {
         return;
     }
@@ -498,7 +522,7 @@ void SListCtrl::DrawItem(cairo_t* cr, int row, const SRect& rect, unsigned state
                      (state & LIST_ITEM_CHECKED) != 0);
         x += height;
     }
-    int image = rows[row].image;
+    int image = GetImage(row);
     if (image >= 0 && image < static_cast<int>(images.size()) && images[image].IsValid()) {
         const SImage& picture = images[image];
         int width = std::min(picture.GetWidth(), height);
@@ -507,7 +531,7 @@ void SListCtrl::DrawItem(cairo_t* cr, int row, const SRect& rect, unsigned state
                        pictureHeight);
         x += height;
     }
-    DrawText(cr, rows[row].text.c_str(),
+    DrawText(cr, texts[row].c_str(),
              SRect{x + TEXT_MARGIN, rect.top, rect.right - TEXT_MARGIN, rect.bottom}, textColor);
     if ((state & LIST_ITEM_CURRENT) != 0) {
         ListSetColor(cr, (state & LIST_ITEM_SELECTED) != 0 ? GetSysColor(SYS_COLOR_HIGHLIGHTTEXT)
@@ -539,7 +563,7 @@ void SListCtrl::Paint(cairo_t* cr) {
     ListFill(cr, SRect{0, clipTop, width, clipBottom}, GetBackColor());
     int itemHeight = ItemHeight();
     int perLine = PerLine();
-    if (!rows.empty() && clipBottom > clipTop) {
+    if (!texts.empty() && clipBottom > clipTop) {
         int first = (scrollOffset + clipTop - listTop) / itemHeight * perLine;
         int last =
             std::min(GetRowCount() - 1,
@@ -556,7 +580,7 @@ void SListCtrl::Paint(cairo_t* cr) {
             if (row == current && focused) {
                 state |= LIST_ITEM_CURRENT;
             }
-            if (rows[row].checked) {
+            if (GetCheck(row)) {
                 state |= LIST_ITEM_CHECKED;
             }
             SRect rect = GetRowRect(row);

@@ -43,7 +43,7 @@ public:
     int InsertRow(int at, const char* text, int image = -1, uintptr_t data = 0);
     bool RemoveRow(int row);
     void Clear();
-    int GetRowCount() const { return static_cast<int>(rows.size()); }
+    int GetRowCount() const { return static_cast<int>(texts.size()); }
     // Many rows at once, without a repaint for each: the texts are copied,
     // or taken over from a vector the caller gives up.
     void AddRows(const std::vector<std::string>& texts);
@@ -124,14 +124,23 @@ protected:
     int MaxScroll() const;
     int ListWidth() const; // the client width less the scroll bar
 
-    struct Row {
-        std::string text;
+    // What a row holds beyond its text. The table of them stays empty
+    // while every row has the defaults (a list of plain texts), so rows
+    // handed over as a vector of texts are taken as they are.
+    struct Extra {
         int image = -1;
         uintptr_t data = 0;
         bool checked = false;
         std::unique_ptr<std::vector<std::string>> cells; // the further columns of a list view
     };
-    std::vector<Row> rows;
+    // The row's extra, made (with the whole table) when needed.
+    Extra& ExtraOf(int row);
+    // The row's extra, or null while the table is empty.
+    const Extra* FindExtra(int row) const {
+        return extras.empty() ? nullptr : &extras[static_cast<size_t>(row)];
+    }
+    std::vector<std::string> texts;
+    std::vector<Extra> extras; // empty, or one per row
     SListSelection selection;
     std::vector<SImage> images;
     std::unique_ptr<SListFont> font;

@@ -318,6 +318,15 @@ TEST_F(ListCtrlTest, RowOperationsKeepTheirValuesAndRefuseBadIndexes) {
     list.SetCurrentRow(2);
     list.SetCurrentRow(5); // out of range: ignored
     EXPECT_EQ(list.GetCurrentRow(), 2);
+    // Rows handed over after others hold values start with none.
+    list.AddRows(std::vector<std::string>{"e", "f"});
+    ASSERT_EQ(list.GetRowCount(), 5);
+    EXPECT_EQ(list.GetText(4), "f");
+    EXPECT_EQ(list.GetData(4), 0u);
+    EXPECT_FALSE(list.GetCheck(3));
+    EXPECT_TRUE(list.GetCheck(1));
+    EXPECT_TRUE(list.SetImage(4, 1));
+    EXPECT_EQ(list.GetImage(4), 1);
 }
 
 class ExListTest : public ToolkitTest {
