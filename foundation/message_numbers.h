@@ -148,6 +148,7 @@ constexpr unsigned SN_CONTROL_BAR_HEIGHT = 35808; // the new height
 constexpr unsigned SN_COMBO_EDIT_CHANGE = 35818;
 constexpr unsigned SN_COMBO_SELECT_CHANGE = 35819;
 constexpr unsigned SN_EDIT_CHANGE = 35829;  // only with the focus
+constexpr unsigned SN_EXLIST_COLUMN_CLICK = 35846; // a list view's column header; the column
 constexpr unsigned SN_LIST_KEY = 0x8C3A;    // the key code
 constexpr unsigned SN_LIST_MOUSE = 0x8C3B;  // SMouseEvent*
 constexpr unsigned SN_LIST_SELECT = 0x8C3C; // the selection changed

@@ -56,6 +56,8 @@ constexpr unsigned WS_SYSMENU = 0x00080000u;
 constexpr unsigned WS_THICKFRAME = 0x00040000u;
 constexpr unsigned WS_OVERLAPPEDWINDOW = 0x00CF0000u;
 constexpr unsigned WS_EX_ACCEPTFILES = 0x00000010u;
+// A top-level window made with it is a popup surface (a drop-down list).
+constexpr unsigned WS_EX_TOOLWINDOW = 0x00000080u;
 constexpr unsigned WS_EX_WINDOWEDGE = 0x00000100u;
 constexpr unsigned WS_EX_CLIENTEDGE = 0x00000200u;
 constexpr unsigned WS_EX_STATICEDGE = 0x00020000u;

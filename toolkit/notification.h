@@ -45,6 +45,7 @@ constexpr SNotifyKind NotificationKind(unsigned message) {
     case SN_CHECK_CLICKED:
     case SN_CONTROL_BAR_HEIGHT:
     case SN_LIST_KEY:
+    case SN_EXLIST_COLUMN_CLICK:
     case SN_TREE_KEY:
     case SN_PLAYER_BUFFERING:
     case SN_MENU_COMMAND:

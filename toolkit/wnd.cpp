@@ -240,7 +240,9 @@ bool SWnd::CreateWindow(const char* /*className*/, const char* title, unsigned w
     normalRect = rect;
     if (parentWnd != nullptr) {
         parentWnd->children.push_back(handle);
-    } else if (!GetPlatform()->CreateSurface(handle, rect, text.c_str())) {
+    } else if (!((exStyle & WS_EX_TOOLWINDOW) != 0
+                     ? GetPlatform()->CreatePopupSurface(handle, rect)
+                     : GetPlatform()->CreateSurface(handle, rect, text.c_str()))) {
         UnregisterTarget(handle);
         handle = 0;
         port.reset();

@@ -26,6 +26,10 @@ void SPlatform::GetDoubleClick(unsigned* milliseconds, int* distance) {
     *distance = 2;
 }
 
+bool SPlatform::CreatePopupSurface(HWND hwnd, const SRect& rect) {
+    return CreateSurface(hwnd, rect, "");
+}
+
 SPlatform* GetPlatform() {
     std::unique_ptr<SPlatform>& platform = Current();
     if (platform == nullptr) {

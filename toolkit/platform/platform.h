@@ -82,6 +82,14 @@ public:
     // in milliseconds, and the farthest the second may land from the first
     // in pixels, across and down. The default is 500 ms and 2 pixels.
     virtual void GetDoubleClick(unsigned* milliseconds, int* distance);
+
+    // A popup surface, for a drop-down list: a top-level surface without a
+    // frame, above every other, at rect (screen coordinates); the window
+    // core makes one for a top-level window created with WS_EX_TOOLWINDOW.
+    // While it is shown it holds the pointer and the keyboard: its keys
+    // reach its own window, and a press anywhere reaches it (outside its
+    // area as a non-client press). The default makes an ordinary surface.
+    virtual bool CreatePopupSurface(HWND hwnd, const SRect& rect);
 };
 
 // The platform in use; the headless one until SetPlatform. The toolkit owns

@@ -24,6 +24,7 @@ struct Surface {
     // Smooth scrolling not yet given as whole notches, in wheel units.
     double wheelX = 0;
     double wheelY = 0;
+    bool popup = false; // grabs the pointer and keyboard while mapped
 };
 
 unsigned KeyFlags(guint state) {
@@ -279,6 +280,26 @@ struct ToolTipWindow {
     SImage picture;
 };
 
+// A popup surface takes the pointer and the keyboard once it is on the
+// screen; events elsewhere then come to it, in its own coordinates.
+gboolean OnPopupMapped(GtkWidget*, GdkEvent*, gpointer data) {
+    auto* surface = static_cast<Surface*>(data);
+    GdkDisplay* display = gdk_display_get_default();
+    GdkWindow* window = gtk_widget_get_window(surface->area);
+    if (display != nullptr && window != nullptr) {
+        gdk_seat_grab(gdk_display_get_default_seat(display), window, GDK_SEAT_CAPABILITY_ALL,
+                      FALSE, nullptr, nullptr, nullptr, nullptr);
+    }
+    return FALSE;
+}
+
+void UngrabPopup() {
+    GdkDisplay* display = gdk_display_get_default();
+    if (display != nullptr) {
+        gdk_seat_ungrab(gdk_display_get_default_seat(display));
+    }
+}
+
 gboolean OnToolTipDraw(GtkWidget*, cairo_t* cr, gpointer data) {
     static_cast<ToolTipWindow*>(data)->picture.Draw(cr);
     return TRUE;
@@ -321,9 +342,22 @@ public:
     }
 
     bool CreateSurface(HWND hwnd, const SRect& rect, const char* title) override {
+        return MakeSurface(hwnd, rect, title, false);
+    }
+
+    bool CreatePopupSurface(HWND hwnd, const SRect& rect) override {
+        return MakeSurface(hwnd, rect, "", true);
+    }
+
+    bool MakeSurface(HWND hwnd, const SRect& rect, const char* title, bool popup) {
         auto* surface = new Surface;
         surface->hwnd = hwnd;
-        surface->window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+        surface->popup = popup;
+        surface->window = gtk_window_new(popup ? GTK_WINDOW_POPUP : GTK_WINDOW_TOPLEVEL);
+        if (popup) {
+            gtk_window_set_type_hint(GTK_WINDOW(surface->window), GDK_WINDOW_TYPE_HINT_COMBO);
+            g_signal_connect(surface->window, "map-event", G_CALLBACK(OnPopupMapped), surface);
+        }
         surface->area = gtk_drawing_area_new();
         gtk_window_set_title(GTK_WINDOW(surface->window), title != nullptr ? title : "");
         gtk_window_move(GTK_WINDOW(surface->window), rect.left, rect.top);
@@ -365,6 +399,9 @@ public:
             return;
         }
         surfaces.erase(hwnd);
+        if (surface->popup) {
+            UngrabPopup();
+        }
         g_signal_handlers_disconnect_by_data(surface->window, surface);
         g_signal_handlers_disconnect_by_data(surface->area, surface);
         gtk_widget_destroy(surface->window);
@@ -378,7 +415,12 @@ public:
         }
         GtkWindow* window = GTK_WINDOW(surface->window);
         switch (command) {
-        case SW_HIDE: gtk_widget_hide(surface->window); break;
+        case SW_HIDE:
+            if (surface->popup) {
+                UngrabPopup();
+            }
+            gtk_widget_hide(surface->window);
+            break;
         case SW_SHOWMINIMIZED:
         case SW_MINIMIZE: gtk_window_iconify(window); break;
         case SW_SHOWMAXIMIZED: gtk_window_maximize(window); break;

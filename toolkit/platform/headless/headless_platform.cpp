@@ -32,6 +32,14 @@ bool SHeadlessPlatform::CreateSurface(HWND hwnd, const SRect& rect, const char* 
     return true;
 }
 
+bool SHeadlessPlatform::CreatePopupSurface(HWND hwnd, const SRect& rect) {
+    std::lock_guard<std::mutex> lock(mutex);
+    Surface& surface = surfaces[hwnd];
+    surface.rect = rect;
+    surface.popup = true;
+    return true;
+}
+
 void SHeadlessPlatform::DestroySurface(HWND hwnd) {
     std::lock_guard<std::mutex> lock(mutex);
     surfaces.erase(hwnd);

@@ -27,6 +27,7 @@ public:
         SRect damaged; // the bounds of the areas asked for since the last frame
         SSize minimum{-1, -1}; // the size limits, -1 free
         SSize maximum{-1, -1};
+        bool popup = false; // a popup surface, holding pointer and keys while shown
     };
     // The tool tip as shown: its owner, place and picture (an offscreen
     // surface); owner 0 when hidden.
@@ -53,6 +54,7 @@ public:
     void SetSurfaceLimits(HWND hwnd, const SSize& minimum, const SSize& maximum) override;
     void ShowToolTip(HWND owner, const SRect& rect, const SImage& picture) override;
     void HideToolTip() override;
+    bool CreatePopupSurface(HWND hwnd, const SRect& rect) override;
     bool SetClipboardText(const char* text) override;
     SString GetClipboardText() override;
     bool SetClipboardData(const char* format, const std::vector<uint8_t>& data) override;
