@@ -82,6 +82,11 @@ public:
     // in milliseconds, and the farthest the second may land from the first
     // in pixels, across and down. The default is 500 ms and 2 pixels.
     virtual void GetDoubleClick(unsigned* milliseconds, int* distance);
+    // The desktop's small icon (size pixels square) of the file or folder
+    // at path, found by its content type in the icon theme. The default, and
+    // the headless platform, give a fixed picture: a grey sheet, or a
+    // yellow folder.
+    virtual bool GetFileIcon(const char* path, bool folder, int size, SImage* picture);
 };
 
 // The platform in use; the headless one until SetPlatform. The toolkit owns
