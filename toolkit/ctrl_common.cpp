@@ -145,6 +145,18 @@ LRESULT SCtrlBase::Notify(unsigned message, LPARAM lParam) const {
     return SendMessage(parent, message, reinterpret_cast<WPARAM>(this), lParam);
 }
 
+bool SCtrlBase::PreMessage(unsigned message, WPARAM* wParam, LPARAM* lParam, LRESULT* result) {
+    // The focus moves before the window core notes the press: the window
+    // that loses it forgets the presses it saw, and this one's press must
+    // still end in a click.
+    bool press = message == WM_LBUTTONDOWN || message == WM_LBUTTONDBLCLK ||
+                 (message == WM_RBUTTONDOWN && FocusOnRightPress());
+    if (press && IsEnabled() && TakesFocus() && !HasFocus()) {
+        SetFocus(GetHandle());
+    }
+    return SWnd::PreMessage(message, wParam, lParam, result);
+}
+
 LRESULT SCtrlBase::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
     unsigned code = MouseEventCode(message);
     if (code != 0) {
@@ -171,12 +183,6 @@ LRESULT SCtrlBase::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
     case SM_MOUSE_LEAVE:
         hovered = false;
         Invalidate(nullptr);
-        break;
-    case WM_LBUTTONDOWN:
-    case WM_LBUTTONDBLCLK:
-        if (IsEnabled() && TakesFocus() && !HasFocus()) {
-            SetFocus(GetHandle());
-        }
         break;
     case WM_SETFOCUS:
     case WM_KILLFOCUS:

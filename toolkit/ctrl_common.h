@@ -76,6 +76,7 @@ public:
     bool HasFocus() const;
     unsigned GetEventMessage() const { return eventMessage; }
 
+    bool PreMessage(unsigned message, WPARAM* wParam, LPARAM* lParam, LRESULT* result) override;
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override;
 
 protected:
@@ -85,6 +86,8 @@ protected:
     virtual void Paint(cairo_t* /*cr*/) {}
     // Whether a left press takes the keyboard focus.
     virtual bool TakesFocus() const { return true; }
+    // Whether a right press takes it too.
+    virtual bool FocusOnRightPress() const { return false; }
 
     bool hovered = false;
     bool pressed = false;

@@ -718,9 +718,6 @@ LRESULT STreeCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
             if (item != nullptr) {
                 SelectItem(item);
             }
-            if (!HasFocus()) {
-                SetFocus(GetHandle());
-            }
         }
         break;
     }

@@ -102,6 +102,7 @@ public:
 
 protected:
     void Paint(cairo_t* cr) override;
+    bool FocusOnRightPress() const override { return true; }
 
 private:
     struct Row {
