@@ -37,6 +37,11 @@ void SButtonCtrl::SetBackColor(uint32_t color) {
     Invalidate(nullptr);
 }
 
+void SButtonCtrl::SetPushed(bool on) {
+    pushed = on;
+    Invalidate(nullptr);
+}
+
 void SButtonCtrl::Press() {
     Notify(SN_BUTTON_CLICKED, 0);
 }
@@ -106,7 +111,8 @@ void SButtonCtrl::Paint(cairo_t* cr) {
     uint32_t base = (face & 0xFF000000u) != 0 ? GetSysColor(SYS_COLOR_BTNFACE) : face;
     uint32_t fill = base;
     bool enabled = IsEnabled();
-    if (enabled && pressed) {
+    bool down = pressed || pushed;
+    if (enabled && down) {
         fill = Mix(base, GetSysColor(SYS_COLOR_BTNSHADOW), 110);
     } else if (enabled && hovered) {
         fill = Mix(base, GetSysColor(SYS_COLOR_BTNHIGHLIGHT), 150);
@@ -120,7 +126,7 @@ void SButtonCtrl::Paint(cairo_t* cr) {
         RoundBox(cr, Inset(client, 1, 1), 3, 0xFF000000u, GetSysColor(SYS_COLOR_HIGHLIGHT));
     }
     SRect textRect = Inset(client, 4, 2);
-    if (enabled && pressed) {
+    if (enabled && down) {
         textRect = Moved(textRect, 1, 1);
     }
     Text(cr, WindowFont(this), GetText().c_str(), textRect, TextColor(this), SAlign::CENTER);

@@ -24,6 +24,9 @@ public:
     uint32_t GetBackColor() const override { return face; }
     // A press by key or mouse: SN_BUTTON_CLICKED to the parent.
     virtual void Press();
+    // A button that stays down, as a toggle button shows its on state.
+    void SetPushed(bool on);
+    bool IsPushed() const { return pushed; }
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override;
 
 protected:
@@ -32,6 +35,7 @@ protected:
 
 private:
     uint32_t face = 0xFF000000u;
+    bool pushed = false;
 };
 
 class SCheckCtrl : public SButtonCtrl {

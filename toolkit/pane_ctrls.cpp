@@ -179,7 +179,9 @@ void STabCtrl::Paint(cairo_t* cr) {
     Fill(cr, client, face);
     int tabHeight = GetTabHeight();
     uint32_t line = GetSysColor(SYS_COLOR_BTNSHADOW);
-    uint32_t pageFace = GetSysColor(SYS_COLOR_WINDOW);
+    // The page in the face colour, so that the controls on it, which are
+    // the parent's children, blend with it.
+    uint32_t pageFace = face;
     SRect body{0, tabHeight - 1, client.right, client.bottom};
     RoundBox(cr, body, 3, pageFace, line);
     const SFont* font = WindowFont(this);
