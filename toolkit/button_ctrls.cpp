@@ -117,7 +117,8 @@ void SButtonCtrl::Paint(cairo_t* cr) {
     } else if (enabled && hovered) {
         fill = Mix(base, GetSysColor(SYS_COLOR_BTNHIGHLIGHT), 150);
     }
-    uint32_t line = HasFocus() ? GetSysColor(SYS_COLOR_HIGHLIGHT) : GetSysColor(SYS_COLOR_BTNSHADOW);
+    uint32_t line =
+        HasFocus() ? GetSysColor(SYS_COLOR_HIGHLIGHT) : GetSysColor(SYS_COLOR_BTNSHADOW);
     if (!enabled) {
         line = Mix(line, base, 128);
     }
@@ -283,7 +284,8 @@ void SRadioCtrl::PaintMark(cairo_t* cr, const SRect& box) {
     }
     RoundBox(cr, box, MARK_SIZE / 2.0, fill, line);
     if (checked) {
-        SetSource(cr, enabled ? GetSysColor(SYS_COLOR_HIGHLIGHTTEXT) : GetSysColor(SYS_COLOR_WINDOW));
+        SetSource(cr,
+                  enabled ? GetSysColor(SYS_COLOR_HIGHLIGHTTEXT) : GetSysColor(SYS_COLOR_WINDOW));
         cairo_arc(cr, box.left + MARK_SIZE / 2.0, box.top + MARK_SIZE / 2.0, 3, 0, 2 * M_PI);
         cairo_fill(cr);
     }
@@ -413,9 +415,9 @@ void SGroupCtrl::Paint(cairo_t* cr) {
     int width = TextWidth(font, title.c_str());
     int room = std::max(0, client.Width() - 20);
     width = std::min(width, room);
-    int left = align == SAlign::CENTER ? (client.Width() - width) / 2
+    int left = align == SAlign::CENTER  ? (client.Width() - width) / 2
                : align == SAlign::RIGHT ? client.Width() - 10 - width
-                                         : 10;
+                                        : 10;
     SRect titleRect{left - 3, 0, left + width + 3, lineHeight};
     Fill(cr, titleRect, ParentBack(this));
     Text(cr, font, title.c_str(), SRect{left, 0, left + width, lineHeight}, TextColor(this));

@@ -361,7 +361,7 @@ LRESULT SSplitterCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam)
         if (dragIndex >= 0 && GetCapture() == GetHandle()) {
             SetDivider(dragVertical, dragIndex, (dragVertical ? point.x : point.y) - BAR / 2);
         } else if (DividerAt(point, &vertical) >= 0) {
-            SetCursor(vertical ? 10 : 9);
+            SetCursor(vertical ? 14 : 15); // col-resize, row-resize (index plus 1)
         } else {
             SetCursor(0);
         }
@@ -392,14 +392,20 @@ void SSplitterCtrl::Paint(cairo_t* cr) {
         int at = GetDivider(true, i);
         uint32_t color = dragIndex == i && dragVertical ? GetSysColor(SYS_COLOR_HIGHLIGHT) : grip;
         for (int dot = -1; dot <= 1; ++dot) {
-            Fill(cr, SRect{at + 2, client.bottom / 2 + dot * 5 - 1, at + 3, client.bottom / 2 + dot * 5 + 1}, color);
+            Fill(cr,
+                 SRect{at + 2, client.bottom / 2 + dot * 5 - 1, at + 3,
+                       client.bottom / 2 + dot * 5 + 1},
+                 color);
         }
     }
     for (int i = 0; i + 1 < rowCount; ++i) {
         int at = GetDivider(false, i);
         uint32_t color = dragIndex == i && !dragVertical ? GetSysColor(SYS_COLOR_HIGHLIGHT) : grip;
         for (int dot = -1; dot <= 1; ++dot) {
-            Fill(cr, SRect{client.right / 2 + dot * 5 - 1, at + 2, client.right / 2 + dot * 5 + 1, at + 3}, color);
+            Fill(cr,
+                 SRect{client.right / 2 + dot * 5 - 1, at + 2, client.right / 2 + dot * 5 + 1,
+                       at + 3},
+                 color);
         }
     }
 }
@@ -540,8 +546,10 @@ LRESULT SPanelCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
         int count = static_cast<int>(lines.size());
         if (wParam == ctrlkey::UP || wParam == ctrlkey::DOWN || wParam == ctrlkey::HOME ||
             wParam == ctrlkey::END) {
-            at = wParam == ctrlkey::UP ? at - 1 : wParam == ctrlkey::DOWN ? at + 1
-                 : wParam == ctrlkey::HOME ? 0 : count - 1;
+            at = wParam == ctrlkey::UP     ? at - 1
+                 : wParam == ctrlkey::DOWN ? at + 1
+                 : wParam == ctrlkey::HOME ? 0
+                                           : count - 1;
             at = std::clamp(at, 0, count - 1);
             focusGroup = lines[at].first;
             focusItem = lines[at].second;
@@ -571,7 +579,8 @@ void SPanelCtrl::Paint(cairo_t* cr) {
     uint32_t accent = GetSysColor(SYS_COLOR_HIGHLIGHT);
     for (int g = 0; g < GetGroupCount() && top < client.bottom; ++g) {
         SRect title{0, top, client.right, top + line};
-        Fill(cr, title, Mix(face, GetSysColor(SYS_COLOR_BTNSHADOW), hotGroup == g && hotItem == -1 ? 90 : 50));
+        Fill(cr, title,
+             Mix(face, GetSysColor(SYS_COLOR_BTNSHADOW), hotGroup == g && hotItem == -1 ? 90 : 50));
         double cx = 10, cy = top + line / 2.0;
         SetSource(cr, Ink(this));
         if (groups[g].open) {
@@ -585,7 +594,8 @@ void SPanelCtrl::Paint(cairo_t* cr) {
         }
         cairo_close_path(cr);
         cairo_fill(cr);
-        Text(cr, font, groups[g].title.c_str(), SRect{20, top, client.right - 4, top + line}, Ink(this));
+        Text(cr, font, groups[g].title.c_str(), SRect{20, top, client.right - 4, top + line},
+             Ink(this));
         if (HasFocus() && focusGroup == g && focusItem == -1) {
             FocusFrame(cr, title);
         }
@@ -594,12 +604,16 @@ void SPanelCtrl::Paint(cairo_t* cr) {
             SRect row{0, top, client.right, top + line};
             const Item& item = groups[g].items[i];
             if (item.on) {
-                Fill(cr, row, enabled ? Mix(face, accent, 70) : Mix(face, GetSysColor(SYS_COLOR_BTNSHADOW), 40));
-                Fill(cr, SRect{0, top, 3, top + line}, enabled ? accent : GetSysColor(SYS_COLOR_GRAYTEXT));
+                Fill(cr, row,
+                     enabled ? Mix(face, accent, 70)
+                             : Mix(face, GetSysColor(SYS_COLOR_BTNSHADOW), 40));
+                Fill(cr, SRect{0, top, 3, top + line},
+                     enabled ? accent : GetSysColor(SYS_COLOR_GRAYTEXT));
             } else if (hotGroup == g && hotItem == i) {
                 Fill(cr, row, Mix(face, GetSysColor(SYS_COLOR_BTNHIGHLIGHT), 140));
             }
-            Text(cr, font, item.text.c_str(), SRect{20, top, client.right - 4, top + line}, Ink(this));
+            Text(cr, font, item.text.c_str(), SRect{20, top, client.right - 4, top + line},
+                 Ink(this));
             if (HasFocus() && focusGroup == g && focusItem == i) {
                 FocusFrame(cr, row);
             }
@@ -628,7 +642,8 @@ _SWndBar* SGuiCtrl::AddBar(Side side, int size) {
     Bar bar{side, std::max(size, MIN_BAR), std::make_unique<_SWndBar>()};
     SRect rect{0, 0, MIN_BAR, MIN_BAR};
     bar.window->Create("", WS_VISIBLE, 0, &rect, GetHandle());
-    bar.window->SetBackColor(Mix(GetSysColor(SYS_COLOR_BTNFACE), GetSysColor(SYS_COLOR_BTNSHADOW), 60));
+    bar.window->SetBackColor(
+        Mix(GetSysColor(SYS_COLOR_BTNFACE), GetSysColor(SYS_COLOR_BTNSHADOW), 60));
     bars.push_back(std::move(bar));
     Layout();
     return bars.back().window.get();

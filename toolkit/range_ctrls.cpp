@@ -117,9 +117,9 @@ void SScrollCtrl::ThumbGeometry(int* start, int* length, int* travel) const {
     thumb = std::clamp(thumb, std::min(MIN_THUMB, trough), trough);
     *length = thumb;
     *travel = trough - thumb;
-    *start = arrow + (span > 0 ? static_cast<int>(static_cast<int64_t>(*travel) *
-                                                  (value - minimum) / span)
-                               : 0);
+    *start =
+        arrow +
+        (span > 0 ? static_cast<int>(static_cast<int64_t>(*travel) * (value - minimum) / span) : 0);
 }
 
 SRect SScrollCtrl::GetThumbRect() const {
@@ -157,17 +157,26 @@ LRESULT SScrollCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
         }
         pressedPart = PartAt(point);
         switch (pressedPart) {
-        case 1: UserValue(value - lineStep); break;
-        case 5: UserValue(value + lineStep); break;
-        case 2: UserValue(value - pageStep); break;
-        case 4: UserValue(value + pageStep); break;
+        case 1:
+            UserValue(value - lineStep);
+            break;
+        case 5:
+            UserValue(value + lineStep);
+            break;
+        case 2:
+            UserValue(value - pageStep);
+            break;
+        case 4:
+            UserValue(value + pageStep);
+            break;
         case 3: {
             SRect thumb = GetThumbRect();
             dragOffset = IsVertical() ? point.y - thumb.top : point.x - thumb.left;
             SetCapture(GetHandle());
             break;
         }
-        default: break;
+        default:
+            break;
         }
         Invalidate(nullptr);
         return result;
@@ -180,8 +189,8 @@ LRESULT SScrollCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
             int at = (IsVertical() ? point.y : point.x) - dragOffset - arrow;
             if (travel > 0) {
                 int64_t span = maximum - minimum;
-                UserValue(minimum + static_cast<int>((span * std::clamp(at, 0, travel) +
-                                                      travel / 2) / travel));
+                UserValue(minimum + static_cast<int>(
+                                        (span * std::clamp(at, 0, travel) + travel / 2) / travel));
             }
         }
         break;
@@ -219,12 +228,14 @@ void SScrollCtrl::Paint(cairo_t* cr) {
     bool vertical = IsVertical();
     uint32_t ink = enabled ? GetSysColor(SYS_COLOR_BTNTEXT) : GetSysColor(SYS_COLOR_GRAYTEXT);
     for (int end = 0; end < 2; ++end) {
-        SRect box = vertical ? (end == 0 ? SRect{0, 0, client.right, arrow}
-                                         : SRect{0, client.bottom - arrow, client.right, client.bottom})
-                             : (end == 0 ? SRect{0, 0, arrow, client.bottom}
-                                         : SRect{client.right - arrow, 0, client.right, client.bottom});
+        SRect box = vertical
+                        ? (end == 0 ? SRect{0, 0, client.right, arrow}
+                                    : SRect{0, client.bottom - arrow, client.right, client.bottom})
+                        : (end == 0 ? SRect{0, 0, arrow, client.bottom}
+                                    : SRect{client.right - arrow, 0, client.right, client.bottom});
         bool down = enabled && pressedPart == (end == 0 ? 1 : 5);
-        Fill(cr, box, down ? Mix(FaceOf(this), GetSysColor(SYS_COLOR_BTNSHADOW), 120) : FaceOf(this));
+        Fill(cr, box,
+             down ? Mix(FaceOf(this), GetSysColor(SYS_COLOR_BTNSHADOW), 120) : FaceOf(this));
         double cx = (box.left + box.right) / 2.0, cy = (box.top + box.bottom) / 2.0;
         double size = std::max(2.0, arrow / 5.0);
         SetSource(cr, ink);
@@ -263,7 +274,8 @@ SRect SSliderCtrl::GetKnobRect() const {
     int length = vertical ? GetClientHeight() : GetClientWidth();
     int travel = std::max(0, length - KNOB);
     int span = maximum - minimum;
-    int at = span > 0 ? static_cast<int>(static_cast<int64_t>(travel) * (value - minimum) / span) : 0;
+    int at =
+        span > 0 ? static_cast<int>(static_cast<int64_t>(travel) * (value - minimum) / span) : 0;
     if (vertical) {
         int left = (GetClientWidth() - KNOB) / 2;
         return SRect{left, at, left + KNOB, at + KNOB};
@@ -331,8 +343,8 @@ void SSliderCtrl::Paint(cairo_t* cr) {
     Fill(cr, client, face);
     if ((GetStyle() & WS_BORDER) != 0) {
         // The border: a line of the back colour round the client area.
-        uint32_t line = back == 0xFF000000u || back == 0xFF000001u ? GetSysColor(SYS_COLOR_BTNFACE)
-                                                                   : back;
+        uint32_t line =
+            back == 0xFF000000u || back == 0xFF000001u ? GetSysColor(SYS_COLOR_BTNFACE) : back;
         SetSource(cr, line);
         cairo_set_line_width(cr, 1);
         cairo_rectangle(cr, 0.5, 0.5, client.Width() - 1.0, client.Height() - 1.0);
@@ -356,7 +368,8 @@ void SSliderCtrl::Paint(cairo_t* cr) {
     if (enabled && (hovered || dragging)) {
         knobFill = Mix(knobFill, accent, 60);
     }
-    RoundBox(cr, knob, KNOB / 2.0, knobFill, HasFocus() ? accent : GetSysColor(SYS_COLOR_BTNSHADOW));
+    RoundBox(cr, knob, KNOB / 2.0, knobFill,
+             HasFocus() ? accent : GetSysColor(SYS_COLOR_BTNSHADOW));
     if (HasFocus()) {
         RoundBox(cr, Inset(knob, 1, 1), KNOB / 2.0 - 1, 0xFF000000u, accent);
     }
@@ -377,9 +390,9 @@ void SProgressCtrl::SetBarColor(uint32_t color) {
 void SProgressCtrl::Paint(cairo_t* cr) {
     SRect client = GetClientRect();
     Fill(cr, client, FaceOf(this));
-    uint32_t trough = (back & 0xFF000000u) != 0
-                          ? Mix(GetSysColor(SYS_COLOR_BTNFACE), GetSysColor(SYS_COLOR_BTNSHADOW), 70)
-                          : back;
+    uint32_t trough = (back & 0xFF000000u) != 0 ? Mix(GetSysColor(SYS_COLOR_BTNFACE),
+                                                      GetSysColor(SYS_COLOR_BTNSHADOW), 70)
+                                                : back;
     uint32_t fill = (bar & 0xFF000000u) != 0 ? GetSysColor(SYS_COLOR_HIGHLIGHT) : bar;
     if (!IsEnabled()) {
         fill = Mix(fill, trough, 150);
@@ -391,11 +404,12 @@ void SProgressCtrl::Paint(cairo_t* cr) {
     }
     SRect inner = Inset(client, 1, 1);
     if (IsVertical()) {
-        int height = static_cast<int>(static_cast<int64_t>(inner.Height()) * (value - minimum) / span);
+        int height =
+            static_cast<int>(static_cast<int64_t>(inner.Height()) * (value - minimum) / span);
         inner.top = inner.bottom - height;
     } else {
-        inner.right = inner.left +
-                      static_cast<int>(static_cast<int64_t>(inner.Width()) * (value - minimum) / span);
+        inner.right = inner.left + static_cast<int>(static_cast<int64_t>(inner.Width()) *
+                                                    (value - minimum) / span);
     }
     RoundBox(cr, inner, 2, fill, 0xFF000000u);
 }

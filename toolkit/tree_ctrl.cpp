@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cairo.h>
 #include <cctype>
+#include <cstdlib>
 #include <filesystem>
 
 #include "foundation/keyboard.h"
@@ -599,16 +600,18 @@ HTREEITEM STreeCtrl::DropTargetAt(SPoint screen, bool* allowed) const {
     return target;
 }
 
-void STreeCtrl::DragLoop(HTREEITEM item) {
+void STreeCtrl::DragLoop(HTREEITEM item, SPoint start) {
+    constexpr int CURSOR_GRABBING = 16;
+    constexpr int CURSOR_NOT_ALLOWED = 10;
+    constexpr int THRESHOLD = 4; // pixels the pointer moves before a drag shows
     HWND own = GetHandle();
-    dragItem = item;
-    dropTarget = nullptr;
     SetCapture(own);
+    ClientToScreen(&start);
+    bool moved = false;
     bool drop = false;
-    SPoint last;
-    GetCursorPosition(&last);
-    ClientToScreen(&last);
+    bool released = false;
     SMessage message;
+    SMessage release;
     while (GetCapture() == own) {
         if (!PeekMessage(&message, true) && !GetMessage(&message)) {
             break;
@@ -619,36 +622,45 @@ void STreeCtrl::DragLoop(HTREEITEM item) {
         }
         bool mouse = message.message >= WM_MOUSEFIRST && message.message <= WM_MOUSELAST &&
                      message.message != WM_MOUSEWHEEL && message.message != WM_MOUSEHWHEEL;
-        if (mouse) {
-            SWnd* to = SWnd::FromHandle(message.hwnd);
-            SPoint point{PointParamX(message.lParam), PointParamY(message.lParam)};
-            if (to != nullptr) {
-                to->ClientToScreen(&point);
+        if (!mouse) {
+            if (message.message == WM_KEYDOWN && message.wParam == VK_ESCAPE) {
+                break;
             }
-            last = point;
-            bool allowed = false;
-            HTREEITEM target = DropTargetAt(point, &allowed);
-            HTREEITEM shown = allowed ? target : nullptr;
+            DispatchMessage(&message);
+            continue;
+        }
+        // The tree keeps the mouse while the button is down.
+        SWnd* to = SWnd::FromHandle(message.hwnd);
+        SPoint point{PointParamX(message.lParam), PointParamY(message.lParam)};
+        if (to != nullptr) {
+            to->ClientToScreen(&point);
+        }
+        if (!moved &&
+            (std::abs(point.x - start.x) > THRESHOLD || std::abs(point.y - start.y) > THRESHOLD)) {
+            moved = true;
+            dragItem = item;
+        }
+        bool allowed = false;
+        HTREEITEM target = moved ? DropTargetAt(point, &allowed) : nullptr;
+        if (moved) {
+            HTREEITEM shown = allowed && target != item ? target : nullptr;
             if (shown != dropTarget) {
                 InvalidateRow(RowOf(dropTarget));
                 dropTarget = shown;
                 InvalidateRow(RowOf(dropTarget));
             }
-            SPlatform* platform = GetPlatform();
-            platform->SetSurfaceCursor(GetTopWindow(), allowed ? CURSOR_ARROW : 8);
+            GetPlatform()->SetSurfaceCursor(GetTopWindow(),
+                                            allowed ? CURSOR_GRABBING : CURSOR_NOT_ALLOWED);
             dragPoint = point;
             ScreenToClient(&dragPoint);
             Invalidate(nullptr);
-            if (message.message == WM_LBUTTONUP) {
-                drop = allowed && target != nullptr && target != item;
-                break;
-            }
-            continue; // the tree keeps the mouse while it drags
         }
-        if (message.message == WM_KEYDOWN && message.wParam == VK_ESCAPE) {
+        if (message.message == WM_LBUTTONUP) {
+            drop = moved && allowed && target != nullptr && target != item;
+            released = true;
+            release = message;
             break;
         }
-        DispatchMessage(&message);
     }
     if (SWnd::FromHandle(own) != this) {
         return; // destroyed while dragging
@@ -656,14 +668,19 @@ void STreeCtrl::DragLoop(HTREEITEM item) {
     if (GetCapture() == own) {
         ReleaseCapture();
     }
-    GetPlatform()->SetSurfaceCursor(GetTopWindow(), CURSOR_ARROW);
+    if (moved) {
+        GetPlatform()->SetSurfaceCursor(GetTopWindow(), CURSOR_ARROW);
+    }
     HTREEITEM target = dropTarget;
     dragItem = nullptr;
     dropTarget = nullptr;
+    Invalidate(nullptr);
     if (drop && items.Contains(item) && items.Contains(target)) {
         MoveItem(item, target);
+    } else if (released && !moved) {
+        // A plain click: the release goes on as usual, and makes the click.
+        DispatchMessage(&release);
     }
-    Invalidate(nullptr);
 }
 
 LRESULT STreeCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
@@ -705,7 +722,7 @@ LRESULT STreeCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
             if (message == WM_LBUTTONDBLCLK) {
                 Expand(item, TVE_TOGGLE);
             } else if (dragDrop && flags == TVHT_ONITEMLABEL) {
-                DragLoop(item);
+                DragLoop(item, point);
             }
         }
         return result;
@@ -797,7 +814,8 @@ void STreeCtrl::Paint(cairo_t* cr) {
         SRect line{0, top, client.right, top + rowHeight};
         bool isSelected = item == selected;
         if (isSelected) {
-            uint32_t fill = focused && enabled ? accent : Mix(back, GetSysColor(SYS_COLOR_BTNSHADOW), 80);
+            uint32_t fill =
+                focused && enabled ? accent : Mix(back, GetSysColor(SYS_COLOR_BTNSHADOW), 80);
             Fill(cr, line, fill);
         } else if (item == hot && enabled && dragItem == nullptr) {
             Fill(cr, line, Mix(back, accent, 30));
@@ -808,7 +826,8 @@ void STreeCtrl::Paint(cairo_t* cr) {
             cairo_rectangle(cr, 1, top + 1, client.Width() - 2, rowHeight - 2);
             cairo_stroke(cr);
         }
-        uint32_t ink = isSelected && focused && enabled ? GetSysColor(SYS_COLOR_HIGHLIGHTTEXT) : text;
+        uint32_t ink =
+            isSelected && focused && enabled ? GetSysColor(SYS_COLOR_HIGHLIGHTTEXT) : text;
         // The expander: a triangle pointing right when closed, down when open.
         if (!item->children.empty()) {
             double cx = ExpanderLeft(entry.level) + INDENT / 2.0;
@@ -854,11 +873,13 @@ void STreeCtrl::Paint(cairo_t* cr) {
         SRect label = LabelRect(row);
         if (item == editing) {
             int width = std::max(label.Width(), TextWidth(font, editText.c_str()) + 12);
-            SRect box{label.left, top + 1, std::min(client.right - 1, label.left + width), top + rowHeight - 1};
+            SRect box{label.left, top + 1, std::min(client.right - 1, label.left + width),
+                      top + rowHeight - 1};
             Fill(cr, box, back);
             SetSource(cr, accent);
             cairo_set_line_width(cr, 1);
-            cairo_rectangle(cr, box.left + 0.5, box.top + 0.5, box.Width() - 1.0, box.Height() - 1.0);
+            cairo_rectangle(cr, box.left + 0.5, box.top + 0.5, box.Width() - 1.0,
+                            box.Height() - 1.0);
             cairo_stroke(cr);
             SRect inside = Inset(box, 4, 0);
             Text(cr, font, editText.c_str(), inside, GetSysColor(SYS_COLOR_WINDOWTEXT));
@@ -867,17 +888,20 @@ void STreeCtrl::Paint(cairo_t* cr) {
                  GetSysColor(SYS_COLOR_WINDOWTEXT));
             continue;
         }
-        Text(cr, font, item->text.c_str(), SRect{label.left + 2, top, client.right, top + rowHeight}, ink);
+        Text(cr, font, item->text.c_str(),
+             SRect{label.left + 2, top, client.right, top + rowHeight}, ink);
         if (isSelected && focused) {
             FocusFrame(cr, line);
         }
     }
     if (dragItem != nullptr) {
         // The dragged label follows the pointer.
-        SRect ghost{dragPoint.x + 12, dragPoint.y, dragPoint.x + 12 + TextWidth(font, dragItem->text.c_str()) + 8,
+        SRect ghost{dragPoint.x + 12, dragPoint.y,
+                    dragPoint.x + 12 + TextWidth(font, dragItem->text.c_str()) + 8,
                     dragPoint.y + rowHeight};
         RoundBox(cr, ghost, 3, Mix(back, accent, 60), accent);
-        Text(cr, font, dragItem->text.c_str(), Inset(ghost, 4, 0), GetSysColor(SYS_COLOR_WINDOWTEXT));
+        Text(cr, font, dragItem->text.c_str(), Inset(ghost, 4, 0),
+             GetSysColor(SYS_COLOR_WINDOWTEXT));
     }
     if (count == 0 && focused) {
         FocusFrame(cr, client);

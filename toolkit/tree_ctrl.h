@@ -126,7 +126,8 @@ private:
     void TypeAhead(unsigned character);
     bool EditKey(unsigned key);
     void EditChar(unsigned character);
-    void DragLoop(HTREEITEM item);
+    // start: the press, in client coordinates.
+    void DragLoop(HTREEITEM item, SPoint start);
     HTREEITEM DropTargetAt(SPoint screen, bool* allowed) const;
 
     static constexpr int INDENT = 16;

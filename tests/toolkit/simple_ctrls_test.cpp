@@ -66,8 +66,8 @@ TEST_F(SimpleCtrlsTest, ArrowsMoveTheCheckWithinARadioGroupOnly) {
     SRadioCtrl radios[5];
     const unsigned styles[5] = {RADIO_GROUP | RADIO_CHECKED, 0, 0, RADIO_GROUP | RADIO_CHECKED, 0};
     for (int i = 0; i < 5; ++i) {
-        ASSERT_TRUE(Make(radios[i], "radio", Rect(10, 10 + i * 24, 150, 32 + i * 24), top.GetHandle(),
-                         WS_VISIBLE | styles[i]));
+        ASSERT_TRUE(Make(radios[i], "radio", Rect(10, 10 + i * 24, 150, 32 + i * 24),
+                         top.GetHandle(), WS_VISIBLE | styles[i]));
     }
     EXPECT_EQ(radios[0].GetGroup().size(), 3u);
     EXPECT_EQ(radios[4].GetGroup().size(), 2u);
@@ -77,17 +77,15 @@ TEST_F(SimpleCtrlsTest, ArrowsMoveTheCheckWithinARadioGroupOnly) {
         int checked; // the one checked in the first group afterwards
     };
     const Step steps[] = {
-        {ctrlkey::DOWN, 1},
-        {ctrlkey::DOWN, 0},  // the disabled third is skipped, round to the first
-        {ctrlkey::UP, 1},
-        {ctrlkey::LEFT, 0},
-        {ctrlkey::RIGHT, 1},
+        {ctrlkey::DOWN, 1}, {ctrlkey::DOWN, 0}, // the disabled third is skipped, round to the first
+        {ctrlkey::UP, 1},   {ctrlkey::LEFT, 0}, {ctrlkey::RIGHT, 1},
     };
     SWnd* focus = &radios[0];
     for (const Step& step : steps) {
         Key(*focus, step.key);
         for (int i = 0; i < 3; ++i) {
-            EXPECT_EQ(radios[i].GetCheck(), i == step.checked) << "key " << step.key << " radio " << i;
+            EXPECT_EQ(radios[i].GetCheck(), i == step.checked)
+                << "key " << step.key << " radio " << i;
         }
         EXPECT_EQ(GetFocus(), radios[step.checked].GetHandle());
         focus = &radios[step.checked];
@@ -158,7 +156,7 @@ TEST_F(SimpleCtrlsTest, ScrollBarValueByKeysArrowsTroughAndThumb) {
         unsigned key;
         int value;
     };
-    const Step keys[] = {{ctrlkey::RIGHT, 1}, {ctrlkey::NEXT, 11}, {ctrlkey::END, 100},
+    const Step keys[] = {{ctrlkey::RIGHT, 1},  {ctrlkey::NEXT, 11},  {ctrlkey::END, 100},
                          {ctrlkey::DOWN, 100}, {ctrlkey::PRIOR, 90}, {ctrlkey::HOME, 0},
                          {ctrlkey::UP, 0}};
     for (const Step& step : keys) {
@@ -294,7 +292,8 @@ TEST_F(SimpleCtrlsTest, PanelItemsToggleAndTitlesFold) {
     int line = 0;
     ASSERT_TRUE(panel.HitTest(SPoint{10, 1}, &group, &item));
     EXPECT_EQ(item, -1);
-    for (line = 1; line < 50 && !(panel.HitTest(SPoint{10, line}, &group, &item) && item == 0); ++line) {
+    for (line = 1; line < 50 && !(panel.HitTest(SPoint{10, line}, &group, &item) && item == 0);
+         ++line) {
     }
     Click(panel, 10, line + 1);
     EXPECT_TRUE(panel.GetItemState(0, 0));

@@ -51,7 +51,9 @@ protected:
         int left = 2 + Level(item) * 16 + 16 + ((tree.GetStyle() & TVS_CHECKBOXES) ? 18 : 0);
         return At(item, left + 6);
     }
-    void Key(unsigned code, unsigned modifiers = 0) { platform->Key(top.GetHandle(), code, modifiers); }
+    void Key(unsigned code, unsigned modifiers = 0) {
+        platform->Key(top.GetHandle(), code, modifiers);
+    }
     void Type(const char* text) {
         for (const char* p = text; *p != 0; ++p) {
             PlatformKey(top.GetHandle(), WM_CHAR, static_cast<unsigned char>(*p));
@@ -87,21 +89,16 @@ TEST_F(TreeTest, KeysMoveExpandAndCollapse) {
         int visible;
     };
     const Step steps[] = {
-        {ctrlkey::RIGHT, "Alpha", 5},      // opens
-        {ctrlkey::RIGHT, "Apple", 5},      // into the first child
-        {ctrlkey::DOWN, "Apricot", 5},
-        {ctrlkey::MULTIPLY, "Apricot", 6}, // the whole branch
-        {ctrlkey::END, "Cherry", 6},
-        {ctrlkey::UP, "Beta", 6},
-        {ctrlkey::HOME, "Alpha", 6},
-        {ctrlkey::NEXT, "Cherry", 6},      // a page holds every row
-        {ctrlkey::PRIOR, "Alpha", 6},
-        {ctrlkey::DOWN, "Apple", 6},
-        {ctrlkey::LEFT, "Alpha", 6},       // to the parent
-        {ctrlkey::LEFT, "Alpha", 3},       // closes
-        {ctrlkey::ADD, "Alpha", 6},        // Apricot stayed open
-        {ctrlkey::SUBTRACT, "Alpha", 3},
-        {ctrlkey::UP, "Alpha", 3},         // stays at the top
+        {ctrlkey::RIGHT, "Alpha", 5},                                       // opens
+        {ctrlkey::RIGHT, "Apple", 5},                                       // into the first child
+        {ctrlkey::DOWN, "Apricot", 5},   {ctrlkey::MULTIPLY, "Apricot", 6}, // the whole branch
+        {ctrlkey::END, "Cherry", 6},     {ctrlkey::UP, "Beta", 6},
+        {ctrlkey::HOME, "Alpha", 6},     {ctrlkey::NEXT, "Cherry", 6}, // a page holds every row
+        {ctrlkey::PRIOR, "Alpha", 6},    {ctrlkey::DOWN, "Apple", 6},
+        {ctrlkey::LEFT, "Alpha", 6},                                // to the parent
+        {ctrlkey::LEFT, "Alpha", 3},                                // closes
+        {ctrlkey::ADD, "Alpha", 6},                                 // Apricot stayed open
+        {ctrlkey::SUBTRACT, "Alpha", 3}, {ctrlkey::UP, "Alpha", 3}, // stays at the top
     };
     for (const Step& step : steps) {
         Key(step.key);
@@ -184,9 +181,9 @@ TEST_F(TreeTest, DraggingMovesTheSubtreeButNeverIntoItself) {
         bool moves;
     };
     const Case cases[] = {
-        {&a2, &a2, false},  // onto itself
-        {&a, &a21, false},  // into its own subtree
-        {&a2, &c, true},    // Apricot with Avocado under Cherry
+        {&a2, &a2, false}, // onto itself
+        {&a, &a21, false}, // into its own subtree
+        {&a2, &c, true},   // Apricot with Avocado under Cherry
         {&b, &a21, true},
     };
     for (const Case& test : cases) {
@@ -208,6 +205,13 @@ TEST_F(TreeTest, DraggingMovesTheSubtreeButNeverIntoItself) {
             EXPECT_EQ(item->parent, oldParent) << item->text.c_str();
         }
     }
+    // A plain click on a label selects, and the release still makes a click.
+    size_t before = Notes(SN_TREE_MOUSE).size();
+    SPoint point = Label(c);
+    platform->Click(top.GetHandle(), point.x, point.y);
+    EXPECT_EQ(tree.GetSelection(), c);
+    EXPECT_EQ(Notes(SN_TREE_MOUSE).size(), before + 3);
+    EXPECT_EQ(GetCapture(), 0u);
     ASSERT_EQ(a2->children.size(), 1u) << "the subtree went along";
     EXPECT_EQ(a2->children[0], a21);
     EXPECT_EQ(tree.GetCount(), 6);
@@ -290,6 +294,35 @@ TEST_F(TreeTest, LoadReplacesTheItemsAndTheSelection) {
     EXPECT_EQ(tree.GetCount(), 2);
     EXPECT_EQ(tree.GetSelection(), nullptr);
     EXPECT_EQ(VisibleCount(), 2) << "the expanded flag was read";
+}
+
+} // namespace
+
+namespace {
+
+TEST_F(TreeTest, KeysAndTheWheelScrollALongTreeToKeepTheSelectionInView) {
+    ASSERT_TRUE(Make(top, "top", Rect(0, 0, 300, 400)));
+    ASSERT_TRUE(Make(tree, "tree", Rect(0, 0, 200, 60), top.GetHandle()));
+    std::vector<HTREEITEM> all;
+    for (int i = 0; i < 20; ++i) {
+        all.push_back(tree.AddItem(("Item " + std::to_string(i)).c_str()));
+    }
+    int page = 60 / tree.GetRowHeight();
+    ASSERT_GE(page, 2);
+    SetFocus(tree.GetHandle());
+    Key(ctrlkey::END);
+    EXPECT_EQ(tree.GetSelection(), all[19]);
+    EXPECT_EQ(tree.GetTopRow(), 20 - page);
+    Key(ctrlkey::PRIOR);
+    EXPECT_EQ(tree.GetSelection(), all[19 - (page - 1)]);
+    Key(ctrlkey::HOME);
+    EXPECT_EQ(tree.GetTopRow(), 0);
+    platform->Wheel(top.GetHandle(), 50, 20, -WHEEL_DELTA);
+    EXPECT_EQ(tree.GetTopRow(), 3) << "a notch is three rows";
+    platform->Wheel(top.GetHandle(), 50, 20, 10 * WHEEL_DELTA);
+    EXPECT_EQ(tree.GetTopRow(), 0);
+    platform->Wheel(top.GetHandle(), 50, 20, -30);
+    EXPECT_EQ(tree.GetTopRow(), 1) << "a touchpad's small step still moves";
 }
 
 } // namespace

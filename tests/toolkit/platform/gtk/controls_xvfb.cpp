@@ -24,9 +24,10 @@
 namespace {
 
 enum State { NORMAL, HOVERED, FOCUSED, CHECKED, DISABLED, STATE_COUNT };
-const char* const STATE_NAMES[STATE_COUNT] = {"normal", "hovered", "focused", "checked", "disabled"};
-const char* const ROW_NAMES[] = {"Button", "Check", "Radio", "Scroll", "Slider",
-                                 "Progress", "Label", "Static"};
+const char* const STATE_NAMES[STATE_COUNT] = {"normal", "hovered", "focused", "checked",
+                                              "disabled"};
+const char* const ROW_NAMES[] = {"Button", "Check",    "Radio", "Scroll",
+                                 "Slider", "Progress", "Label", "Static"};
 constexpr int ROWS = 8;
 constexpr int CELL_LEFT = 80;
 constexpr int CELL_WIDTH = 128;
@@ -111,9 +112,15 @@ TEST(GtkControls, EveryControlDrawsEachOfItsStates) {
                 unsigned style = row == 2 && state == 0 ? RADIO_GROUP : 0;
                 SWnd* control = nullptr;
                 switch (row) {
-                case 0: control = make(new SButtonCtrl, "Play", rect); break;
-                case 1: control = make(new SCheckCtrl, "Shuffle", rect); break;
-                case 2: control = make(new SRadioCtrl, "Album", rect, style); break;
+                case 0:
+                    control = make(new SButtonCtrl, "Play", rect);
+                    break;
+                case 1:
+                    control = make(new SCheckCtrl, "Shuffle", rect);
+                    break;
+                case 2:
+                    control = make(new SRadioCtrl, "Album", rect, style);
+                    break;
                 case 3: {
                     auto* scroll = new SScrollCtrl;
                     make(scroll, "", SRect{rect.left, rect.top + 5, rect.right, rect.top + 21});
@@ -245,9 +252,8 @@ TEST(GtkControls, EveryControlDrawsEachOfItsStates) {
             SetFocus(control->GetHandle());
             SImage focused;
             SRect rect = Cell(row, FOCUSED);
-            bool differs = PumpUntil([&] {
-                return capture(&focused) && Changed(focused, shot, rect) > 0;
-            }, 2);
+            bool differs =
+                PumpUntil([&] { return capture(&focused) && Changed(focused, shot, rect) > 0; }, 2);
             // Labels and statics take no focus: they look as they did.
             bool takesFocus = row < 5;
             EXPECT_EQ(differs, takesFocus) << ROW_NAMES[row] << " focused";
@@ -256,7 +262,8 @@ TEST(GtkControls, EveryControlDrawsEachOfItsStates) {
         SetFocus(tree->GetHandle());
         SImage withTree;
         SRect treeRect = tree->GetRect();
-        EXPECT_TRUE(PumpUntil([&] { return capture(&withTree) && Changed(withTree, shot, treeRect) > 0; }, 2))
+        EXPECT_TRUE(PumpUntil(
+            [&] { return capture(&withTree) && Changed(withTree, shot, treeRect) > 0; }, 2))
             << "the tree shows its focus";
         Paste(&composite, withTree, treeRect);
 
@@ -280,10 +287,11 @@ TEST(GtkControls, EveryControlDrawsEachOfItsStates) {
                 int count = 0;
                 for (int y = 0; y < normal.Height(); ++y) {
                     for (int x = 0; x < normal.Width(); ++x) {
-                        count += (composite.GetPixel(normal.left + x, normal.top + y) & 0xFFFFFF) !=
-                                         (composite.GetPixel(other.left + x, other.top + y) & 0xFFFFFF)
-                                     ? 1
-                                     : 0;
+                        count +=
+                            (composite.GetPixel(normal.left + x, normal.top + y) & 0xFFFFFF) !=
+                                    (composite.GetPixel(other.left + x, other.top + y) & 0xFFFFFF)
+                                ? 1
+                                : 0;
                     }
                 }
                 return count;
