@@ -312,10 +312,6 @@ void SLabelCtrl::SetTextColor(uint32_t color) {
     Invalidate(nullptr);
 }
 
-LRESULT SLabelCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
-    return SCtrlBase::OnMessage(message, wParam, lParam);
-}
-
 void SLabelCtrl::Paint(cairo_t* cr) {
     SRect client = GetClientRect();
     uint32_t back = GetBackColor();

@@ -82,7 +82,6 @@ public:
     // The image (copied; null removes it), drawn left of the text.
     void SetImage(const SImage* image);
     void SetTextColor(uint32_t color); // 0xFF000000: the theme's
-    LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override;
 
 protected:
     void Paint(cairo_t* cr) override;

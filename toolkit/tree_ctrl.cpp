@@ -713,10 +713,8 @@ LRESULT STreeCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
         if (flags == TVHT_ONITEMBUTTON) {
             Expand(item, TVE_TOGGLE);
         } else if (flags == TVHT_ONITEMSTATEICON) {
-            bool before = item->checked;
             SelectItem(item);
             ToggleCheck(item);
-            (void)before;
         } else {
             SelectItem(item);
             if (message == WM_LBUTTONDBLCLK) {

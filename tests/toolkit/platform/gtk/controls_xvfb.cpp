@@ -183,7 +183,7 @@ TEST(GtkControls, EveryControlDrawsEachOfItsStates) {
         // The second part: a tree, a group, tabs, a panel, a splitter and a
         // GUI view.
         auto* tree = new STreeCtrl;
-        make(tree, "", SRect{10, 300, 230, 510}, TVS_CHECKBOXES);
+        make(tree, "", SRect{10, 300, 230, 446}, TVS_CHECKBOXES);
         int folderImage = tree->AddImage(picture);
         HTREEITEM music = tree->AddItem("Music", folderImage, folderImage);
         HTREEITEM jazz = tree->AddItem("Jazz", folderImage, folderImage, music);
@@ -197,6 +197,16 @@ TEST(GtkControls, EveryControlDrawsEachOfItsStates) {
         tree->SelectItem(rock);
         tree->AddFileItem("/music/track.ogg", rock);
         tree->Expand(rock, TVE_EXPAND);
+        // The pointer rests on the last row.
+        SendMessage(tree->GetHandle(), WM_MOUSEMOVE, 0,
+                    MakePointParam(60, tree->GetRowHeight() * 6 + tree->GetRowHeight() / 2));
+        auto* disabledTree = new STreeCtrl;
+        make(disabledTree, "", SRect{10, 452, 230, 510});
+        HTREEITEM genres = disabledTree->AddItem("Genres");
+        disabledTree->AddItem("Folk", -1, -1, genres);
+        disabledTree->Expand(genres, TVE_EXPAND);
+        disabledTree->SelectItem(genres);
+        disabledTree->Enable(false);
 
         auto* group = new SGroupCtrl;
         make(group, "Playback", SRect{240, 300, 400, 400});
@@ -312,7 +322,8 @@ TEST(GtkControls, EveryControlDrawsEachOfItsStates) {
         EXPECT_EQ(composite.GetPixel(checkCell.left + 4, markTop + 2) & 0xFFFFFF,
                   ToRgb(GetSysColor(SYS_COLOR_HIGHLIGHT)));
         // The second part draws: the tree's selected row, each container.
-        for (SWnd* window : std::vector<SWnd*>{tree, group, tab, panel, splitter, gui}) {
+        for (SWnd* window :
+             std::vector<SWnd*>{tree, disabledTree, group, tab, panel, splitter, gui}) {
             SRect rect = window->GetRect();
             EXPECT_GT(Differing(composite, rect, back), rect.Width() * rect.Height() / 20)
                 << "a container draws nothing";
