@@ -169,3 +169,20 @@ constexpr unsigned SN_TRAY = 0x8CEE;                 // the tray icon's mouse co
 constexpr unsigned SN_TREE_KEY = 0x8CF8;             // the key code
 constexpr unsigned SN_TREE_MOUSE = 0x8CF9;           // SMouseEvent*
 constexpr unsigned SN_TREE_CHECK = 0x8CFC;           // the item whose check changed
+// The simple controls' mouse events (SMouseEvent*), one number a class,
+// and what else they tell.
+constexpr unsigned SN_BUTTON_MOUSE = 0x8CD0;
+constexpr unsigned SN_CHECK_MOUSE = 0x8CD1;
+constexpr unsigned SN_RADIO_MOUSE = 0x8CD2;
+constexpr unsigned SN_SCROLL_MOUSE = 0x8CD3;
+constexpr unsigned SN_SLIDER_MOUSE = 0x8CD4;
+constexpr unsigned SN_PROGRESS_MOUSE = 0x8CD5;
+constexpr unsigned SN_LABEL_MOUSE = 0x8CD6;
+constexpr unsigned SN_STATIC_MOUSE = 0x8CD7;
+constexpr unsigned SN_GROUP_MOUSE = 0x8CD8;
+constexpr unsigned SN_TAB_MOUSE = 0x8CD9;
+constexpr unsigned SN_PANEL_MOUSE = 0x8CDA;
+constexpr unsigned SN_GUI_MOUSE = 0x8CDB;
+constexpr unsigned SN_TAB_SELECT = 0x8CDC;  // the page now shown
+constexpr unsigned SN_PANEL_ITEM = 0x8CDD;  // group * 65536 + item, toggled
+constexpr unsigned SN_TREE_LABEL = 0x8CDE;  // the item whose text was edited

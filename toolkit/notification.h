@@ -55,17 +55,32 @@ constexpr SNotifyKind NotificationKind(unsigned message) {
     case SN_SCROLL_FORWARD:
     case SN_WEB_PROGRESS:
     case SN_WEB_DOCUMENT_DONE:
+    case SN_TAB_SELECT:
+    case SN_PANEL_ITEM:
         return SNotifyKind::CODE;
     case SN_LIST_MOUSE:
     case SN_MEDIA_MOUSE:
     case SN_PLAYER_MOUSE:
     case SN_SPLITTER_MOUSE:
     case SN_TREE_MOUSE:
+    case SN_BUTTON_MOUSE:
+    case SN_CHECK_MOUSE:
+    case SN_RADIO_MOUSE:
+    case SN_SCROLL_MOUSE:
+    case SN_SLIDER_MOUSE:
+    case SN_PROGRESS_MOUSE:
+    case SN_LABEL_MOUSE:
+    case SN_STATIC_MOUSE:
+    case SN_GROUP_MOUSE:
+    case SN_TAB_MOUSE:
+    case SN_PANEL_MOUSE:
+    case SN_GUI_MOUSE:
         return SNotifyKind::MOUSE;
     case SN_MEDIA_LINK_CLICKED:
     case SN_WEB_BEFORE_NAVIGATE:
         return SNotifyKind::TEXT;
     case SN_TREE_CHECK:
+    case SN_TREE_LABEL:
         return SNotifyKind::ITEM;
     default:
         return SNotifyKind::NONE;

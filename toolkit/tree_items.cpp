@@ -76,6 +76,27 @@ HTREEITEM STreeItems::AddItem(const char* text, int image, int selectedImage, HT
     return item;
 }
 
+bool STreeItems::IsWithin(HTREEITEM item, HTREEITEM ancestor) const {
+    for (HTREEITEM walk = item; walk != nullptr; walk = walk->parent) {
+        if (walk == ancestor) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool STreeItems::MoveItem(HTREEITEM item, HTREEITEM newParent) {
+    if (item == nullptr || !Contains(item) || (newParent != nullptr && !Contains(newParent)) ||
+        IsWithin(newParent, item)) {
+        return false;
+    }
+    std::vector<HTREEITEM>& from = SiblingsOf(item->parent);
+    from.erase(std::find(from.begin(), from.end(), item));
+    item->parent = newParent;
+    SiblingsOf(newParent).push_back(item);
+    return true;
+}
+
 void STreeItems::Release(HTREEITEM item) {
     // Swap the last record into the freed slot.
     auto found = slots.find(item);

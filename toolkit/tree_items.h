@@ -57,6 +57,12 @@ public:
     // this tree.
     bool RemoveItem(HTREEITEM item);
     void Clear();
+    // Moves the item with everything below it to the end of newParent's
+    // children (null: the top). False, and nothing moves, for an item not
+    // in this tree, or a new parent that is the item or below it.
+    bool MoveItem(HTREEITEM item, HTREEITEM newParent);
+    // True when item is ancestor or lies below it.
+    bool IsWithin(HTREEITEM item, HTREEITEM ancestor) const;
     int GetCount() const { return static_cast<int>(items.size()); }
     // True for an item of this tree (also for a pointer to a removed one:
     // it is only compared, never read).

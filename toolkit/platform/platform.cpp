@@ -1,6 +1,9 @@
 #include "toolkit/platform/platform.h"
 
+#include <algorithm>
 #include <memory>
+
+#include "foundation/image.h"
 
 #include "toolkit/platform/headless/headless_platform.h"
 
@@ -40,4 +43,24 @@ SPlatform* GetPlatform() {
 
 void SetPlatform(SPlatform* platform) {
     Current().reset(platform);
+}
+
+bool SPlatform::GetFileIcon(const char* /*path*/, bool folder, int size, SImage* picture) {
+    if (picture == nullptr || size <= 0 || !picture->Create(size, size, PIXEL_FORMAT_32ARGB)) {
+        return false;
+    }
+    picture->Fill(0x00000000u);
+    int edge = std::max(1, size / 8);
+    SRect body{edge, edge * 2, size - edge, size - edge};
+    if (folder) {
+        SRect tab{edge, edge, size / 2, edge * 2};
+        picture->Fill(0xFFE0B040u, &tab);
+        picture->Fill(0xFFF0C850u, &body);
+    } else {
+        SRect sheet{edge * 2, edge, size - edge * 2, size - edge};
+        picture->Fill(0xFF808080u, &sheet);
+        SRect inner{sheet.left + 1, sheet.top + 1, sheet.right - 1, sheet.bottom - 1};
+        picture->Fill(0xFFF4F4F4u, &inner);
+    }
+    return true;
 }

@@ -90,6 +90,11 @@ public:
     // reach its own window, and a press anywhere reaches it (outside its
     // area as a non-client press). The default makes an ordinary surface.
     virtual bool CreatePopupSurface(HWND hwnd, const SRect& rect);
+    // The desktop's small icon (size pixels square) of the file or folder
+    // at path, found by its content type in the icon theme. The default, and
+    // the headless platform, give a fixed picture: a grey sheet, or a
+    // yellow folder.
+    virtual bool GetFileIcon(const char* path, bool folder, int size, SImage* picture);
 };
 
 // The platform in use; the headless one until SetPlatform. The toolkit owns

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "foundation/array.h"
+#include "foundation/image.h"
 #include "foundation/keyboard.h"
 #include "toolkit/draw.h"
 #include "toolkit/messages.h"
@@ -610,6 +611,43 @@ public:
     }
 
     void LoadThemeColors() override { GtkLoadThemeColors(); }
+
+    // The icon of the content type guessed from the name (a folder's is
+    // inode/directory), looked up in the icon theme and drawn into picture.
+    bool GetFileIcon(const char* path, bool folder, int size, SImage* picture) override {
+        if (picture == nullptr || size <= 0) {
+            return false;
+        }
+        gboolean uncertain = FALSE;
+        gchar* type = folder ? g_strdup("inode/directory")
+                             : g_content_type_guess(path, nullptr, 0, &uncertain);
+        GIcon* icon = type != nullptr ? g_content_type_get_icon(type) : nullptr;
+        g_free(type);
+        GtkIconInfo* info = icon != nullptr
+                                ? gtk_icon_theme_lookup_by_gicon(gtk_icon_theme_get_default(), icon,
+                                                                 size, GTK_ICON_LOOKUP_FORCE_SIZE)
+                                : nullptr;
+        if (icon != nullptr) {
+            g_object_unref(icon);
+        }
+        GdkPixbuf* pixbuf = info != nullptr ? gtk_icon_info_load_icon(info, nullptr) : nullptr;
+        if (info != nullptr) {
+            g_object_unref(info);
+        }
+        if (pixbuf == nullptr) {
+            return SPlatform::GetFileIcon(path, folder, size, picture);
+        }
+        cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, size, size);
+        cairo_t* cr = cairo_create(surface);
+        gdk_cairo_set_source_pixbuf(cr, pixbuf, 0, 0);
+        cairo_paint(cr);
+        cairo_destroy(cr);
+        cairo_surface_flush(surface);
+        bool loaded = picture->LoadSurface(surface, 0, 0, size, size);
+        cairo_surface_destroy(surface);
+        g_object_unref(pixbuf);
+        return loaded || SPlatform::GetFileIcon(path, folder, size, picture);
+    }
 
     void GetDoubleClick(unsigned* milliseconds, int* distance) override {
         SPlatform::GetDoubleClick(milliseconds, distance);
