@@ -26,6 +26,20 @@ void SPlatform::GetDoubleClick(unsigned* milliseconds, int* distance) {
     *distance = 2;
 }
 
+void SPlatform::ImFocus(HWND /*top*/, bool /*in*/) {}
+
+void SPlatform::ImSetCursor(HWND /*top*/, const SRect& /*caret*/) {}
+
+void SPlatform::ImReset(HWND /*top*/) {}
+
+bool SPlatform::RunChooser(HWND /*owner*/, const SChooserRequest& /*request*/,
+                           SChooserAnswer* answer) {
+    if (answer != nullptr) {
+        *answer = SChooserAnswer();
+    }
+    return false;
+}
+
 SPlatform* GetPlatform() {
     std::unique_ptr<SPlatform>& platform = Current();
     if (platform == nullptr) {
