@@ -205,6 +205,9 @@ SEditCtrl::~SEditCtrl() {
     if (popup != nullptr && popup->GetHandle() != 0) {
         popup->Destroy();
     }
+    if (GetHandle() != 0) {
+        Destroy(); // while the members its messages use are still here
+    }
     if (pangoContext != nullptr) {
         g_object_unref(pangoContext);
     }

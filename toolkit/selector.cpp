@@ -30,7 +30,7 @@ bool SSelector::OpenFile(const char* title, const std::vector<SString>& filters,
     if (!Run(owner, request, &answer) || answer.paths.empty() || files == nullptr) {
         return false;
     }
-    files->RemoveAll();
+    files->DeleteAll();
     for (size_t i = 0; i < answer.paths.size() && (multiple || i == 0); ++i) {
         files->Add(answer.paths[i]);
     }
