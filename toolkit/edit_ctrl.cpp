@@ -72,9 +72,9 @@ struct MenuItem {
 };
 
 constexpr MenuItem MENU_ITEMS[] = {
-    {SEditCommand::UNDO, "Undo", true},          {SEditCommand::CUT, "Cut", false},
-    {SEditCommand::COPY, "Copy", false},         {SEditCommand::PASTE, "Paste", false},
-    {SEditCommand::DELETE, "Delete", true},      {SEditCommand::SELECT_ALL, "Select All", false},
+    {SEditCommand::UNDO, "Undo", true},     {SEditCommand::CUT, "Cut", false},
+    {SEditCommand::COPY, "Copy", false},    {SEditCommand::PASTE, "Paste", false},
+    {SEditCommand::DELETE, "Delete", true}, {SEditCommand::SELECT_ALL, "Select All", false},
 };
 constexpr int MENU_ITEM_HEIGHT = 24;
 constexpr int MENU_SEPARATOR = 7;
@@ -159,8 +159,8 @@ private:
         DrawFrame(cr, &client, SPen{GetSysColor(SYS_COLOR_BTNSHADOW), 1});
         PangoLayout* layout = pango_cairo_create_layout(cr);
         SFont* font = GetDefaultFont();
-        PangoFontDescription* description =
-            pango_font_description_from_string(font != nullptr ? font->Describe().c_str() : "Sans 9");
+        PangoFontDescription* description = pango_font_description_from_string(
+            font != nullptr ? font->Describe().c_str() : "Sans 9");
         pango_layout_set_font_description(layout, description);
         pango_font_description_free(description);
         int top = 2;
@@ -174,7 +174,7 @@ private:
             pango_layout_set_text(layout, item.label, -1);
             int width = 0, height = 0;
             pango_layout_get_pixel_size(layout, &width, &height);
-            SetSourceColor(cr, !enabled ? GetSysColor(SYS_COLOR_GRAYTEXT)
+            SetSourceColor(cr, !enabled   ? GetSysColor(SYS_COLOR_GRAYTEXT)
                                : i == hot ? GetSysColor(SYS_COLOR_HIGHLIGHTTEXT)
                                           : GetSysColor(SYS_COLOR_MENUTEXT));
             cairo_move_to(cr, 12, top + (MENU_ITEM_HEIGHT - height) / 2);
@@ -272,10 +272,10 @@ PangoLayout* SEditCtrl::MakeLayout() {
         uint32_t fore = GetSysColor(SYS_COLOR_HIGHLIGHTTEXT);
         auto start = static_cast<guint>(ToDisplay(model.SelectionStart()));
         auto end = static_cast<guint>(ToDisplay(model.SelectionEnd()));
-        PangoAttribute* background = pango_attr_background_new(
-            Channel16(back, 0), Channel16(back, 8), Channel16(back, 16));
-        PangoAttribute* foreground = pango_attr_foreground_new(
-            Channel16(fore, 0), Channel16(fore, 8), Channel16(fore, 16));
+        PangoAttribute* background =
+            pango_attr_background_new(Channel16(back, 0), Channel16(back, 8), Channel16(back, 16));
+        PangoAttribute* foreground =
+            pango_attr_foreground_new(Channel16(fore, 0), Channel16(fore, 8), Channel16(fore, 16));
         background->start_index = foreground->start_index = start;
         background->end_index = foreground->end_index = end;
         pango_attr_list_insert(attributes, background);
@@ -496,12 +496,21 @@ bool SEditCtrl::HandleKey(unsigned key) {
         model.MoveCaret(kind, shift);
         Changed(false);
     };
-    int pageLines = std::max(1, TextArea().Height() / std::max(1, TextMetrics(GetDefaultFont()).height));
+    int pageLines =
+        std::max(1, TextArea().Height() / std::max(1, TextMetrics(GetDefaultFont()).height));
     switch (key) {
-    case KEY_LEFT: move(ctrl ? SEditText::WORD_LEFT : SEditText::LEFT); return true;
-    case KEY_RIGHT: move(ctrl ? SEditText::WORD_RIGHT : SEditText::RIGHT); return true;
-    case KEY_HOME: move(ctrl ? SEditText::TEXT_START : SEditText::LINE_START); return true;
-    case KEY_END: move(ctrl ? SEditText::TEXT_END : SEditText::LINE_END); return true;
+    case KEY_LEFT:
+        move(ctrl ? SEditText::WORD_LEFT : SEditText::LEFT);
+        return true;
+    case KEY_RIGHT:
+        move(ctrl ? SEditText::WORD_RIGHT : SEditText::RIGHT);
+        return true;
+    case KEY_HOME:
+        move(ctrl ? SEditText::TEXT_START : SEditText::LINE_START);
+        return true;
+    case KEY_END:
+        move(ctrl ? SEditText::TEXT_END : SEditText::LINE_END);
+        return true;
     case KEY_UP:
     case KEY_DOWN:
         if (!model.IsMultiLine()) {
@@ -553,16 +562,25 @@ bool SEditCtrl::HandleKey(unsigned key) {
             ShowPopupMenu(caret.left, caret.bottom);
         }
         return true;
-    default: break;
+    default:
+        break;
     }
     if (!ctrl) {
         return false;
     }
     switch (key) {
-    case 'A': OnSelectAll(); return true;
-    case 'C': OnCopy(); return true;
-    case 'X': OnCut(); return true;
-    case 'V': OnPaste(); return true;
+    case 'A':
+        OnSelectAll();
+        return true;
+    case 'C':
+        OnCopy();
+        return true;
+    case 'X':
+        OnCut();
+        return true;
+    case 'V':
+        OnPaste();
+        return true;
     case 'Z':
         if (shift ? model.Redo() : model.Undo()) {
             Changed(true);
@@ -573,31 +591,49 @@ bool SEditCtrl::HandleKey(unsigned key) {
             Changed(true);
         }
         return true;
-    default: return false;
+    default:
+        return false;
     }
 }
 
 bool SEditCtrl::IsCommandEnabled(SEditCommand command) const {
     bool editable = !model.IsReadOnly();
     switch (command) {
-    case SEditCommand::UNDO: return editable && model.CanUndo();
+    case SEditCommand::UNDO:
+        return editable && model.CanUndo();
     case SEditCommand::CUT:
-    case SEditCommand::DELETE: return editable && model.HasSelection();
-    case SEditCommand::COPY: return model.HasSelection() && (GetStyle() & EDIT_PASSWORD) == 0;
-    case SEditCommand::PASTE: return editable && !SClipboard().GetText().IsEmpty();
-    case SEditCommand::SELECT_ALL: return !model.Text().empty();
+    case SEditCommand::DELETE:
+        return editable && model.HasSelection();
+    case SEditCommand::COPY:
+        return model.HasSelection() && (GetStyle() & EDIT_PASSWORD) == 0;
+    case SEditCommand::PASTE:
+        return editable && !SClipboard().GetText().IsEmpty();
+    case SEditCommand::SELECT_ALL:
+        return !model.Text().empty();
     }
     return false;
 }
 
 void SEditCtrl::RunCommand(SEditCommand command) {
     switch (command) {
-    case SEditCommand::UNDO: OnUndo(); break;
-    case SEditCommand::CUT: OnCut(); break;
-    case SEditCommand::COPY: OnCopy(); break;
-    case SEditCommand::PASTE: OnPaste(); break;
-    case SEditCommand::DELETE: OnDelete(); break;
-    case SEditCommand::SELECT_ALL: OnSelectAll(); break;
+    case SEditCommand::UNDO:
+        OnUndo();
+        break;
+    case SEditCommand::CUT:
+        OnCut();
+        break;
+    case SEditCommand::COPY:
+        OnCopy();
+        break;
+    case SEditCommand::PASTE:
+        OnPaste();
+        break;
+    case SEditCommand::DELETE:
+        OnDelete();
+        break;
+    case SEditCommand::SELECT_ALL:
+        OnSelectAll();
+        break;
     }
 }
 
@@ -668,8 +704,8 @@ void SEditCtrl::Paint(cairo_t* cr) {
     SRect client = GetClientRect();
     bool focused = GetFocus() == GetHandle();
     bool enabled = IsEnabled();
-    FillRect(cr, &client, GetSysColor(enabled && !model.IsReadOnly() ? SYS_COLOR_WINDOW
-                                                                      : SYS_COLOR_BTNFACE));
+    FillRect(cr, &client,
+             GetSysColor(enabled && !model.IsReadOnly() ? SYS_COLOR_WINDOW : SYS_COLOR_BTNFACE));
     if (focused) {
         // The focus ring: two pixels of the highlight colour.
         SRect outer = client;
@@ -696,8 +732,8 @@ void SEditCtrl::Paint(cairo_t* cr) {
         pango_layout_get_cursor_pos(layout, ToDisplay(model.Caret()) + preeditCaret, &strong,
                                     nullptr);
         SetSourceColor(cr, GetSysColor(SYS_COLOR_WINDOWTEXT));
-        cairo_rectangle(cr, area.left - scrollX + PANGO_PIXELS(strong.x), top + PANGO_PIXELS(strong.y),
-                        1, std::max(PANGO_PIXELS(strong.height), 1));
+        cairo_rectangle(cr, area.left - scrollX + PANGO_PIXELS(strong.x),
+                        top + PANGO_PIXELS(strong.y), 1, std::max(PANGO_PIXELS(strong.height), 1));
         cairo_fill(cr);
     }
     g_object_unref(layout);

@@ -12,8 +12,11 @@ bool IsContinuation(unsigned char byte) {
 // The length of the valid UTF-8 sequence at value[i], 0 when invalid.
 size_t SequenceLength(const std::string& value, size_t i) {
     auto byte = static_cast<unsigned char>(value[i]);
-    size_t length = byte < 0x80 ? 1 : byte >= 0xC2 && byte < 0xE0 ? 2 : byte >= 0xE0 && byte < 0xF0 ? 3
-                                  : byte >= 0xF0 && byte < 0xF5 ? 4 : 0;
+    size_t length = byte < 0x80                   ? 1
+                    : byte >= 0xC2 && byte < 0xE0 ? 2
+                    : byte >= 0xE0 && byte < 0xF0 ? 3
+                    : byte >= 0xF0 && byte < 0xF5 ? 4
+                                                  : 0;
     if (length == 0 || i + length > value.size()) {
         return 0;
     }
@@ -182,12 +185,24 @@ void SEditText::MoveCaret(Move move, bool extend) {
     case RIGHT:
         target = HasSelection() && !extend ? SelectionEnd() : NextChar(caret);
         break;
-    case WORD_LEFT: target = WordLeft(caret); break;
-    case WORD_RIGHT: target = WordRight(caret); break;
-    case LINE_START: target = LineStart(caret); break;
-    case LINE_END: target = LineEnd(caret); break;
-    case TEXT_START: target = 0; break;
-    case TEXT_END: target = text.size(); break;
+    case WORD_LEFT:
+        target = WordLeft(caret);
+        break;
+    case WORD_RIGHT:
+        target = WordRight(caret);
+        break;
+    case LINE_START:
+        target = LineStart(caret);
+        break;
+    case LINE_END:
+        target = LineEnd(caret);
+        break;
+    case TEXT_START:
+        target = 0;
+        break;
+    case TEXT_END:
+        target = text.size();
+        break;
     }
     SetCaret(target, extend);
 }

@@ -18,8 +18,8 @@ SString OrEmpty(const char* text) {
 
 SSelector::SSelector(SWnd* ownerWnd) : owner(ownerWnd != nullptr ? ownerWnd->GetHandle() : 0) {}
 
-bool SSelector::OpenFile(const char* title, const std::vector<SString>& filters,
-                         const char* folder, SStringArray* files, bool multiple) {
+bool SSelector::OpenFile(const char* title, const std::vector<SString>& filters, const char* folder,
+                         SStringArray* files, bool multiple) {
     SChooserRequest request;
     request.kind = SChooserRequest::OPEN_FILE;
     request.title = OrEmpty(title);
@@ -37,8 +37,8 @@ bool SSelector::OpenFile(const char* title, const std::vector<SString>& filters,
     return true;
 }
 
-bool SSelector::SaveFile(const char* title, const std::vector<SString>& filters,
-                         const char* folder, const char* name, SString* path) {
+bool SSelector::SaveFile(const char* title, const std::vector<SString>& filters, const char* folder,
+                         const char* name, SString* path) {
     SChooserRequest request;
     request.kind = SChooserRequest::SAVE_FILE;
     request.title = OrEmpty(title);

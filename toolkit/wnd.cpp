@@ -681,8 +681,7 @@ namespace {
 
 // The windows of the focus order among children and below them, appended
 // to list.
-void CollectFocusOrder(const std::vector<HWND>& children,
-                       std::vector<SWnd*>* list) {
+void CollectFocusOrder(const std::vector<HWND>& children, std::vector<SWnd*>* list) {
     std::vector<SWnd*> sorted;
     for (HWND child : children) {
         SWnd* childWnd = SWnd::FromHandle(child);

@@ -26,7 +26,9 @@ protected:
         SHeadlessPlatform::DispatchPending();
     }
     void Type(const char* text) { platform->CommitText(top.GetHandle(), text); }
-    void Key(unsigned key, unsigned modifiers = 0) { platform->Key(top.GetHandle(), key, modifiers); }
+    void Key(unsigned key, unsigned modifiers = 0) {
+        platform->Key(top.GetHandle(), key, modifiers);
+    }
     std::string Text() const { return edit.GetText().c_str(); }
 
     RecordingWnd top;
@@ -106,8 +108,8 @@ TEST_F(EditTest, UndoAndRedoOverMixedEdits) {
         unsigned key, modifiers;
         const char* text;
     } steps[] = {
-        {'Z', CTRL, "abcXY"}, {'Z', CTRL, "abc"},          {'Z', CTRL, ""},
-        {'Z', CTRL, ""},      {'Y', CTRL, "abc"},          {'Z', CTRL | SHIFT, "abcXY"},
+        {'Z', CTRL, "abcXY"}, {'Z', CTRL, "abc"},  {'Z', CTRL, ""},
+        {'Z', CTRL, ""},      {'Y', CTRL, "abc"},  {'Z', CTRL | SHIFT, "abcXY"},
         {'Y', CTRL, "abcX"},  {'Y', CTRL, "abcX"},
     };
     for (const Step& step : steps) {
@@ -126,14 +128,18 @@ TEST_F(EditTest, MaximumLengthNumberAndPassword) {
     SEditCtrl password;
     ASSERT_TRUE(password.Create(&top, Rect(10, 50, 210, 80), 2, EDIT_PASSWORD, ""));
     SetFocus(password.GetHandle());
-    Type("s\xC3\xA9" "cret");
-    EXPECT_EQ(std::string(password.GetText().c_str()), "s\xC3\xA9" "cret");
+    Type("s\xC3\xA9"
+         "cret");
+    EXPECT_EQ(std::string(password.GetText().c_str()), "s\xC3\xA9"
+                                                       "cret");
     Key('A', CTRL);
     SClipboard().SetText("before");
     Key('C', CTRL);
     Key('X', CTRL);
-    EXPECT_EQ(SClipboard().GetText(), SString("before")) << "a password never leaves by the clipboard";
-    EXPECT_EQ(std::string(password.GetText().c_str()), "s\xC3\xA9" "cret");
+    EXPECT_EQ(SClipboard().GetText(), SString("before"))
+        << "a password never leaves by the clipboard";
+    EXPECT_EQ(std::string(password.GetText().c_str()), "s\xC3\xA9"
+                                                       "cret");
     // The caret sits after six bullets.
     Key(KEY_END);
     SRect caret = password.CaretRect();

@@ -34,10 +34,13 @@ TEST(EditText, FiltersOfTheStyles) {
     } cases[] = {
         {"one line turns breaks into spaces", false, false, 0, "", "a\r\nb\nc", "a b c"},
         {"many lines keep them, CR LF as one", true, false, 0, "", "a\r\nb\rc", "a\nb\nc"},
-        {"digits only", false, true, 0, "1", "2a-3\xC3\xA9" "4", "1234"},
+        {"digits only", false, true, 0, "1",
+         "2a-3\xC3\xA9"
+         "4",
+         "1234"},
         {"the maximum cuts what is pasted", false, false, 5, "abc", "defgh", "abcde"},
-        {"the maximum counts characters, not bytes", false, false, 3, "\xC3\xA9", "\xC3\xA9\xC3\xA9\xC3\xA9",
-         "\xC3\xA9\xC3\xA9\xC3\xA9"},
+        {"the maximum counts characters, not bytes", false, false, 3, "\xC3\xA9",
+         "\xC3\xA9\xC3\xA9\xC3\xA9", "\xC3\xA9\xC3\xA9\xC3\xA9"},
         {"a full text takes nothing", false, false, 2, "ab", "c", "ab"},
         {"invalid bytes are dropped", false, false, 0, "", "a\xFF\xC3z\xED\xA0\x80", "az"},
         {"control characters are dropped, tabs kept", false, false, 0, "", "a\x01\tb\x7F", "a\tb"},
@@ -70,11 +73,8 @@ TEST(EditText, WordsAndLines) {
         size_t from;
         size_t wordLeft, wordRight, lineStart, lineEnd;
     } cases[] = {
-        {0, 0, 4, 0, 15},
-        {5, 4, 11, 0, 15},
-        {11, 4, 16, 0, 15},
-        {16, 11, 23, 16, 27},
-        {20, 16, 23, 16, 27},
+        {0, 0, 4, 0, 15},     {5, 4, 11, 0, 15},    {11, 4, 16, 0, 15},
+        {16, 11, 23, 16, 27}, {20, 16, 23, 16, 27},
     };
     for (const Case& c : cases) {
         EXPECT_EQ(text.WordLeft(c.from), c.wordLeft) << c.from;

@@ -19,8 +19,8 @@ struct SChooserRequest {
     enum Kind { OPEN_FILE, SAVE_FILE, FOLDER, COLOR, FONT };
     Kind kind = OPEN_FILE;
     SString title;
-    SString folder;  // where to start; empty: the chooser's choice
-    SString name;    // the file name offered by a save chooser
+    SString folder; // where to start; empty: the chooser's choice
+    SString name;   // the file name offered by a save chooser
     std::vector<SString> filters;
     bool multiple = false; // an open chooser may return several files
     uint32_t color = 0;    // 0x00BBGGRR, the colour shown first

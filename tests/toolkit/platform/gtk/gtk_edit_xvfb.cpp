@@ -52,8 +52,8 @@ TEST_F(GtkEdit, KeysTypedOnTheDisplayReachTheEdit) {
     ASSERT_TRUE(PumpUntil([&] { return GetFocus() == line.GetHandle(); }))
         << "a click gives the edit the focus";
     const std::pair<unsigned, const char*> keys[] = {
-        {'H', "h"}, {'E', "he"}, {'L', "hel"}, {'L', "hell"}, {'O', "hello"}, {' ', "hello "},
-        {'4', "hello 4"}, {'2', "hello 42"}, {VK_BACK, "hello 4"},
+        {'H', "h"},      {'E', "he"},      {'L', "hel"},      {'L', "hell"},        {'O', "hello"},
+        {' ', "hello "}, {'4', "hello 4"}, {'2', "hello 42"}, {VK_BACK, "hello 4"},
     };
     for (const auto& [key, expected] : keys) {
         ASSERT_TRUE(GetPlatform()->PressKey(key));
