@@ -263,3 +263,33 @@ void PlatformDropFiles(HWND top, int x, int y, SStringArray* files) {
         SendMessage(wnd->GetHandle(), WM_DROPFILES, reinterpret_cast<WPARAM>(files), 0);
     }
 }
+
+void PlatformImCommit(HWND top, const char* text) {
+    if (text == nullptr) {
+        return;
+    }
+    const auto* bytes = reinterpret_cast<const unsigned char*>(text);
+    while (*bytes != 0) {
+        unsigned first = *bytes;
+        int length = first < 0x80 ? 1 : first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : first >= 0xC0 ? 2 : 0;
+        unsigned code = length == 1 ? first : length == 2 ? first & 0x1F : length == 3 ? first & 0x0F : first & 0x07;
+        int taken = 1;
+        for (; taken < length && (bytes[taken] & 0xC0) == 0x80; ++taken) {
+            code = (code << 6) | (bytes[taken] & 0x3F);
+        }
+        if (length > 0 && taken == length) {
+            PlatformKey(top, WM_CHAR, code);
+        }
+        bytes += taken; // a broken sequence is skipped
+    }
+}
+
+void PlatformImPreedit(HWND top, const char* text, int caret) {
+    HWND target = GetFocus();
+    SWnd* focus = SWnd::FromHandle(target);
+    if (focus == nullptr || focus->GetTopWindow() != top) {
+        return;
+    }
+    SendMessage(target, SM_IME_PREEDIT, reinterpret_cast<WPARAM>(text != nullptr ? text : ""),
+                caret);
+}

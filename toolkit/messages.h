@@ -54,6 +54,7 @@ constexpr unsigned WS_VSCROLL = 0x00200000u;
 constexpr unsigned WS_HSCROLL = 0x00100000u;
 constexpr unsigned WS_SYSMENU = 0x00080000u;
 constexpr unsigned WS_THICKFRAME = 0x00040000u;
+constexpr unsigned WS_TABSTOP = 0x00010000u; // a child in the Tab order of its top-level window
 constexpr unsigned WS_OVERLAPPEDWINDOW = 0x00CF0000u;
 constexpr unsigned WS_EX_ACCEPTFILES = 0x00000010u;
 // A top-level window made with it is a popup surface (a drop-down list).

@@ -679,6 +679,58 @@ SWnd* SWnd::GetNextInTabOrder() const {
     return next != nullptr ? next : first;
 }
 
+namespace {
+
+// The windows of the focus order among children and below them, appended
+// to list.
+void CollectFocusOrder(const std::vector<HWND>& children, std::vector<SWnd*>* list) {
+    std::vector<SWnd*> sorted;
+    for (HWND child : children) {
+        SWnd* childWnd = SWnd::FromHandle(child);
+        if (childWnd != nullptr && childWnd->IsVisible() && childWnd->IsEnabled()) {
+            sorted.push_back(childWnd);
+        }
+    }
+    std::stable_sort(sorted.begin(), sorted.end(), [](SWnd* a, SWnd* b) {
+        // A child's order starts as its place among its siblings.
+        return a->GetTabOrder() < b->GetTabOrder();
+    });
+    for (SWnd* child : sorted) {
+        if ((child->GetStyle() & WS_TABSTOP) != 0 || child->GetTabGroup() != -1 ||
+            SendMessage(child->GetHandle(), SM_TAB_STOP, 0, 0) != 0) {
+            list->push_back(child);
+        }
+        SArray<HWND> grandChildren;
+        child->GetChildHandles(&grandChildren);
+        std::vector<HWND> next;
+        for (int i = 0; i < grandChildren.GetCount(); ++i) {
+            next.push_back(grandChildren.GetAt(i));
+        }
+        CollectFocusOrder(next, list);
+    }
+}
+
+} // namespace
+
+SWnd* SWnd::GetNextFocus(bool backward) const {
+    SWnd* top = FromHandle(GetTopWindow());
+    if (top == nullptr) {
+        return nullptr;
+    }
+    std::vector<SWnd*> order;
+    CollectFocusOrder(top->children, &order);
+    if (order.empty()) {
+        return nullptr;
+    }
+    auto here = std::find(order.begin(), order.end(), this);
+    if (here == order.end()) {
+        return backward ? order.back() : order.front();
+    }
+    size_t index = static_cast<size_t>(here - order.begin());
+    size_t count = order.size();
+    return order[backward ? (index + count - 1) % count : (index + 1) % count];
+}
+
 HWND SWnd::ChildFromPoint(SPoint point) const {
     for (auto it = children.rbegin(); it != children.rend(); ++it) {
         SWnd* wnd = FromHandle(*it);

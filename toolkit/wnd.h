@@ -226,6 +226,13 @@ public:
     // The visible top-level windows of this thread.
     int GetOrphans(SArray<SWnd*>* result) const;
     SWnd* GetNextInTabOrder() const;
+    // The window Tab (or Shift+Tab, backward) gives the focus to from this
+    // one: the focus order runs through the descendants of the top-level
+    // window depth first, siblings by their tab order (which starts as the
+    // order they were made in), and wraps. A window is in it when it and
+    // its parents are shown and enabled and it has WS_TABSTOP, a tab group
+    // (SetTabOrder), or answers SM_TAB_STOP with non-zero. Null when none is.
+    SWnd* GetNextFocus(bool backward) const;
     // The deepest visible, enabled window under a point of this window's
     // client area (this window when no child is there).
     HWND ChildFromPoint(SPoint point) const;

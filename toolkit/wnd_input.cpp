@@ -309,6 +309,13 @@ bool SWnd::HandleKeyDown(unsigned key) {
             return false;
         }
     }
+    if (key == VK_TAB && !ctrl) {
+        SWnd* next = GetNextFocus(shift);
+        if (next != nullptr && next != this) {
+            SetFocus(next->handle);
+            return false;
+        }
+    }
     if (key == VK_TAB && tabGroup != -1) {
         SWnd* next = GetNextInTabOrder();
         if (next != nullptr && next != this) {

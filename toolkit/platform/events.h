@@ -41,3 +41,9 @@ void PlatformClose(HWND top);
 void PlatformPaint(HWND top, cairo_t* cr, int width, int height);
 // Files dropped at a point; folders end in "/". The array is borrowed.
 void PlatformDropFiles(HWND top, int x, int y, SStringArray* files);
+// Text the input method composed (UTF-8): each character reaches the focus
+// window as a WM_CHAR of its code point.
+void PlatformImCommit(HWND top, const char* text);
+// The composition in progress (UTF-8, empty when it ends) and the caret's
+// byte offset in it: sent to the focus window as SM_IME_PREEDIT.
+void PlatformImPreedit(HWND top, const char* text, int caret);

@@ -33,6 +33,20 @@ bool SPlatform::CreatePopupSurface(HWND hwnd, const SRect& rect) {
     return CreateSurface(hwnd, rect, "");
 }
 
+void SPlatform::ImFocus(HWND /*top*/, bool /*in*/) {}
+
+void SPlatform::ImSetCursor(HWND /*top*/, const SRect& /*caret*/) {}
+
+void SPlatform::ImReset(HWND /*top*/) {}
+
+bool SPlatform::RunChooser(HWND /*owner*/, const SChooserRequest& /*request*/,
+                           SChooserAnswer* answer) {
+    if (answer != nullptr) {
+        *answer = SChooserAnswer();
+    }
+    return false;
+}
+
 SPlatform* GetPlatform() {
     std::unique_ptr<SPlatform>& platform = Current();
     if (platform == nullptr) {

@@ -13,6 +13,32 @@
 
 class SImage;
 
+// A chooser the platform shows as its own dialog: open file(s), save a
+// file, a folder, a colour or a font. Filters are "Name|*.mp3;*.ogg".
+struct SChooserRequest {
+    enum Kind { OPEN_FILE, SAVE_FILE, FOLDER, COLOR, FONT };
+    Kind kind = OPEN_FILE;
+    SString title;
+    SString folder; // where to start; empty: the chooser's choice
+    SString name;   // the file name offered by a save chooser
+    std::vector<SString> filters;
+    bool multiple = false; // an open chooser may return several files
+    uint32_t color = 0;    // 0x00BBGGRR, the colour shown first
+    SString fontFace;      // the font shown first
+    double fontPoints = 0;
+    unsigned fontFlags = 0; // FONT_BOLD, FONT_ITALIC
+};
+
+// The user's answer: accepted false when the chooser was cancelled.
+struct SChooserAnswer {
+    bool accepted = false;
+    std::vector<SString> paths; // files, or the folder
+    uint32_t color = 0;
+    SString fontFace;
+    double fontPoints = 0;
+    unsigned fontFlags = 0;
+};
+
 class SPlatform {
 public:
     virtual ~SPlatform();
@@ -95,6 +121,20 @@ public:
     // the headless platform, give a fixed picture: a grey sheet, or a
     // yellow folder.
     virtual bool GetFileIcon(const char* path, bool folder, int size, SImage* picture);
+    // The input method of a top-level surface. A window that takes text
+    // tells it when it gains and loses the keyboard, where its caret is
+    // (surface coordinates) so that a candidate window shows by it, and
+    // when its text changed under the method (reset drops a composition).
+    // Composed text comes back through PlatformImCommit and
+    // PlatformImPreedit. The defaults do nothing.
+    virtual void ImFocus(HWND top, bool in);
+    virtual void ImSetCursor(HWND top, const SRect& caret);
+    virtual void ImReset(HWND top);
+
+    // Shows a chooser modally over owner's top-level window, the toolkit's
+    // loop running meanwhile; false when cancelled or when the platform has
+    // none (the default).
+    virtual bool RunChooser(HWND owner, const SChooserRequest& request, SChooserAnswer* answer);
 };
 
 // The platform in use; the headless one until SetPlatform. The toolkit owns

@@ -4,7 +4,9 @@
 #include <gtk/gtk.h>
 #include <X11/extensions/XTest.h>
 
+#include <algorithm>
 #include <map>
+#include <string>
 #include <vector>
 
 #include "foundation/array.h"
@@ -15,6 +17,8 @@
 #include "toolkit/platform/events.h"
 #include "toolkit/platform/gtk/gtk_theme.h"
 #include "toolkit/platform/platform.h"
+#include "toolkit/wnd.h"
+#include "toolkit/wnd_app.h"
 
 namespace {
 
@@ -26,6 +30,13 @@ struct Surface {
     double wheelX = 0;
     double wheelY = 0;
     bool popup = false; // grabs the pointer and keyboard while mapped
+    // The input method: keys pass through it while a window that takes
+    // text has the focus; what it commits while filtering a key is held in
+    // pending and given after the key.
+    GtkIMContext* im = nullptr;
+    bool imFocused = false;
+    bool inFilter = false;
+    std::string pending;
 };
 
 unsigned KeyFlags(guint state) {
@@ -208,6 +219,27 @@ gboolean OnKey(GtkWidget*, GdkEventKey* event, gpointer data) {
     bool down = event->type == GDK_KEY_PRESS;
     unsigned code = VirtualKey(event->keyval);
     bool alt = (event->state & GDK_MOD1_MASK) != 0;
+    if (surface->im != nullptr && surface->imFocused) {
+        surface->inFilter = true;
+        surface->pending.clear();
+        bool filtered = gtk_im_context_filter_keypress(surface->im, event) != 0;
+        surface->inFilter = false;
+        if (filtered) {
+            // The method took the key: a step of a composition, or text it
+            // commits at once (the key comes first, as typed).
+            if (!surface->pending.empty()) {
+                std::string text = std::move(surface->pending);
+                surface->pending.clear();
+                if (down && code != 0 && !alt) {
+                    PlatformKey(surface->hwnd, WM_KEYDOWN, code);
+                }
+                PlatformImCommit(surface->hwnd, text.c_str());
+            } else if (!down && code != 0) {
+                PlatformKey(surface->hwnd, alt ? WM_SYSKEYUP : WM_KEYUP, code);
+            }
+            return TRUE;
+        }
+    }
     if (code != 0) {
         unsigned message = alt ? (down ? WM_SYSKEYDOWN : WM_SYSKEYUP) : (down ? WM_KEYDOWN : WM_KEYUP);
         PlatformKey(surface->hwnd, message, code);
@@ -217,6 +249,201 @@ gboolean OnKey(GtkWidget*, GdkEventKey* event, gpointer data) {
         PlatformKey(surface->hwnd, WM_CHAR, character);
     }
     return TRUE;
+}
+
+void OnImCommit(GtkIMContext*, const gchar* text, gpointer data) {
+    auto* surface = static_cast<Surface*>(data);
+    if (surface->inFilter) {
+        surface->pending += text != nullptr ? text : "";
+    } else {
+        PlatformImCommit(surface->hwnd, text);
+    }
+}
+
+void OnImPreedit(GtkIMContext* im, gpointer data) {
+    gchar* text = nullptr;
+    gint cursor = 0;
+    gtk_im_context_get_preedit_string(im, &text, nullptr, &cursor);
+    const gchar* caret = text != nullptr ? g_utf8_offset_to_pointer(text, cursor) : nullptr;
+    PlatformImPreedit(static_cast<Surface*>(data)->hwnd, text != nullptr ? text : "",
+                      text != nullptr ? static_cast<int>(caret - text) : 0);
+    g_free(text);
+}
+
+void OnAreaRealize(GtkWidget* area, gpointer data) {
+    auto* surface = static_cast<Surface*>(data);
+    gtk_im_context_set_client_window(surface->im, gtk_widget_get_window(area));
+}
+
+void ReleaseInputMethod(Surface* surface) {
+    if (surface->im != nullptr) {
+        g_signal_handlers_disconnect_by_data(surface->im, surface);
+        gtk_im_context_set_client_window(surface->im, nullptr);
+        g_object_unref(surface->im);
+        surface->im = nullptr;
+    }
+}
+
+// The choosers' modal wait: the toolkit's loop runs until the dialog
+// answers; a WM_NULL posted by the answer wakes the wait.
+struct ChooserWait {
+    bool done = false;
+    int response = GTK_RESPONSE_CANCEL;
+    unsigned thread = 0;
+};
+
+void OnChooserResponse(gpointer, gint response, gpointer data) {
+    auto* wait = static_cast<ChooserWait*>(data);
+    wait->done = true;
+    wait->response = response;
+    PostThreadMessage(wait->thread, WM_NULL, 0, 0);
+}
+
+void WaitForChooser(ChooserWait* wait) {
+    SMessage message;
+    while (!wait->done) {
+        if (!GetMessage(&message)) {
+            PostQuitMessage(static_cast<int>(message.wParam)); // for the outer loop
+            break;
+        }
+        DispatchLoopMessage(&message);
+    }
+}
+
+SString PathOfFile(GFile* file) {
+    gchar* path = file != nullptr ? g_file_get_path(file) : nullptr;
+    SString result(path != nullptr ? path : "");
+    g_free(path);
+    return result;
+}
+
+bool RunFileChooser(GtkWindow* parent, const SChooserRequest& request, SChooserAnswer* answer) {
+    GtkFileChooserAction action = request.kind == SChooserRequest::SAVE_FILE ? GTK_FILE_CHOOSER_ACTION_SAVE
+                                  : request.kind == SChooserRequest::FOLDER
+                                      ? GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER
+                                      : GTK_FILE_CHOOSER_ACTION_OPEN;
+    GtkFileChooserNative* native = gtk_file_chooser_native_new(
+        request.title.c_str(), parent, action,
+        request.kind == SChooserRequest::SAVE_FILE ? "_Save" : "_Open", "_Cancel");
+    GtkFileChooser* chooser = GTK_FILE_CHOOSER(native);
+    gtk_file_chooser_set_select_multiple(chooser, request.multiple &&
+                                                      request.kind == SChooserRequest::OPEN_FILE);
+    if (!request.folder.IsEmpty()) {
+        gtk_file_chooser_set_current_folder(chooser, request.folder.c_str());
+    }
+    if (request.kind == SChooserRequest::SAVE_FILE) {
+        gtk_file_chooser_set_do_overwrite_confirmation(chooser, TRUE);
+        if (!request.name.IsEmpty()) {
+            gtk_file_chooser_set_current_name(chooser, request.name.c_str());
+        }
+    }
+    for (const SString& filter : request.filters) {
+        std::string text = filter.c_str();
+        size_t bar = text.find('|');
+        GtkFileFilter* fileFilter = gtk_file_filter_new();
+        gtk_file_filter_set_name(fileFilter, text.substr(0, bar).c_str());
+        std::string patterns = bar == std::string::npos ? text : text.substr(bar + 1);
+        size_t start = 0;
+        while (start <= patterns.size()) {
+            size_t end = patterns.find(';', start);
+            std::string pattern = patterns.substr(start, end == std::string::npos ? std::string::npos
+                                                                                  : end - start);
+            if (!pattern.empty()) {
+                gtk_file_filter_add_pattern(fileFilter, pattern.c_str());
+            }
+            if (end == std::string::npos) {
+                break;
+            }
+            start = end + 1;
+        }
+        gtk_file_chooser_add_filter(chooser, fileFilter);
+    }
+    ChooserWait wait;
+    wait.thread = GetCurrentThreadId();
+    gtk_native_dialog_set_modal(GTK_NATIVE_DIALOG(native), TRUE);
+    g_signal_connect(native, "response", G_CALLBACK(OnChooserResponse), &wait);
+    gtk_native_dialog_show(GTK_NATIVE_DIALOG(native));
+    WaitForChooser(&wait);
+    g_signal_handlers_disconnect_by_data(native, &wait);
+    if (wait.response == GTK_RESPONSE_ACCEPT) {
+        GSList* files = gtk_file_chooser_get_files(chooser);
+        for (GSList* item = files; item != nullptr; item = item->next) {
+            SString path = PathOfFile(G_FILE(item->data));
+            if (!path.IsEmpty()) {
+                answer->paths.push_back(path);
+            }
+        }
+        g_slist_free_full(files, g_object_unref);
+        answer->accepted = !answer->paths.empty();
+    } else {
+        gtk_native_dialog_hide(GTK_NATIVE_DIALOG(native));
+    }
+    g_object_unref(native);
+    return answer->accepted;
+}
+
+bool RunDialogChooser(GtkWindow* parent, const SChooserRequest& request, SChooserAnswer* answer) {
+    GtkWidget* dialog = request.kind == SChooserRequest::COLOR
+                            ? gtk_color_chooser_dialog_new(request.title.c_str(), parent)
+                            : gtk_font_chooser_dialog_new(request.title.c_str(), parent);
+    if (request.kind == SChooserRequest::COLOR) {
+        GdkRGBA rgba = {(request.color & 0xFF) / 255.0, ((request.color >> 8) & 0xFF) / 255.0,
+                        ((request.color >> 16) & 0xFF) / 255.0, 1.0};
+        gtk_color_chooser_set_use_alpha(GTK_COLOR_CHOOSER(dialog), FALSE);
+        gtk_color_chooser_set_rgba(GTK_COLOR_CHOOSER(dialog), &rgba);
+    } else if (!request.fontFace.IsEmpty()) {
+        PangoFontDescription* description = pango_font_description_new();
+        pango_font_description_set_family(description, request.fontFace.c_str());
+        if (request.fontPoints > 0) {
+            pango_font_description_set_size(description,
+                                            static_cast<gint>(request.fontPoints * PANGO_SCALE));
+        }
+        pango_font_description_set_weight(description, (request.fontFlags & FONT_BOLD) != 0
+                                                           ? PANGO_WEIGHT_BOLD
+                                                           : PANGO_WEIGHT_NORMAL);
+        pango_font_description_set_style(description, (request.fontFlags & FONT_ITALIC) != 0
+                                                          ? PANGO_STYLE_ITALIC
+                                                          : PANGO_STYLE_NORMAL);
+        gtk_font_chooser_set_font_desc(GTK_FONT_CHOOSER(dialog), description);
+        pango_font_description_free(description);
+    }
+    ChooserWait wait;
+    wait.thread = GetCurrentThreadId();
+    gtk_window_set_modal(GTK_WINDOW(dialog), TRUE);
+    g_signal_connect(dialog, "response", G_CALLBACK(OnChooserResponse), &wait);
+    gtk_widget_show(dialog);
+    WaitForChooser(&wait);
+    g_signal_handlers_disconnect_by_data(dialog, &wait);
+    if (wait.response == GTK_RESPONSE_OK) {
+        if (request.kind == SChooserRequest::COLOR) {
+            GdkRGBA rgba;
+            gtk_color_chooser_get_rgba(GTK_COLOR_CHOOSER(dialog), &rgba);
+            auto channel = [](double value) {
+                return static_cast<uint32_t>(std::clamp(value, 0.0, 1.0) * 255.0 + 0.5);
+            };
+            answer->color = channel(rgba.red) | (channel(rgba.green) << 8) | (channel(rgba.blue) << 16);
+            answer->accepted = true;
+        } else {
+            PangoFontDescription* description =
+                gtk_font_chooser_get_font_desc(GTK_FONT_CHOOSER(dialog));
+            if (description != nullptr) {
+                const char* family = pango_font_description_get_family(description);
+                answer->fontFace = family != nullptr ? family : "";
+                answer->fontPoints =
+                    static_cast<double>(pango_font_description_get_size(description)) / PANGO_SCALE;
+                answer->fontFlags =
+                    (pango_font_description_get_weight(description) >= PANGO_WEIGHT_BOLD ? FONT_BOLD
+                                                                                         : 0) |
+                    (pango_font_description_get_style(description) != PANGO_STYLE_NORMAL
+                         ? FONT_ITALIC
+                         : 0);
+                pango_font_description_free(description);
+                answer->accepted = !answer->fontFace.IsEmpty() && answer->fontPoints > 0;
+            }
+        }
+    }
+    gtk_widget_destroy(dialog);
+    return answer->accepted;
 }
 
 gboolean OnFocus(GtkWidget*, GdkEventFocus* event, gpointer data) {
@@ -330,6 +557,7 @@ public:
             gtk_widget_destroy(toolTip.window);
         }
         for (auto& [hwnd, surface] : surfaces) {
+            ReleaseInputMethod(surface);
             g_signal_handlers_disconnect_by_data(surface->window, surface);
             g_signal_handlers_disconnect_by_data(surface->area, surface);
             gtk_widget_destroy(surface->window);
@@ -340,6 +568,52 @@ public:
     Surface* Find(HWND hwnd) {
         auto it = surfaces.find(hwnd);
         return it != surfaces.end() ? it->second : nullptr;
+    }
+
+    void ImFocus(HWND top, bool in) override {
+        Surface* surface = Find(top);
+        if (surface == nullptr || surface->im == nullptr || surface->imFocused == in) {
+            return;
+        }
+        surface->imFocused = in;
+        if (in) {
+            gtk_im_context_focus_in(surface->im);
+        } else {
+            gtk_im_context_reset(surface->im);
+            gtk_im_context_focus_out(surface->im);
+        }
+    }
+
+    void ImSetCursor(HWND top, const SRect& caret) override {
+        Surface* surface = Find(top);
+        if (surface != nullptr && surface->im != nullptr) {
+            GdkRectangle area = {caret.left, caret.top, std::max(caret.Width(), 1),
+                                 std::max(caret.Height(), 1)};
+            gtk_im_context_set_cursor_location(surface->im, &area);
+        }
+    }
+
+    void ImReset(HWND top) override {
+        Surface* surface = Find(top);
+        if (surface != nullptr && surface->im != nullptr) {
+            gtk_im_context_reset(surface->im);
+        }
+    }
+
+    bool RunChooser(HWND owner, const SChooserRequest& request, SChooserAnswer* answer) override {
+        SChooserAnswer result;
+        SWnd* ownerWnd = SWnd::FromHandle(owner);
+        Surface* surface = ownerWnd != nullptr ? Find(ownerWnd->GetTopWindow()) : nullptr;
+        GtkWindow* parent = surface != nullptr ? GTK_WINDOW(surface->window) : nullptr;
+        if (request.kind == SChooserRequest::COLOR || request.kind == SChooserRequest::FONT) {
+            RunDialogChooser(parent, request, &result);
+        } else {
+            RunFileChooser(parent, request, &result);
+        }
+        if (answer != nullptr) {
+            *answer = result;
+        }
+        return result.accepted;
     }
 
     bool CreateSurface(HWND hwnd, const SRect& rect, const char* title) override {
@@ -389,6 +663,11 @@ public:
         static GtkTargetEntry uriList = {const_cast<gchar*>("text/uri-list"), 0, 0};
         gtk_drag_dest_set(area, GTK_DEST_DEFAULT_ALL, &uriList, 1, GDK_ACTION_COPY);
         g_signal_connect(area, "drag-data-received", G_CALLBACK(OnDragData), surface);
+        surface->im = gtk_im_multicontext_new();
+        g_signal_connect(surface->im, "commit", G_CALLBACK(OnImCommit), surface);
+        g_signal_connect(surface->im, "preedit-changed", G_CALLBACK(OnImPreedit), surface);
+        g_signal_connect(surface->im, "preedit-end", G_CALLBACK(OnImPreedit), surface);
+        g_signal_connect(area, "realize", G_CALLBACK(OnAreaRealize), surface);
         gtk_widget_show(area);
         surfaces[hwnd] = surface;
         return true;
@@ -403,6 +682,7 @@ public:
         if (surface->popup) {
             UngrabPopup();
         }
+        ReleaseInputMethod(surface);
         g_signal_handlers_disconnect_by_data(surface->window, surface);
         g_signal_handlers_disconnect_by_data(surface->area, surface);
         gtk_widget_destroy(surface->window);

@@ -414,3 +414,64 @@ void SHeadlessPlatform::UseFakeClock(bool fake) {
 void SHeadlessPlatform::AdvanceClock(uint64_t milliseconds) {
     fakeNow.fetch_add(milliseconds);
 }
+
+void SHeadlessPlatform::ImFocus(HWND top, bool in) {
+    std::lock_guard<std::mutex> lock(mutex);
+    if (in) {
+        imState.focus = top;
+    } else if (imState.focus == top) {
+        imState.focus = 0;
+    }
+}
+
+void SHeadlessPlatform::ImSetCursor(HWND /*top*/, const SRect& caret) {
+    std::lock_guard<std::mutex> lock(mutex);
+    imState.caret = caret;
+}
+
+void SHeadlessPlatform::ImReset(HWND /*top*/) {
+    std::lock_guard<std::mutex> lock(mutex);
+    ++imState.resets;
+}
+
+SHeadlessPlatform::ImState SHeadlessPlatform::GetImState() const {
+    std::lock_guard<std::mutex> lock(mutex);
+    return imState;
+}
+
+void SHeadlessPlatform::CommitText(HWND top, const char* text) {
+    PlatformImCommit(top, text);
+    DispatchPending();
+}
+
+void SHeadlessPlatform::Preedit(HWND top, const char* text, int caret) {
+    PlatformImPreedit(top, text, caret);
+    DispatchPending();
+}
+
+bool SHeadlessPlatform::RunChooser(HWND /*owner*/, const SChooserRequest& request,
+                                   SChooserAnswer* answer) {
+    SChooserAnswer given;
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        chooserRequests.push_back(request);
+        if (!chooserAnswers.empty()) {
+            given = chooserAnswers.front();
+            chooserAnswers.pop_front();
+        }
+    }
+    if (answer != nullptr) {
+        *answer = given;
+    }
+    return given.accepted;
+}
+
+void SHeadlessPlatform::QueueChooserAnswer(const SChooserAnswer& answer) {
+    std::lock_guard<std::mutex> lock(mutex);
+    chooserAnswers.push_back(answer);
+}
+
+std::vector<SChooserRequest> SHeadlessPlatform::GetChooserRequests() const {
+    std::lock_guard<std::mutex> lock(mutex);
+    return chooserRequests;
+}

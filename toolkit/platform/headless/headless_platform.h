@@ -4,6 +4,7 @@
 // and may switch the message clock to a fake one that only moves when told.
 #pragma once
 
+#include <deque>
 #include <map>
 #include <mutex>
 #include <vector>
@@ -67,6 +68,12 @@ public:
     double GetDpi() override { return 96.0; }
     unsigned GetModifiers() override;
     SPoint GetPointer() override;
+    void ImFocus(HWND top, bool in) override;
+    void ImSetCursor(HWND top, const SRect& caret) override;
+    void ImReset(HWND top) override;
+    // Takes the oldest queued answer (a cancel when none is queued) and
+    // notes the request.
+    bool RunChooser(HWND owner, const SChooserRequest& request, SChooserAnswer* answer) override;
 
     // Scripting. Points are in the top-level surface's coordinates (the
     // client's unless the window has a menu bar); each
@@ -86,6 +93,21 @@ public:
     // The user resizes a top-level window; as a window manager does, the
     // size is first kept inside the limits the window gave.
     void Resize(HWND top, int width, int height);
+    // The input method: commits text (UTF-8) as the user's method would,
+    // or shows a composition in progress; both dispatch the queue.
+    void CommitText(HWND top, const char* text);
+    void Preedit(HWND top, const char* text, int caret);
+    // What windows told the input method: the surface it has the focus of
+    // (0 none), the last caret place, and how many resets it had.
+    struct ImState {
+        HWND focus = 0;
+        SRect caret;
+        int resets = 0;
+    };
+    ImState GetImState() const;
+    // Choosers: answers given in order, and the requests seen.
+    void QueueChooserAnswer(const SChooserAnswer& answer);
+    std::vector<SChooserRequest> GetChooserRequests() const;
     // The keys PressKey typed, oldest first.
     std::vector<unsigned> GetPressedKeys() const;
     // A copy of the tool tip as it stands.
@@ -127,4 +149,7 @@ private:
     unsigned modifiers = 0;
     SPoint pointer;
     HWND captured = 0;
+    ImState imState;
+    std::deque<SChooserAnswer> chooserAnswers;
+    std::vector<SChooserRequest> chooserRequests;
 };
