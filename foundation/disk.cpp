@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <fcntl.h>
 #include <gio/gio.h>
 #include <sys/stat.h>
@@ -330,4 +331,86 @@ bool SDisk::Delete(const char* path, void* /*window*/, bool /*showProgress*/, bo
     }
     g_object_unref(file);
     return trashed != FALSE;
+}
+
+// Confinement of writes.
+
+namespace {
+
+// The real path of path: of the file itself when it exists (links
+// followed), else of its folder with the last name added; empty when
+// neither resolves.
+std::string RealPathOf(const char* path) {
+    char* real = realpath(path, nullptr);
+    if (real != nullptr) {
+        std::string result(real);
+        free(real);
+        return result;
+    }
+    struct stat status;
+    if (lstat(path, &status) == 0) {
+        return std::string(); // a dangling link: where it leads is unknown
+    }
+    std::string whole(path);
+    while (whole.size() > 1 && whole.back() == '/') {
+        whole.pop_back();
+    }
+    size_t slash = whole.rfind('/');
+    std::string folder = slash == std::string::npos ? "." : whole.substr(0, slash == 0 ? 1 : slash);
+    std::string name = slash == std::string::npos ? whole : whole.substr(slash + 1);
+    if (name.empty() || name == "." || name == "..") {
+        return std::string();
+    }
+    real = realpath(folder.c_str(), nullptr);
+    if (real == nullptr) {
+        return std::string();
+    }
+    std::string result(real);
+    free(real);
+    if (result.back() != '/') {
+        result.push_back('/');
+    }
+    return result + name;
+}
+
+} // namespace
+
+bool IsInsideFolder(const char* folder, const char* path) {
+    if (folder == nullptr || path == nullptr || folder[0] == 0 || path[0] == 0) {
+        return false;
+    }
+    char* real = realpath(folder, nullptr);
+    if (real == nullptr) {
+        return false;
+    }
+    std::string base(real);
+    free(real);
+    std::string target = RealPathOf(path);
+    if (target.empty()) {
+        return false;
+    }
+    if (base == "/") {
+        return true;
+    }
+    return target == base ||
+           (target.size() > base.size() && target.compare(0, base.size(), base) == 0 &&
+            target[base.size()] == '/');
+}
+
+bool HasDotDotPart(const char* relative) {
+    if (relative == nullptr) {
+        return false;
+    }
+    const char* part = relative;
+    for (;;) {
+        const char* end = strchr(part, '/');
+        size_t length = end != nullptr ? static_cast<size_t>(end - part) : strlen(part);
+        if (length == 2 && part[0] == '.' && part[1] == '.') {
+            return true;
+        }
+        if (end == nullptr) {
+            return false;
+        }
+        part = end + 1;
+    }
 }
