@@ -148,6 +148,9 @@ public:
     // or a step fails. A symbolic link at path is followed: its target is
     // replaced. Only after OpenReplace.
     bool Commit();
+    // Hands what is buffered to the system; false when that or any write
+    // before it failed (a full disk shows here at the latest).
+    bool Flush();
     // The name opened (the target for OpenReplace, the temp file's name for
     // OpenTemp).
     const SString& GetPath() const { return path; }

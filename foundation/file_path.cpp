@@ -250,6 +250,11 @@ bool SFilePath::Commit() {
     return ok;
 }
 
+bool SFilePath::Flush() {
+    FILE* stream = static_cast<FILE*>(handle);
+    return stream != nullptr && fflush(stream) == 0 && ferror(stream) == 0 && !failedWrite;
+}
+
 void SFilePath::Close() {
     if (handle != nullptr) {
         fclose(static_cast<FILE*>(handle));

@@ -242,7 +242,7 @@ int RunBook(int argc, char** argv) {
     book.progress = [&bar](int thousandths) { bar.Show(thousandths, 1000); };
     bool isBuilt = book.BuildBook(bookPath.c_str(), makeImages);
     bar.Done();
-    return isBuilt ? 0 : Fail("cannot write the Book at ", bookPath.c_str());
+    return isBuilt ? 0 : Fail("no Book written: ", book.GetFailure().c_str());
 }
 
 int RunZipBook(int argc, char** argv) {
