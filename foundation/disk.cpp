@@ -337,15 +337,42 @@ bool SDisk::Delete(const char* path, void* /*window*/, bool /*showProgress*/, bo
 
 namespace {
 
+// The real path of an existing file or folder, links followed; empty when
+// it cannot be had. The kernel names what it opened in one step, where
+// realpath() would ask for every part of the path in turn (a cost growing
+// with the square of the depth).
+std::string ResolvePath(const char* path) {
+    int fd = open(path, O_PATH | O_CLOEXEC);
+    if (fd < 0) {
+        return std::string();
+    }
+    {
+        char link[64];
+        snprintf(link, sizeof(link), "/proc/self/fd/%d", fd);
+        std::string result(PATH_MAX, '\0');
+        ssize_t length = readlink(link, result.data(), result.size());
+        close(fd);
+        if (length > 0 && static_cast<size_t>(length) < result.size() && result[0] == '/') {
+            result.resize(static_cast<size_t>(length));
+            return result;
+        }
+    }
+    char* real = realpath(path, nullptr);
+    if (real == nullptr) {
+        return std::string();
+    }
+    std::string result(real);
+    free(real);
+    return result;
+}
+
 // The real path of path: of the file itself when it exists (links
 // followed), else of its folder with the last name added; empty when
 // neither resolves.
 std::string RealPathOf(const char* path) {
-    char* real = realpath(path, nullptr);
-    if (real != nullptr) {
-        std::string result(real);
-        free(real);
-        return result;
+    std::string resolved = ResolvePath(path);
+    if (!resolved.empty()) {
+        return resolved;
     }
     struct stat status;
     if (lstat(path, &status) == 0) {
@@ -361,12 +388,10 @@ std::string RealPathOf(const char* path) {
     if (name.empty() || name == "." || name == "..") {
         return std::string();
     }
-    real = realpath(folder.c_str(), nullptr);
-    if (real == nullptr) {
+    std::string result = ResolvePath(folder.c_str());
+    if (result.empty()) {
         return std::string();
     }
-    std::string result(real);
-    free(real);
     if (result.back() != '/') {
         result.push_back('/');
     }
@@ -379,12 +404,10 @@ bool IsInsideFolder(const char* folder, const char* path) {
     if (folder == nullptr || path == nullptr || folder[0] == 0 || path[0] == 0) {
         return false;
     }
-    char* real = realpath(folder, nullptr);
-    if (real == nullptr) {
+    std::string base = ResolvePath(folder);
+    if (base.empty()) {
         return false;
     }
-    std::string base(real);
-    free(real);
     std::string target = RealPathOf(path);
     if (target.empty()) {
         return false;

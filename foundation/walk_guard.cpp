@@ -40,17 +40,39 @@ bool SWalkGuard::IdentityOf(int fd, Identity& identity) {
     return true;
 }
 
+SWalkGuard::~SWalkGuard() {
+    if (topCopy >= 0) {
+        close(topCopy);
+    }
+}
+
 bool SWalkGuard::Start(int topFd) {
     visited.clear();
     above.clear();
+    if (topCopy >= 0) {
+        close(topCopy);
+        topCopy = -1;
+    }
     Identity identity;
     if (!IdentityOf(topFd, identity)) {
         return false;
     }
     visited.insert(identity);
     above.push_back(identity);
+    // The folders above are looked up when the first link is met: most
+    // walks meet none, and a deep top would cost a step per level.
+    topCopy = fcntl(topFd, F_DUPFD_CLOEXEC, 0);
+    return true;
+}
+
+void SWalkGuard::FindFoldersAbove() {
+    if (topCopy < 0) {
+        return;
+    }
     // Up through ".." until it leads nowhere new (the root of the system).
-    int fd = openat(topFd, "..", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    int fd = openat(topCopy, "..", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    close(topCopy);
+    topCopy = -1;
     while (fd >= 0) {
         Identity parent;
         bool known = IdentityOf(fd, parent) &&
@@ -62,7 +84,6 @@ bool SWalkGuard::Start(int topFd) {
         close(fd);
         fd = next;
     }
-    return true;
 }
 
 bool SWalkGuard::Start(const char* path) {
@@ -83,6 +104,7 @@ bool SWalkGuard::Enter(int fd, bool viaLink) {
         visited.insert(identity);
         return true;
     }
+    FindFoldersAbove();
     if (visited.count(identity) != 0 ||
         std::find(above.begin(), above.end(), identity) != above.end()) {
         return false;

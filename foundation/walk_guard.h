@@ -23,6 +23,11 @@
 
 class SWalkGuard {
 public:
+    SWalkGuard() = default;
+    SWalkGuard(const SWalkGuard&) = delete;
+    SWalkGuard& operator=(const SWalkGuard&) = delete;
+    ~SWalkGuard();
+
     // Starts a walk at the folder open at topFd (not taken): notes the top
     // and every folder above it. False when topFd cannot be asked.
     bool Start(int topFd);
@@ -48,9 +53,11 @@ private:
         }
     };
     static bool IdentityOf(int fd, Identity& identity);
+    void FindFoldersAbove();
 
     std::unordered_set<Identity, IdentityHash> visited;
     std::vector<Identity> above; // the top and every folder above it
+    int topCopy = -1;            // the top, until the folders above are found
 };
 
 // True for a file system of the kernel's own (proc, sysfs, cgroup, debugfs,

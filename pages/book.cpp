@@ -669,7 +669,9 @@ bool PBook::BuildBook(const char* bookPath, bool makeImages) {
         return Fail(SString("cannot write ") + finalPath +
                     (error != 0 ? SString(": ") + strerror(error) : SString("")));
     }
-    RemovePictures(imageFolder, staging, 0);
+    for (const char* prefix : STAGING_PREFIXES) {
+        RemovePictures(imageFolder, prefix, 0);
+    }
     RemovePictures(imageFolder, "", count);
     reporter.Report(count, count);
     return true;
