@@ -149,7 +149,7 @@ bool BuildPage(const SString& base, const char* relative, const PKnownFolders* k
     why.Empty();
     if (relative == nullptr || relative[0] == 0 || relative[0] == '/' ||
         HasDotDotPart(relative)) {
-        why = SString("the folder is not inside the root: ") + (relative != nullptr ? relative : "");
+        why = SString("the folder lies outside the root: ") + (relative != nullptr ? relative : "");
         return false;
     }
     SString source = base + relative + ".txt";

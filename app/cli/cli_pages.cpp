@@ -164,7 +164,7 @@ int RunPage(int argc, char** argv) {
         relative.Delete(0, 1);
     }
     if (HasDotDotPart(relative.c_str())) {
-        return Fail("the folder is not inside the root: ", relative.c_str());
+        return Fail("the folder lies outside the root: ", relative.c_str());
     }
     PKnownFolders known;
     known.Load(root.c_str());
