@@ -279,9 +279,9 @@ struct WildFrame {
 
 // Reads the folder at path into a frame; false when it cannot be read or
 // the guard keeps the walk out.
-bool OpenWildFrame(const Request& request, const std::string& path, SWalkGuard& guard,
+bool OpenWildFrame(const Request& request, const std::string& path, SWalkGuard* guard,
                    bool viaLink, WildFrame& frame) {
-    if (!frame.listing.Read(path.c_str(), request.noHidden, &guard, viaLink)) {
+    if (!frame.listing.Read(path.c_str(), request.noHidden, guard, viaLink)) {
         return false;
     }
     frame.listing.Sort();
@@ -305,11 +305,15 @@ bool OpenWildFrame(const Request& request, const std::string& path, SWalkGuard& 
 // in proportion and never the call stack; one path string serves every
 // level. The counts go to the top folder's own entries only.
 int ListWild(const Request& request, const SString& folder, int* fileCount, int* folderCount) {
+    // Only a walk that goes down needs the guard.
     SWalkGuard guard;
-    guard.Start(folder.IsEmpty() ? "." : folder.c_str());
+    SWalkGuard* walkGuard = nullptr;
+    if (request.recursive && guard.Start(folder.IsEmpty() ? "." : folder.c_str())) {
+        walkGuard = &guard;
+    }
     std::string path(folder.c_str(), static_cast<size_t>(folder.GetLength()));
     std::vector<WildFrame> stack(1);
-    if (!OpenWildFrame(request, path, guard, false, stack.back())) {
+    if (!OpenWildFrame(request, path, walkGuard, false, stack.back())) {
         return 0;
     }
     int total = 0;
@@ -353,7 +357,7 @@ int ListWild(const Request& request, const SString& folder, int* fileCount, int*
         if (request.recursive) {
             bool linked = entry.linked;
             WildFrame child;
-            if (OpenWildFrame(request, path, guard, linked, child)) {
+            if (walkGuard != nullptr && OpenWildFrame(request, path, walkGuard, linked, child)) {
                 stack.push_back(std::move(child)); // frame is not used after this
             }
         }

@@ -213,7 +213,7 @@ public:
         SubfolderList subfolders;
         size_t cursor = 0;
         size_t pathLength = 0;
-        Data data;
+        Data data{};
     };
 
     template <typename Visit, typename Leave>
