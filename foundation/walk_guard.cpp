@@ -95,10 +95,14 @@ bool SWalkGuard::Start(const char* path) {
     return started;
 }
 
-bool SWalkGuard::Enter(int fd, bool viaLink) {
+bool SWalkGuard::Enter(int fd, bool viaLink, uint64_t* device, uint64_t* inode) {
     Identity identity;
     if (!IdentityOf(fd, identity)) {
         return false;
+    }
+    if (device != nullptr && inode != nullptr) {
+        *device = identity.device;
+        *inode = identity.inode;
     }
     if (!viaLink) {
         visited.insert(identity);

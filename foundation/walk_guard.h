@@ -34,8 +34,9 @@ public:
     // Starts a walk at the folder path names; false when it is no folder.
     bool Start(const char* path);
     // Whether the walk goes into the folder open at fd, reached through a
-    // link (viaLink) or as a plain subfolder. Notes the folder when it does.
-    bool Enter(int fd, bool viaLink);
+    // link (viaLink) or as a plain subfolder. Notes the folder when it does;
+    // device and inode, when given, receive its identity.
+    bool Enter(int fd, bool viaLink, uint64_t* device = nullptr, uint64_t* inode = nullptr);
     // How many real folders the walk has entered.
     size_t GetCount() const { return visited.size(); }
 

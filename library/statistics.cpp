@@ -247,14 +247,16 @@ public:
             if (child < 0) {
                 continue;
             }
-            if (!guard.Enter(child, linked)) {
+            uint64_t device = 0;
+            uint64_t inode = 0;
+            if (!guard.Enter(child, linked, &device, &inode)) {
                 close(child);
                 continue;
             }
             Frame frame;
             frame.fd = child;
             frame.viaLink = linked;
-            IdentityOf(child, frame.identity);
+            frame.identity = {static_cast<dev_t>(device), static_cast<ino_t>(inode)};
             frame.name.assign(name, length);
             path.resize(stack[index].pathLength);
             path.append(name, length);
