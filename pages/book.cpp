@@ -373,7 +373,6 @@ bool PromotePicture(const SString& folder, const std::string& staged, const std:
     std::string to = std::string(folder.c_str()) + final;
     unlink(via.c_str());
     if (link(from.c_str(), via.c_str()) != 0) {
-        SFileMem data;
         SFilePath source;
         if (!source.Open(from.c_str(), false, false, true, false)) {
             return false;
