@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <fcntl.h>
 #include <gio/gio.h>
 #include <sys/stat.h>
@@ -330,4 +331,109 @@ bool SDisk::Delete(const char* path, void* /*window*/, bool /*showProgress*/, bo
     }
     g_object_unref(file);
     return trashed != FALSE;
+}
+
+// Confinement of writes.
+
+namespace {
+
+// The real path of an existing file or folder, links followed; empty when
+// it cannot be had. The kernel names what it opened in one step, where
+// realpath() would ask for every part of the path in turn (a cost growing
+// with the square of the depth).
+std::string ResolvePath(const char* path) {
+    int fd = open(path, O_PATH | O_CLOEXEC);
+    if (fd < 0) {
+        return std::string();
+    }
+    {
+        char link[64];
+        snprintf(link, sizeof(link), "/proc/self/fd/%d", fd);
+        std::string result(PATH_MAX, '\0');
+        ssize_t length = readlink(link, result.data(), result.size());
+        close(fd);
+        if (length > 0 && static_cast<size_t>(length) < result.size() && result[0] == '/') {
+            result.resize(static_cast<size_t>(length));
+            return result;
+        }
+    }
+    char* real = realpath(path, nullptr);
+    if (real == nullptr) {
+        return std::string();
+    }
+    std::string result(real);
+    free(real);
+    return result;
+}
+
+// The real path of path: of the file itself when it exists (links
+// followed), else of its folder with the last name added; empty when
+// neither resolves.
+std::string RealPathOf(const char* path) {
+    std::string resolved = ResolvePath(path);
+    if (!resolved.empty()) {
+        return resolved;
+    }
+    struct stat status;
+    if (lstat(path, &status) == 0) {
+        return std::string(); // a dangling link: where it leads is unknown
+    }
+    std::string whole(path);
+    while (whole.size() > 1 && whole.back() == '/') {
+        whole.pop_back();
+    }
+    size_t slash = whole.rfind('/');
+    std::string folder = slash == std::string::npos ? "." : whole.substr(0, slash == 0 ? 1 : slash);
+    std::string name = slash == std::string::npos ? whole : whole.substr(slash + 1);
+    if (name.empty() || name == "." || name == "..") {
+        return std::string();
+    }
+    std::string result = ResolvePath(folder.c_str());
+    if (result.empty()) {
+        return std::string();
+    }
+    if (result.back() != '/') {
+        result.push_back('/');
+    }
+    return result + name;
+}
+
+} // namespace
+
+bool IsInsideFolder(const char* folder, const char* path) {
+    if (folder == nullptr || path == nullptr || folder[0] == 0 || path[0] == 0) {
+        return false;
+    }
+    std::string base = ResolvePath(folder);
+    if (base.empty()) {
+        return false;
+    }
+    std::string target = RealPathOf(path);
+    if (target.empty()) {
+        return false;
+    }
+    if (base == "/") {
+        return true;
+    }
+    return target == base ||
+           (target.size() > base.size() && target.compare(0, base.size(), base) == 0 &&
+            target[base.size()] == '/');
+}
+
+bool HasDotDotPart(const char* relative) {
+    if (relative == nullptr) {
+        return false;
+    }
+    const char* part = relative;
+    for (;;) {
+        const char* end = strchr(part, '/');
+        size_t length = end != nullptr ? static_cast<size_t>(end - part) : strlen(part);
+        if (length == 2 && part[0] == '.' && part[1] == '.') {
+            return true;
+        }
+        if (end == nullptr) {
+            return false;
+        }
+        part = end + 1;
+    }
 }

@@ -38,6 +38,15 @@ int CompareListingNames(const char* a, const char* b);
 // ".*" also matches a name without a dot ("*.*" matches every name).
 bool MatchFileFilter(const char* filter, const char* name);
 
+// Whether path, once every symbolic link on the way is followed (the file's
+// own included), lies in folder's real path or is that folder. A path that
+// does not exist yet is judged by its folder, which must exist. The rule
+// behind every write the program makes into a collection: nothing is
+// written, renamed or deleted outside the root's real path.
+bool IsInsideFolder(const char* folder, const char* path);
+// Whether a "/"-separated relative path has a ".." part.
+bool HasDotDotPart(const char* relative);
+
 class SDisk {
 public:
     SDisk() = default;

@@ -20,6 +20,7 @@
 
 #include "foundation/array.h"
 #include "foundation/hidden_list.h"
+#include "foundation/walk_guard.h"
 
 namespace {
 
@@ -88,21 +89,23 @@ public:
         uint32_t offset;
         Kind kind;
         bool hidden;
+        bool linked; // reached through a symbolic link
     };
 
     // folder is "" for the current folder, else ends in "/" or names the
-    // folder. withHidden also works out which entries are hidden.
-    bool Read(const char* folder, bool withHidden) {
+    // folder. withHidden also works out which entries are hidden. With a
+    // guard, the folder is read only when the guard lets the walk in
+    // (viaLink tells how the walk reached it).
+    bool Read(const char* folder, bool withHidden, SWalkGuard* guard = nullptr,
+              bool viaLink = false) {
         DIR* dir = opendir(folder[0] != 0 ? folder : ".");
         if (dir == nullptr) {
             return false;
         }
-        struct stat status;
-        if (fstat(dirfd(dir), &status) != 0) {
+        if (guard != nullptr && !guard->Enter(dirfd(dir), viaLink)) {
             closedir(dir);
             return false;
         }
-        identity = {status.st_dev, status.st_ino};
         bool hasHiddenFile = false;
         while (struct dirent* item = readdir(dir)) {
             const char* name = item->d_name;
@@ -110,11 +113,13 @@ public:
                 continue;
             }
             Kind kind;
-            if (!Classify(dirfd(dir), item, kind)) {
+            bool linked;
+            if (!Classify(dirfd(dir), item, kind, linked)) {
                 continue;
             }
             hasHiddenFile = hasHiddenFile || (kind == Kind::File && strcmp(name, HIDDEN_FILE) == 0);
-            entries.push_back({static_cast<uint32_t>(names.size()), kind, name[0] == '.'});
+            entries.push_back({static_cast<uint32_t>(names.size()), kind, name[0] == '.',
+                               linked});
             names.insert(names.end(), name, name + strlen(name) + 1);
         }
         if (withHidden && hasHiddenFile) {
@@ -134,12 +139,13 @@ public:
     const char* Name(const Entry& entry) const { return names.data() + entry.offset; }
 
     std::vector<Entry> entries;
-    std::pair<dev_t, ino_t> identity;
 
 private:
     // Files and folders are kept; a link counts as what it points to, and
-    // anything else (devices, pipes, broken links) is left out.
-    static bool Classify(int dirFd, const struct dirent* item, Kind& kind) {
+    // anything else (devices, pipes, broken links) is left out. linked tells
+    // a link apart, also on file systems that give no entry type.
+    static bool Classify(int dirFd, const struct dirent* item, Kind& kind, bool& linked) {
+        linked = item->d_type == DT_LNK;
         switch (item->d_type) {
         case DT_DIR:
             kind = Kind::Folder;
@@ -150,6 +156,10 @@ private:
         case DT_LNK:
         case DT_UNKNOWN: {
             struct stat status;
+            if (item->d_type == DT_UNKNOWN &&
+                fstatat(dirFd, item->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0) {
+                linked = S_ISLNK(status.st_mode);
+            }
             if (fstatat(dirFd, item->d_name, &status, 0) != 0) {
                 return false;
             }
@@ -257,73 +267,101 @@ void AddEntry(const Request& request, const char* text) {
     }
 }
 
-// The folders being listed, from the top down, so that a link back to one
-// of them is not followed again.
-using Chain = std::vector<std::pair<dev_t, ino_t>>;
-
-// A wild filter: the folder's entries in listing order, as full paths,
-// every folder directly before its contents. folder is "" or ends in "/".
-int ListWild(const Request& request, const SString& folder, int* fileCount, int* folderCount,
-             Chain& chain) {
+// One folder of a wild listing on the walk's stack: its entries in listing
+// order, which of them the filter keeps, the next one to visit, and the
+// length of the shared path string at this folder.
+struct WildFrame {
     FolderListing listing;
-    if (!listing.Read(folder.c_str(), request.noHidden)) {
-        return 0;
-    }
-    if (std::find(chain.begin(), chain.end(), listing.identity) != chain.end()) {
-        return 0;
-    }
-    chain.push_back(listing.identity);
-    listing.Sort();
+    std::vector<bool> matches;
+    size_t next = 0;
+    size_t pathLength = 0;
+};
 
-    // First pass: which entries the filter keeps.
-    std::vector<bool> matches(listing.entries.size(), false);
-    for (size_t i = 0; i < listing.entries.size(); ++i) {
-        const FolderListing::Entry& entry = listing.entries[i];
+// Reads the folder at path into a frame; false when it cannot be read or
+// the guard keeps the walk out.
+bool OpenWildFrame(const Request& request, const std::string& path, SWalkGuard* guard,
+                   bool viaLink, WildFrame& frame) {
+    if (!frame.listing.Read(path.c_str(), request.noHidden, guard, viaLink)) {
+        return false;
+    }
+    frame.listing.Sort();
+    frame.pathLength = path.size();
+    // Which entries the filter keeps.
+    frame.matches.assign(frame.listing.entries.size(), false);
+    for (size_t i = 0; i < frame.listing.entries.size(); ++i) {
+        const FolderListing::Entry& entry = frame.listing.entries[i];
         if (request.noHidden && entry.hidden) {
             continue;
         }
         bool wanted = entry.kind == Kind::Folder ? request.wantFolders : request.wantFiles;
-        matches[i] = wanted && MatchFileFilter(request.filter, listing.Name(entry));
+        frame.matches[i] = wanted && MatchFileFilter(request.filter, frame.listing.Name(entry));
     }
+    return true;
+}
 
-    // Second pass: every entry in order, with the folder filters applied and
-    // every folder descended into.
+// A wild filter: the folder's entries in listing order, as full paths,
+// every folder directly before its contents. folder is "" or ends in "/".
+// The walk keeps its folders on a stack of its own, so depth costs memory
+// in proportion and never the call stack; one path string serves every
+// level. The counts go to the top folder's own entries only.
+int ListWild(const Request& request, const SString& folder, int* fileCount, int* folderCount) {
+    // Only a walk that goes down needs the guard.
+    SWalkGuard guard;
+    SWalkGuard* walkGuard = nullptr;
+    if (request.recursive && guard.Start(folder.IsEmpty() ? "." : folder.c_str())) {
+        walkGuard = &guard;
+    }
+    std::string path(folder.c_str(), static_cast<size_t>(folder.GetLength()));
+    std::vector<WildFrame> stack(1);
+    if (!OpenWildFrame(request, path, walkGuard, false, stack.back())) {
+        return 0;
+    }
     int total = 0;
-    SString entryPath(folder);
-    for (size_t i = 0; i < listing.entries.size(); ++i) {
-        const FolderListing::Entry& entry = listing.entries[i];
+    while (!stack.empty()) {
+        WildFrame& frame = stack.back();
+        if (frame.next >= frame.listing.entries.size()) {
+            stack.pop_back();
+            continue;
+        }
+        size_t i = frame.next++;
+        const FolderListing::Entry& entry = frame.listing.entries[i];
         if (request.noHidden && entry.hidden) {
             continue;
         }
-        entryPath.SetLength(folder.GetLength());
-        entryPath.Append(listing.Name(entry));
+        bool isTop = stack.size() == 1;
+        path.resize(frame.pathLength);
+        path.append(frame.listing.Name(entry));
         if (entry.kind == Kind::File) {
-            if (matches[i]) {
-                AddEntry(request, entryPath.c_str());
+            if (frame.matches[i]) {
+                AddEntry(request, path.c_str());
                 ++total;
-                if (fileCount != nullptr) {
+                if (isTop && fileCount != nullptr) {
                     ++*fileCount;
                 }
             }
             continue;
         }
-        entryPath += "/";
-        if (matches[i] && request.folderFilters != 0 &&
-            !PassesFolderFilters(entryPath.c_str(), request.folderFilters, request.noHidden)) {
-            matches[i] = false;
+        path.push_back('/');
+        bool match = frame.matches[i];
+        if (match && request.folderFilters != 0 &&
+            !PassesFolderFilters(path.c_str(), request.folderFilters, request.noHidden)) {
+            match = false;
         }
-        if (matches[i]) {
-            AddEntry(request, entryPath.c_str());
+        if (match) {
+            AddEntry(request, path.c_str());
             ++total;
-            if (folderCount != nullptr) {
+            if (isTop && folderCount != nullptr) {
                 ++*folderCount;
             }
         }
         if (request.recursive) {
-            total += ListWild(request, entryPath, nullptr, nullptr, chain);
+            bool linked = entry.linked;
+            WildFrame child;
+            if (walkGuard != nullptr && OpenWildFrame(request, path, walkGuard, linked, child)) {
+                stack.push_back(std::move(child)); // frame is not used after this
+            }
         }
     }
-    chain.pop_back();
     return total;
 }
 
@@ -574,8 +612,7 @@ int SDisk::Enumerate(SStringArray* result, const char* pattern, int flags, int* 
     if (strchr(request.filter, '*') == nullptr) {
         found = ListExact(request, folder, fileCount, folderCount);
     } else {
-        Chain chain;
-        found = ListWild(request, folder, fileCount, folderCount, chain);
+        found = ListWild(request, folder, fileCount, folderCount);
     }
     if (result != nullptr) {
         sink.MoveInto(result);

@@ -141,6 +141,8 @@ public:
     bool OpenTemp();
     // Atomic replacement of a file the user owns: closes first, then opens a
     // new temporary file beside path (same folder), for writing and reading.
+    // Its name is short and its own (see RemoveLeftoverTempFiles), so any
+    // name that fits in the folder can be replaced.
     // Commit puts it in place of path; Close, a new Open or the destructor
     // without Commit deletes it and leaves any old file at path untouched.
     bool OpenReplace(const char* path);
@@ -150,6 +152,9 @@ public:
     // or a step fails. A symbolic link at path is followed: its target is
     // replaced. Only after OpenReplace.
     bool Commit();
+    // Hands what is buffered to the system; false when that or any write
+    // before it failed (a full disk shows here at the latest).
+    bool Flush();
     // The name opened (the target for OpenReplace, the temp file's name for
     // OpenTemp).
     const SString& GetPath() const { return path; }
@@ -180,6 +185,7 @@ private:
     SString tempPath; // set for OpenTemp and OpenReplace: deleted on Close
     bool isTemp = false;
     bool isReplace = false;
+    bool failedWrite = false; // a write fell short: Commit refuses
     mutable LastOp lastOp = OP_NONE;
 };
 
@@ -249,6 +255,12 @@ private:
 // the old file is untouched and no temporary file is left. A null data with
 // a count of 0 writes an empty file.
 bool WriteFileAtomic(const char* path, const void* data, int count);
+
+// Removes from folder the temporary files that atomic replacements left
+// behind when their process was killed (each named ".melkora-" and six
+// characters, and no longer locked by a live writer); files of a
+// replacement still under way are left alone. Returns how many went.
+int RemoveLeftoverTempFiles(const char* folder);
 
 // Embedded resources: the build registers each numbered file (type
 // "BINARY") before use; the data must live as long as the program.

@@ -2,7 +2,9 @@
 // the user owns. Its ReadLine lives in file.cpp beside the one line scanner.
 #include "foundation/file.h"
 
+#include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -12,8 +14,10 @@
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <cerrno>
 #include <cstring>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -64,6 +68,55 @@ std::string FolderOf(const std::string& path) {
     }
     return slash == 0 ? "/" : path.substr(0, slash);
 }
+
+// Temporary files of an atomic replacement have a name of their own,
+// ".melkora-" and six random characters, whatever the name of the file they
+// stand in for: a name that fits in a folder can always be replaced, and a
+// file left by a killed run is known for what it is. The writer holds an
+// advisory lock on it as long as it is open, so a cleaner tells a live one
+// from a leftover.
+constexpr char TEMP_PREFIX[] = ".melkora-";
+constexpr size_t TEMP_PREFIX_LENGTH = sizeof(TEMP_PREFIX) - 1;
+constexpr size_t TEMP_NAME_LENGTH = TEMP_PREFIX_LENGTH + 6;
+
+bool IsTempName(const char* name) {
+    return strlen(name) == TEMP_NAME_LENGTH && strncmp(name, TEMP_PREFIX, TEMP_PREFIX_LENGTH) == 0;
+}
+
+// Creates and locks a new temporary file in folder; its descriptor, or -1.
+// A cleaner may take a new file for a leftover in the moment before it is
+// locked; the name is then checked to be still this file's, or another is
+// made.
+int MakeLockedTemp(const std::string& folder, std::string& temp) {
+    for (int attempt = 0; attempt < 8; ++attempt) {
+        temp = folder + "/" + TEMP_PREFIX + "XXXXXX";
+        int fd = mkostemp(temp.data(), O_CLOEXEC);
+        if (fd < 0) {
+            return -1;
+        }
+        struct stat opened;
+        struct stat named;
+        if (flock(fd, LOCK_EX | LOCK_NB) == 0 && fstat(fd, &opened) == 0 &&
+            lstat(temp.c_str(), &named) == 0 && opened.st_ino == named.st_ino &&
+            opened.st_dev == named.st_dev) {
+            return fd;
+        }
+        close(fd);
+    }
+    return -1;
+}
+
+// A test hook: with MELKORA_TEST_WRITE_LIMIT set to a number of bytes, the
+// files of the process take that many bytes in all and then fail as a full
+// disk would. Read once.
+long long& WriteBudget() {
+    static long long budget = [] {
+        const char* text = getenv("MELKORA_TEST_WRITE_LIMIT");
+        return text != nullptr && text[0] != 0 ? atoll(text) : -1LL;
+    }();
+    return budget;
+}
+
 
 } // namespace
 
@@ -149,12 +202,11 @@ bool SFilePath::OpenReplace(const char* target) {
         return false;
     }
     size_t slash = resolved.rfind('/');
-    std::string name = slash == std::string::npos ? resolved : resolved.substr(slash + 1);
-    if (name.empty()) {
+    if (slash + 1 >= resolved.size()) {
         return false;
     }
-    std::string temp = FolderOf(resolved) + "/." + name + ".XXXXXX";
-    int fd = mkostemp(temp.data(), O_CLOEXEC);
+    std::string temp;
+    int fd = MakeLockedTemp(FolderOf(resolved), temp);
     if (fd < 0) {
         return false;
     }
@@ -176,15 +228,17 @@ bool SFilePath::Commit() {
     if (stream == nullptr || !isReplace) {
         return false;
     }
-    bool ok = fflush(stream) == 0 && ferror(stream) == 0;
+    bool ok = fflush(stream) == 0 && ferror(stream) == 0 && !failedWrite;
     struct stat info;
     mode_t mode = stat(path.c_str(), &info) == 0 ? (info.st_mode & 07777) : NewFileMode();
     int fd = fileno(stream);
     ok = ok && fchmod(fd, mode) == 0 && fsync(fd) == 0;
+    // Renamed while still open and locked, so no cleaner takes it for a
+    // leftover in between.
+    ok = ok && rename(tempPath.c_str(), path.c_str()) == 0;
     ok = fclose(stream) == 0 && ok;
     handle = nullptr;
     lastOp = OP_NONE;
-    ok = ok && rename(tempPath.c_str(), path.c_str()) == 0;
     if (ok) {
         SyncFolder(FolderOf(path.c_str()));
     } else {
@@ -194,6 +248,11 @@ bool SFilePath::Commit() {
     tempPath.Empty();
     isReplace = false;
     return ok;
+}
+
+bool SFilePath::Flush() {
+    FILE* stream = static_cast<FILE*>(handle);
+    return stream != nullptr && fflush(stream) == 0 && ferror(stream) == 0 && !failedWrite;
 }
 
 void SFilePath::Close() {
@@ -207,6 +266,7 @@ void SFilePath::Close() {
     path.Empty();
     tempPath.Empty();
     isTemp = false;
+    failedWrite = false;
     isReplace = false;
     lastOp = OP_NONE;
 }
@@ -261,6 +321,20 @@ int SFilePath::Write(const void* buffer, int count) {
     }
     count = std::min(count, INT_MAX - GetPosition());
     PrepareFor(OP_WRITE);
+    static std::mutex budgetMutex;
+    if (WriteBudget() >= 0) {
+        std::lock_guard<std::mutex> lock(budgetMutex);
+        long long& budget = WriteBudget();
+        int allowed = static_cast<int>(std::min<long long>(count, budget));
+        budget -= allowed;
+        int wrote = static_cast<int>(
+            fwrite(buffer, 1, static_cast<size_t>(allowed), static_cast<FILE*>(handle)));
+        if (wrote < count) {
+            errno = ENOSPC;
+            failedWrite = true;
+        }
+        return wrote;
+    }
     return static_cast<int>(
         fwrite(buffer, 1, static_cast<size_t>(count), static_cast<FILE*>(handle)));
 }
@@ -369,4 +443,38 @@ bool WriteFileAtomic(const char* path, const void* data, int count) {
         return false; // the destructor deletes the temporary file
     }
     return file.Commit();
+}
+
+int RemoveLeftoverTempFiles(const char* folder) {
+    if (folder == nullptr || folder[0] == 0) {
+        return 0;
+    }
+    DIR* dir = opendir(folder);
+    if (dir == nullptr) {
+        return 0;
+    }
+    int removed = 0;
+    int dirFd = dirfd(dir);
+    while (struct dirent* item = readdir(dir)) {
+        if (!IsTempName(item->d_name)) {
+            continue;
+        }
+        int fd = openat(dirFd, item->d_name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+        if (fd < 0) {
+            continue;
+        }
+        // Unlocked means its writer is gone; the name must still be this file.
+        struct stat opened;
+        struct stat named;
+        if (flock(fd, LOCK_EX | LOCK_NB) == 0 && fstat(fd, &opened) == 0 &&
+            S_ISREG(opened.st_mode) &&
+            fstatat(dirFd, item->d_name, &named, AT_SYMLINK_NOFOLLOW) == 0 &&
+            opened.st_ino == named.st_ino && opened.st_dev == named.st_dev &&
+            unlinkat(dirFd, item->d_name, 0) == 0) {
+            ++removed;
+        }
+        close(fd);
+    }
+    closedir(dir);
+    return removed;
 }

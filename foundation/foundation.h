@@ -28,3 +28,4 @@
 #include "foundation/thread.h"
 #include "foundation/timer.h"
 #include "foundation/value.h"
+#include "foundation/walk_guard.h"

@@ -5,6 +5,8 @@
 #include "library/statistics.h"
 
 #include <algorithm>
+#include <climits>
+#include <cstdint>
 #include <cerrno>
 #include <cstring>
 #include <dirent.h>
@@ -18,6 +20,7 @@
 #include <utility>
 
 #include "foundation/hidden_list.h"
+#include "foundation/walk_guard.h"
 #include "library/media.h"
 
 namespace {
@@ -52,11 +55,15 @@ Kind KindOf(int dirFd, const LinuxDirent64* entry) {
         return Kind::Other;
     }
     struct stat status;
+    bool linked = entry->d_type == DT_LNK;
+    if (!linked && fstatat(dirFd, entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0) {
+        linked = S_ISLNK(status.st_mode); // a file system that gives no type
+    }
     if (fstatat(dirFd, entry->d_name, &status, 0) != 0) {
         return Kind::Other;
     }
     if (S_ISDIR(status.st_mode)) {
-        return entry->d_type == DT_LNK ? Kind::LinkedFolder : Kind::Folder;
+        return linked ? Kind::LinkedFolder : Kind::Folder;
     }
     return S_ISREG(status.st_mode) ? Kind::File : Kind::Other;
 }
@@ -138,46 +145,6 @@ private:
     std::vector<std::pair<size_t, Kind>> kinds;
 };
 
-// The identity of an open folder, for the guard against links that lead
-// back to a folder being walked.
-std::pair<dev_t, ino_t> IdentityOf(int fd) {
-    struct stat status;
-    if (fstat(fd, &status) != 0) {
-        return {0, 0};
-    }
-    return {status.st_dev, status.st_ino};
-}
-
-// The folders being walked, from the root down. A folder's identity is only
-// asked for when a link to a folder is met, which is rare.
-class Chain {
-public:
-    void Push(int fd) { levels.push_back({fd, false, {0, 0}}); }
-    void Pop() { levels.pop_back(); }
-    // True when fd names a folder already on the chain.
-    bool Loops(int fd) {
-        std::pair<dev_t, ino_t> identity = IdentityOf(fd);
-        for (Level& level : levels) {
-            if (!level.known) {
-                level.identity = IdentityOf(level.fd);
-                level.known = true;
-            }
-            if (level.identity == identity) {
-                return true;
-            }
-        }
-        return false;
-    }
-
-private:
-    struct Level {
-        int fd;
-        bool known;
-        std::pair<dev_t, ino_t> identity;
-    };
-    std::vector<Level> levels;
-};
-
 // The subfolders a walk goes down into, gathered while the walker's buffers
 // are in use: each name is kept behind 'L' for a folder reached through a
 // link or 'D' for a plain one, and followed by a zero byte.
@@ -187,89 +154,262 @@ public:
         names.push_back(linked ? 'L' : 'D');
         names.append(name, strlen(name) + 1);
     }
-    // Opens each folder below fd and calls enter(childFd, name, length,
-    // linked), which takes childFd; folders that do not open are skipped.
-    template <typename Visit> void Enter(int fd, Visit enter) const {
-        for (size_t at = 0; at < names.size();) {
-            bool linked = names[at] == 'L';
-            const char* name = names.data() + at + 1;
-            size_t length = strlen(name);
-            at += length + 2;
-            int child = openat(fd, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-            if (child >= 0) {
-                enter(child, name, length, linked);
-            }
+    // The next folder from the cursor on; false at the end.
+    bool Next(size_t& at, const char*& name, size_t& length, bool& linked) const {
+        if (at >= names.size()) {
+            return false;
         }
+        linked = names[at] == 'L';
+        name = names.data() + at + 1;
+        length = strlen(name);
+        at += length + 2;
+        return true;
     }
 
 private:
     std::string names;
 };
 
+struct Identity {
+    dev_t device = 0;
+    ino_t inode = 0;
+    bool operator==(const Identity& other) const {
+        return device == other.device && inode == other.inode;
+    }
+};
+
+bool IdentityOf(int fd, Identity& identity) {
+    struct stat status;
+    if (fstat(fd, &status) != 0) {
+        return false;
+    }
+    identity = {status.st_dev, status.st_ino};
+    return true;
+}
+
+// How many folders of the walk's stack keep their descriptor open. A folder
+// further up is opened again (through ".." of its child, or by name from
+// the nearest open folder above) when the walk comes back to it, so a tree
+// of any depth needs no more descriptors than this.
+constexpr size_t OPEN_FOLDERS = 32;
+
+// A walk over a folder tree on a stack of its own: depth costs memory in
+// proportion to the names on the way down and never the call stack, and
+// one path string serves every level. Folders are opened relative to their
+// parent, so a path longer than the system's limit is no obstacle.
+//
+// Visit(fd, subfolders, data) reads the folder open at fd, adding the
+// subfolders to go into and filling the folder's own data; Leave(data,
+// parentData) is called when the folder and everything below it is done
+// (parentData is null for the top). Links to folders are followed under
+// the walk guard's rule, or not at all without followLinks.
+template <typename Data> class TreeWalk {
+public:
+    struct Frame {
+        int fd = -1;
+        bool viaLink = false;
+        Identity identity;
+        std::string name;
+        SubfolderList subfolders;
+        size_t cursor = 0;
+        size_t pathLength = 0;
+        Data data{};
+    };
+
+    template <typename Visit, typename Leave>
+    void Run(int topFd, std::string& path, bool followLinks, Visit visit, Leave leave) {
+        SWalkGuard guard;
+        guard.Start(topFd);
+        stack.clear();
+        stack.emplace_back();
+        Frame& top = stack.back();
+        top.fd = topFd;
+        IdentityOf(topFd, top.identity);
+        top.pathLength = path.size();
+        visit(topFd, top.subfolders, top.data, path);
+        while (!stack.empty()) {
+            size_t index = stack.size() - 1;
+            const char* name;
+            size_t length;
+            bool linked;
+            if (!stack[index].subfolders.Next(stack[index].cursor, name, length, linked)) {
+                Pop(leave);
+                continue;
+            }
+            if (linked && !followLinks) {
+                continue;
+            }
+            if (!Reopen(index)) {
+                stack[index].cursor = SIZE_MAX; // the folder is gone: leave it
+                continue;
+            }
+            int child = openat(stack[index].fd, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+            if (child < 0) {
+                continue;
+            }
+            uint64_t device = 0;
+            uint64_t inode = 0;
+            if (!guard.Enter(child, linked, &device, &inode)) {
+                close(child);
+                continue;
+            }
+            Frame frame;
+            frame.fd = child;
+            frame.viaLink = linked;
+            frame.identity = {static_cast<dev_t>(device), static_cast<ino_t>(inode)};
+            frame.name.assign(name, length);
+            path.resize(stack[index].pathLength);
+            path.append(name, length);
+            path.push_back('/');
+            frame.pathLength = path.size();
+            visit(child, frame.subfolders, frame.data, path);
+            stack.push_back(std::move(frame));
+            if (stack.size() > OPEN_FOLDERS + 1) {
+                Frame& far = stack[stack.size() - 1 - OPEN_FOLDERS];
+                if (far.fd >= 0 && &far != &stack.front()) {
+                    close(far.fd);
+                    far.fd = -1;
+                }
+            }
+        }
+    }
+
+private:
+    template <typename Leave> void Pop(Leave leave) {
+        size_t index = stack.size() - 1;
+        Frame& frame = stack[index];
+        if (index > 0) {
+            Frame& parent = stack[index - 1];
+            // Open the parent again from here while this folder is open.
+            if (parent.fd < 0 && frame.fd >= 0 && !frame.viaLink) {
+                int up = openat(frame.fd, "..", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+                Identity identity;
+                if (up >= 0 && IdentityOf(up, identity) && identity == parent.identity) {
+                    parent.fd = up;
+                } else if (up >= 0) {
+                    close(up);
+                }
+            }
+            leave(frame.data, &parent.data);
+            if (frame.fd >= 0) {
+                close(frame.fd);
+            }
+        } else {
+            leave(frame.data, static_cast<Data*>(nullptr));
+            // The top's descriptor belongs to the caller.
+        }
+        stack.pop_back();
+    }
+
+    // Makes sure the folder at index has its descriptor, opening it by name
+    // from the nearest open folder above; false when that fails or finds
+    // another folder than the one walked before.
+    bool Reopen(size_t index) {
+        if (stack[index].fd >= 0) {
+            return true;
+        }
+        size_t open = index;
+        while (stack[open].fd < 0) {
+            --open; // the top is always open
+        }
+        for (size_t at = open + 1; at <= index; ++at) {
+            Frame& frame = stack[at];
+            int fd = openat(stack[at - 1].fd, frame.name.c_str(),
+                            O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+            Identity identity;
+            if (fd >= 0 && (!IdentityOf(fd, identity) || !(identity == frame.identity))) {
+                close(fd);
+                fd = -1;
+            }
+            if (fd < 0) {
+                return false;
+            }
+            frame.fd = fd;
+        }
+        return true;
+    }
+
+    std::vector<Frame> stack;
+};
+
+// The longest path a row of the table may have: a folder deeper than the
+// system's path limit counts toward the folders above it but has no row,
+// since no path-based call could name it.
+constexpr size_t MAX_ROW_PATH = PATH_MAX - 1;
+
+constexpr size_t NO_RECORD = SIZE_MAX;
+
+struct StatsData {
+    Counts counts;
+    size_t record = NO_RECORD;
+};
+
 class StatsWalk {
 public:
     std::vector<FolderRecord> records;
 
-    // Walks the folder open at fd, whose path is path (ending in "/"), and
-    // returns its subtree's counts. Takes fd and closes it.
-    Counts Walk(int fd, std::string& path, bool viaLink) {
-        if (viaLink && chain.Loops(fd)) {
-            close(fd);
-            return Counts();
-        }
-        size_t record = records.size();
-        records.push_back({path, Counts()});
-        chain.Push(fd);
-        Counts counts;
-        SubfolderList subfolders;
-        walker.ReadFolder(
-            fd,
-            [&counts](const char* name, bool hidden) {
-                if (hidden) {
-                    return;
+    // Walks the folder open at fd (taken and closed), whose path is path
+    // (ending in "/"), and returns the whole tree's counts.
+    Counts Walk(int fd, std::string& path) {
+        Counts totals;
+        TreeWalk<StatsData> walk;
+        walk.Run(
+            fd, path, true,
+            [this](int folderFd, SubfolderList& subfolders, StatsData& data,
+                   const std::string& folderPath) {
+                if (folderPath.size() <= MAX_ROW_PATH) {
+                    data.record = records.size();
+                    records.push_back({folderPath, Counts()});
                 }
-                const char* dot = strrchr(name, '.');
-                if (dot == nullptr) {
-                    return;
-                }
-                switch (GetMediaClassOfExtension(dot + 1)) {
-                case MEDIA_SONG:
-                    ++counts.songs;
-                    break;
-                case MEDIA_VIDEO:
-                    ++counts.videos;
-                    break;
-                case MEDIA_RADIO:
-                    ++counts.radios;
-                    break;
-                default:
-                    break;
-                }
+                Counts& counts = data.counts;
+                walker.ReadFolder(
+                    folderFd,
+                    [&counts](const char* name, bool hidden) {
+                        if (hidden) {
+                            return;
+                        }
+                        const char* dot = strrchr(name, '.');
+                        if (dot == nullptr) {
+                            return;
+                        }
+                        switch (GetMediaClassOfExtension(dot + 1)) {
+                        case MEDIA_SONG:
+                            ++counts.songs;
+                            break;
+                        case MEDIA_VIDEO:
+                            ++counts.videos;
+                            break;
+                        case MEDIA_RADIO:
+                            ++counts.radios;
+                            break;
+                        default:
+                            break;
+                        }
+                    },
+                    [&subfolders](const char* name, bool hidden, bool linked) {
+                        if (!hidden) {
+                            subfolders.Add(name, linked);
+                        }
+                    });
             },
-            [&subfolders](const char* name, bool hidden, bool linked) {
-                if (!hidden) {
-                    subfolders.Add(name, linked);
+            [this, &totals](StatsData& data, StatsData* parent) {
+                if (data.record != NO_RECORD) {
+                    records[data.record].counts = data.counts;
+                }
+                if (parent != nullptr) {
+                    parent->counts.songs += data.counts.songs;
+                    parent->counts.videos += data.counts.videos;
+                    parent->counts.radios += data.counts.radios;
+                } else {
+                    totals = data.counts;
                 }
             });
-        size_t pathLength = path.size();
-        subfolders.Enter(fd, [&](int child, const char* name, size_t length, bool linked) {
-            path.append(name, length);
-            path.push_back('/');
-            Counts sub = Walk(child, path, linked);
-            path.resize(pathLength);
-            counts.songs += sub.songs;
-            counts.videos += sub.videos;
-            counts.radios += sub.radios;
-        });
-        chain.Pop();
         close(fd);
-        records[record].counts = counts;
-        return counts;
+        return totals;
     }
 
 private:
     Walker walker{false};
-    Chain chain;
 };
 
 } // namespace
@@ -310,7 +450,7 @@ PStatsTable CountLibrary(const char* root) {
     int fd = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     Counts totals;
     if (fd >= 0) {
-        totals = walk.Walk(fd, path, false);
+        totals = walk.Walk(fd, path);
     } else {
         walk.records.push_back({path, Counts()});
     }
@@ -352,31 +492,6 @@ bool IsIniName(const char* name) {
     return length >= 4 && strcasecmp(name + length - 4, ".ini") == 0;
 }
 
-// Takes fd and closes it; path ends in "/".
-void PurgeFolder(int fd, bool viaLink, Chain& chain, Walker& walker, int& deleted) {
-    if (viaLink && chain.Loops(fd)) {
-        close(fd);
-        return;
-    }
-    chain.Push(fd);
-    SubfolderList folders;
-    walker.ReadFolder(
-        fd,
-        [&](const char* name, bool) {
-            struct stat status;
-            if (IsIniName(name) && fstatat(fd, name, &status, 0) == 0 && S_ISREG(status.st_mode) &&
-                status.st_size == 0 && unlinkat(fd, name, 0) == 0) {
-                ++deleted;
-            }
-        },
-        [&folders](const char* name, bool, bool linked) { folders.Add(name, linked); });
-    folders.Enter(fd, [&](int child, const char*, size_t, bool linked) {
-        PurgeFolder(child, linked, chain, walker, deleted);
-    });
-    chain.Pop();
-    close(fd);
-}
-
 } // namespace
 
 int PurgeEmptyIni(const char* root) {
@@ -391,9 +506,28 @@ int PurgeEmptyIni(const char* root) {
     if (fd < 0) {
         return 0;
     }
+    // Links are never followed: only files inside the root's own tree are
+    // deleted, and a link named like an ini file is not a file.
     int deleted = 0;
-    Chain chain;
     Walker walker(true);
-    PurgeFolder(fd, false, chain, walker, deleted);
+    TreeWalk<bool> walk;
+    walk.Run(
+        fd, path, false,
+        [&](int folderFd, SubfolderList& folders, bool&, const std::string&) {
+            walker.ReadFolder(
+                folderFd,
+                [&](const char* name, bool) {
+                    struct stat status;
+                    if (IsIniName(name) &&
+                        fstatat(folderFd, name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+                        S_ISREG(status.st_mode) && status.st_size == 0 &&
+                        unlinkat(folderFd, name, 0) == 0) {
+                        ++deleted;
+                    }
+                },
+                [&folders](const char* name, bool, bool linked) { folders.Add(name, linked); });
+        },
+        [](bool&, bool*) {});
+    close(fd);
     return deleted;
 }

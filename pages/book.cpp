@@ -1,8 +1,14 @@
 #include "pages/book.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <condition_variable>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <dirent.h>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <deque>
 #include <mutex>
 #include <string>
@@ -45,6 +51,7 @@ struct ImageJob {
     int level = 0;
     SString name;
     SString folder;
+    const char* prefix = ""; // of the picture names
 };
 
 bool WriteWholeFile(const SString& path, const void* data, int size) {
@@ -53,6 +60,7 @@ bool WriteWholeFile(const SString& path, const void* data, int size) {
         return false;
     }
     bool isWritten = file.Write(data, size) == size;
+    isWritten = file.Flush() && isWritten;
     file.Close();
     return isWritten;
 }
@@ -62,6 +70,7 @@ bool WriteWholeFile(const SString& path, const void* data, int size) {
 // pictures are made on the caller's thread as they come.
 class ImageWorkers {
 public:
+    // Pictures go to folder, named prefix + "book<k>.jpg" and ".png".
     ImageWorkers(const SString& folder, const PCovers& covers, const SFileMem& defaultJpeg,
                  int count)
         : folder(folder), covers(covers), defaultJpeg(defaultJpeg) {
@@ -88,6 +97,12 @@ public:
     int GetDone() {
         std::lock_guard<std::mutex> lock(mutex);
         return done;
+    }
+    // The first picture that could not be written, with the system's
+    // reason; empty when every write went through.
+    SString GetWriteFailure() {
+        std::lock_guard<std::mutex> lock(mutex);
+        return writeFailure;
     }
     // Waits for every job; onDone hears the count of finished jobs as it
     // grows.
@@ -138,8 +153,8 @@ private:
         }
     }
 
-    void Make(const ImageJob& job, PBannerPainter& bannerPainter) const {
-        SString base = folder + "book" + SString::FromInt(job.k);
+    void Make(const ImageJob& job, PBannerPainter& bannerPainter) {
+        SString base = folder + job.prefix + "book" + SString::FromInt(job.k);
         // The cover is looked for here too, off the thread that writes the
         // page. A cover file that does not decode passes to the next place
         // of the cover order; with none left the default picture stands.
@@ -151,16 +166,30 @@ private:
                 break;
             }
         }
-        if (hasCover) {
-            WriteWholeFile(base + ".jpg", jpeg.GetData(), jpeg.GetSize());
-        } else if (defaultJpeg.GetSize() > 0) {
-            WriteWholeFile(base + ".jpg", defaultJpeg.GetData(), defaultJpeg.GetSize());
+        const SFileMem& cover = hasCover ? jpeg : defaultJpeg;
+        if (cover.GetSize() > 0) {
+            Write(base + ".jpg", cover);
         }
         SImage banner;
         SFileMem png;
         if (bannerPainter.Draw(job.name, LevelOf(job.level).fill, banner) &&
             banner.Save(&png, IMAGE_PNG)) {
-            WriteWholeFile(base + ".png", png.GetData(), png.GetSize());
+            Write(base + ".png", png);
+        }
+    }
+
+    void Write(const SString& path, const SFileMem& data) {
+        errno = 0;
+        if (WriteWholeFile(path, data.GetData(), data.GetSize())) {
+            return;
+        }
+        int error = errno;
+        std::lock_guard<std::mutex> lock(mutex);
+        if (writeFailure.IsEmpty()) {
+            writeFailure = SString("cannot write ") + path;
+            if (error != 0) {
+                writeFailure += SString(": ") + strerror(error);
+            }
         }
     }
 
@@ -173,6 +202,7 @@ private:
     std::condition_variable wake;
     std::condition_variable finished;
     std::deque<ImageJob> jobs;
+    SString writeFailure;
     int done = 0;
     int busy = 0;
     bool isClosing = false;
@@ -227,13 +257,17 @@ public:
     bool Flush() {
         int size = static_cast<int>(buffer.size());
         isWritten = isWritten && file.Write(buffer.data(), size) == size;
+        flushed += buffer.size();
         buffer.clear();
         return isWritten;
     }
+    // How many bytes the page holds so far.
+    size_t Position() const { return flushed + buffer.size(); }
 
 private:
     SFile& file;
     std::string buffer;
+    size_t flushed = 0;
     bool isWritten = true;
 };
 
@@ -257,33 +291,174 @@ SString PBook::GetDefaultBookPath() const {
     return root.IsEmpty() ? SString("") : root + "Book.htm";
 }
 
+namespace {
+
+// Pictures of a Book being made are written under a staging prefix
+// ("~a" or "~b" before "book<k>"), and "~t" marks a picture on its way to
+// its final name; see BuildBook.
+constexpr const char* STAGING_PREFIXES[] = {"~a", "~b"};
+constexpr const char* PROMOTING_PREFIX = "~t";
+
+// Whether name is prefix + "book" + digits + ".jpg" or ".png"; k receives
+// the number.
+bool IsPictureName(const char* name, const char* prefix, long& k) {
+    size_t prefixLength = strlen(prefix);
+    if (strncmp(name, prefix, prefixLength) != 0 || strncmp(name + prefixLength, "book", 4) != 0) {
+        return false;
+    }
+    const char* digits = name + prefixLength + 4;
+    const char* end = digits;
+    while (*end >= '0' && *end <= '9') {
+        ++end;
+    }
+    if (end == digits || end - digits > 9 || (strcmp(end, ".jpg") != 0 && strcmp(end, ".png") != 0)) {
+        return false;
+    }
+    k = strtol(digits, nullptr, 10);
+    return true;
+}
+
+// Deletes the pictures of folder named prefix + "book<k>" with k from
+// fromK on; nothing else of the folder is touched.
+void RemovePictures(const SString& folder, const char* prefix, long fromK) {
+    DIR* dir = opendir(folder.c_str());
+    if (dir == nullptr) {
+        return;
+    }
+    std::vector<std::string> doomed;
+    while (struct dirent* item = readdir(dir)) {
+        long k;
+        if (IsPictureName(item->d_name, prefix, k) && k >= fromK) {
+            doomed.push_back(item->d_name);
+        }
+    }
+    int fd = dirfd(dir);
+    for (const std::string& name : doomed) {
+        unlinkat(fd, name.c_str(), 0);
+    }
+    closedir(dir);
+}
+
+// The prefix of the pictures that the Book at bookPath shows now: "" for
+// the final names, or a staging prefix when a run was cut short after
+// putting in its page. Read from the first picture of the page.
+std::string CurrentPicturePrefix(const SString& bookPath, const std::string& stem) {
+    SFilePath file;
+    if (!file.Open(bookPath.c_str(), false, false, true, false)) {
+        return "";
+    }
+    std::string head(1 << 20, '\0');
+    int got = file.Read(head.data(), static_cast<int>(head.size()));
+    head.resize(static_cast<size_t>(std::max(got, 0)));
+    std::string mark = "<img src=\"" + stem + "\\";
+    size_t at = head.find(mark);
+    if (at == std::string::npos) {
+        return "";
+    }
+    std::string rest = head.substr(at + mark.size(), 2);
+    for (const char* prefix : STAGING_PREFIXES) {
+        if (rest == prefix) {
+            return prefix;
+        }
+    }
+    return "";
+}
+
+// Gives the staged picture of folder its final name, keeping the staged
+// one (the page in place still shows it): a hard link renamed over the
+// final name, or a copy where the file system has no hard links.
+bool PromotePicture(const SString& folder, const std::string& staged, const std::string& final) {
+    std::string from = std::string(folder.c_str()) + staged;
+    std::string via = std::string(folder.c_str()) + PROMOTING_PREFIX + final;
+    std::string to = std::string(folder.c_str()) + final;
+    unlink(via.c_str());
+    if (link(from.c_str(), via.c_str()) != 0) {
+        SFilePath source;
+        if (!source.Open(from.c_str(), false, false, true, false)) {
+            return false;
+        }
+        int size = source.GetSize();
+        std::string bytes(static_cast<size_t>(std::max(size, 0)), '\0');
+        bool isRead = source.Read(bytes.data(), size) == size;
+        source.Close();
+        if (!isRead || !WriteWholeFile(SString(via.c_str()), bytes.data(), size)) {
+            unlink(via.c_str());
+            return false;
+        }
+    }
+    if (rename(via.c_str(), to.c_str()) != 0) {
+        unlink(via.c_str());
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool PBook::Fail(const SString& reason) {
+    failure = reason;
+    return false;
+}
+
+// The Book and its pictures are replaced so that a kill or a full disk at
+// any moment leaves the old Book whole or the new one whole: every picture
+// the page in place names exists, whole.
+//
+// 1. Leftovers of a killed run go: temporary files, and staged pictures
+//    that the page in place does not show.
+// 2. The new pictures are written under a staging prefix the page in place
+//    does not use, and the new page, naming them, to a temporary file. A
+//    picture or the page that cannot be written ends the run here: the
+//    staged pictures go and the old Book stays.
+// 3. That page is put in place: the new Book is whole, under staged names.
+// 4. Each staged picture gets its final name ("book<k>"), as a hard link
+//    renamed over the old picture, and the page with the final names is
+//    put in place.
+// 5. The staged pictures and the old pictures past the new count go.
 bool PBook::BuildBook(const char* bookPath, bool makeImages) {
     EnsurePagesResources();
+    failure.Empty();
     SDisk disk;
     SPath book;
     if (root.IsEmpty() || bookPath == nullptr || !book.Set(bookPath) || !book.HasName()) {
-        return false;
+        return Fail("no Book path");
     }
     SString stem = book.GetTitle();
-    SString imageFolder = book.GetFolderPath() + stem + "/";
+    SString bookFolder = book.GetFolderPath();
+    SString imageFolder = bookFolder + stem + "/";
+    SString finalPath = book.GetFullPath();
     ProgressReporter reporter(progress);
+    if (!disk.IsFolder(bookFolder.c_str())) {
+        return Fail(SString("no folder ") + bookFolder);
+    }
+    // Nothing is written outside the folder that holds the Book.
+    if (!IsInsideFolder(bookFolder.c_str(), finalPath.c_str()) ||
+        (makeImages && !IsInsideFolder(bookFolder.c_str(), imageFolder.c_str()))) {
+        return Fail(SString("the Book or its pictures lead outside ") + bookFolder);
+    }
+    RemoveLeftoverTempFiles(bookFolder.c_str());
 
+    const std::string stemText = Text(stem);
+    const char* staging = "";
     if (makeImages) {
         if (!disk.CreateFolder(imageFolder.c_str(), true) && !disk.IsFolder(imageFolder.c_str())) {
-            return false;
+            return Fail(SString("cannot make the picture folder ") + imageFolder);
         }
         int attributes = disk.GetAttributes(imageFolder.c_str());
         if (attributes >= 0 && (attributes & DISK_HIDDEN) == 0) {
             disk.SetAttributes(imageFolder.c_str(), attributes | DISK_HIDDEN);
         }
-        SStringArray old;
-        disk.Enumerate(&old, (imageFolder + "book*.png").c_str(), ENUM_FILES);
-        disk.Enumerate(&old, (imageFolder + "book*.jpg").c_str(), ENUM_FILES);
-        for (int i = 0; i < old.GetCount(); ++i) {
-            reporter.Report(i, old.GetCount());
-            std::remove(old.GetAt(i)->c_str());
+        RemoveLeftoverTempFiles(imageFolder.c_str());
+        std::string current = CurrentPicturePrefix(finalPath, stemText);
+        for (const char* prefix : STAGING_PREFIXES) {
+            if (current != prefix) {
+                RemovePictures(imageFolder, prefix, 0);
+            }
         }
+        RemovePictures(imageFolder, PROMOTING_PREFIX, 0);
+        staging = current == STAGING_PREFIXES[0] ? STAGING_PREFIXES[1] : STAGING_PREFIXES[0];
     }
+    const std::string stagingText = staging;
 
     int rootCount = SPath(root.c_str()).GetDepth();
     SStringArray folders;
@@ -291,12 +466,16 @@ bool PBook::BuildBook(const char* bookPath, bool makeImages) {
     int count = folders.GetCount();
 
     SFilePath file;
-    if (!file.OpenReplace(bookPath)) {
-        return false;
+    errno = 0;
+    if (!file.OpenReplace(finalPath.c_str())) {
+        return Fail(SString("cannot write ") + finalPath + (errno != 0 ? SString(": ") + strerror(errno) : SString("")));
     }
     SFileMem style;
     style.LoadResource("BINARY", RESOURCE_BOOK_STYLE);
     PageWriter page(file);
+    // Where each staging prefix stands in the page, to write it again
+    // with the final names.
+    std::vector<size_t> stagedAt;
     page.Line("<html>");
     page.Line("<head>");
     page.Line("<title>Mel Kora</title>");
@@ -318,7 +497,6 @@ bool PBook::BuildBook(const char* bookPath, bool makeImages) {
                                                  std::max(threadCount, 1));
     }
 
-    const std::string stemText = Text(stem);
     int prevDepth = rootCount;
     for (int i = 0; i < count; ++i) {
         reporter.Report(workers ? std::min(i, workers->GetDone()) : i, count);
@@ -347,6 +525,7 @@ bool PBook::BuildBook(const char* bookPath, bool makeImages) {
             job.level = level;
             job.name = name;
             job.folder = folder;
+            job.prefix = staging;
             workers->Push(std::move(job));
         }
 
@@ -354,8 +533,9 @@ bool PBook::BuildBook(const char* bookPath, bool makeImages) {
         std::string relative = Text(folder.Mid(root.GetLength(), folder.GetLength() - root.GetLength() - 1));
         page.Line("<table border=0 cellspacing=0 cellpadding=0 width=100%>");
         page.Line("<tr>");
-        page.Line("<td width=32 bgcolor=#" + cell + "><img src=\"" + stemText + "\\book" + kText +
-                  ".jpg\" align=absmiddle>");
+        std::string coverStart = "<td width=32 bgcolor=#" + cell + "><img src=\"" + stemText + "\\";
+        stagedAt.push_back(page.Position() + coverStart.size());
+        page.Line(coverStart + stagingText + "book" + kText + ".jpg\" align=absmiddle>");
         std::string title = media.GetCount() > 0
                                 ? "<a href=\"" + relative + ".album\" class=" + colours.className +
                                       ">" + Text(name) + "</a>"
@@ -364,8 +544,9 @@ bool PBook::BuildBook(const char* bookPath, bool makeImages) {
         page.Line("<td valign=center bgcolor=#" + cell + ">" + title);
         page.Line("</tr>");
         page.Line("<tr>");
-        page.Line("<td bgcolor=#" + cell + " background=\"" + stemText + "\\book" + kText +
-                  ".png\" class=tdRow>");
+        std::string bannerStart = "<td bgcolor=#" + cell + " background=\"" + stemText + "\\";
+        stagedAt.push_back(page.Position() + bannerStart.size());
+        page.Line(bannerStart + stagingText + "book" + kText + ".png\" class=tdRow>");
         page.Line("<td>");
         if (media.GetCount() > 0) {
             page.Line("<font class=txtSong>");
@@ -390,12 +571,109 @@ bool PBook::BuildBook(const char* bookPath, bool makeImages) {
     // Tables still open stay open.
     page.Line("</body>");
     page.Line("</html>");
-    bool isWritten = page.Flush();
+    errno = 0;
+    bool isWritten = page.Flush() && file.Flush();
+    int pageError = errno;
+    SString pictureFailure;
     if (workers) {
         workers->Finish([&](int done) { reporter.Report(done, count); });
+        pictureFailure = workers->GetWriteFailure();
     }
+    if (!isWritten || !pictureFailure.IsEmpty()) {
+        file.Close();
+        if (makeImages) {
+            RemovePictures(imageFolder, staging, 0);
+        }
+        if (!isWritten) {
+            return Fail(SString("cannot write ") + finalPath +
+                        (pageError != 0 ? SString(": ") + strerror(pageError) : SString("")));
+        }
+        return Fail(pictureFailure);
+    }
+    if (!makeImages) {
+        reporter.Report(count, count);
+        errno = 0;
+        return file.Commit() ? true
+                             : Fail(SString("cannot write ") + finalPath +
+                                    (errno != 0 ? SString(": ") + strerror(errno) : SString("")));
+    }
+
+    // The same page with the final names, copied from the staged one with
+    // each staging prefix left out.
+    SFilePath finalPage;
+    bool isCopied = finalPage.OpenReplace(finalPath.c_str()) && file.Seek(0) == 0;
+    std::string block(1 << 16, '\0');
+    std::string out;
+    size_t position = 0;
+    size_t next = 0; // into stagedAt
+    const size_t skip = stagingText.size();
+    int got;
+    while (isCopied && (got = file.Read(block.data(), static_cast<int>(block.size()))) > 0) {
+        size_t end = position + static_cast<size_t>(got);
+        size_t from = position;
+        out.clear();
+        while (from < end) {
+            if (next < stagedAt.size() && from >= stagedAt[next] + skip) {
+                ++next;
+            } else if (next < stagedAt.size() && from >= stagedAt[next]) {
+                from = std::min(end, stagedAt[next] + skip);
+            } else {
+                size_t stop = next < stagedAt.size() ? std::min(stagedAt[next], end) : end;
+                out.append(block.data() + (from - position), stop - from);
+                from = stop;
+            }
+        }
+        isCopied = finalPage.Write(out.data(), static_cast<int>(out.size())) ==
+                   static_cast<int>(out.size());
+        position = end;
+    }
+    errno = 0;
+    isCopied = isCopied && finalPage.Flush();
+    int copyError = errno;
+    if (!isCopied) {
+        finalPage.Close();
+        file.Close();
+        RemovePictures(imageFolder, staging, 0);
+        return Fail(SString("cannot write ") + finalPath +
+                    (copyError != 0 ? SString(": ") + strerror(copyError) : SString("")));
+    }
+    // The new Book, under the staged names, takes the old one's place.
+    errno = 0;
+    if (!file.Commit()) {
+        int error = errno;
+        finalPage.Close();
+        RemovePictures(imageFolder, staging, 0);
+        return Fail(SString("cannot write ") + finalPath +
+                    (error != 0 ? SString(": ") + strerror(error) : SString("")));
+    }
+    // Every picture to its final name; a picture that could not be made
+    // leaves no old one standing in for it.
+    for (int k = 0; k < count; ++k) {
+        for (const char* extension : {".jpg", ".png"}) {
+            std::string final = "book" + std::to_string(k) + extension;
+            std::string staged = stagingText + final;
+            struct stat status;
+            bool isStaged = stat((std::string(imageFolder.c_str()) + staged).c_str(), &status) == 0;
+            if (!isStaged) {
+                unlink((std::string(imageFolder.c_str()) + final).c_str());
+            } else if (!PromotePicture(imageFolder, staged, final)) {
+                finalPage.Close();
+                return Fail(SString("cannot name the picture ") + imageFolder + final.c_str());
+            }
+        }
+    }
+    errno = 0;
+    if (!finalPage.Commit()) {
+        int error = errno;
+        return Fail(SString("cannot write ") + finalPath +
+                    (error != 0 ? SString(": ") + strerror(error) : SString("")));
+    }
+    for (const char* prefix : STAGING_PREFIXES) {
+        RemovePictures(imageFolder, prefix, 0);
+    }
+    RemovePictures(imageFolder, "", count);
     reporter.Report(count, count);
-    return isWritten && file.Commit();
+    return true;
 }
 
 bool PBook::WriteBookZip(const char* bookPath, const char* archive) {

@@ -29,12 +29,20 @@ public:
     SString GetDefaultBookPath() const;
 
     // Writes the book file and, with makeImages, fills the image folder
-    // beside it (named after the file's stem, made hidden, emptied of its
-    // old "book*.png" and "book*.jpg" first) with book<k>.jpg and
-    // book<k>.png for the k-th folder. The page is replaced atomically.
-    // False only when the image folder cannot be had or the page cannot be
-    // written; a picture that fails leaves its folder's image missing.
+    // beside it (named after the file's stem, made hidden) with
+    // book<k>.jpg and book<k>.png for the k-th folder, and removes the old
+    // pictures past the new count. The page and its pictures are replaced
+    // so that a kill or a full disk at any moment leaves the old Book or
+    // the new one whole (every picture the page names is there), and the
+    // leftovers of a killed run are removed first. Nothing is written
+    // outside the real path of the folder that holds the book file: a book
+    // file or image folder that a link leads elsewhere is refused. A
+    // picture that cannot be made (no cover, nothing drawn) leaves its
+    // folder's image missing; one that cannot be written fails the run and
+    // the old Book stays. False when the run fails; GetFailure tells why.
     bool BuildBook(const char* bookPath, bool makeImages);
+    // Why the last BuildBook failed, one line; empty after a success.
+    const SString& GetFailure() const { return failure; }
 
     // Packs the book file and every file of its image folder into archive,
     // with entry names taken from the root down ("Book.htm",
@@ -59,6 +67,9 @@ public:
     PBookProgress progress;
 
 private:
+    bool Fail(const SString& reason);
+
     SString root;
+    SString failure;
     PCovers covers; // finds each folder's cover
 };

@@ -3,8 +3,13 @@
 #include "foundation/disk.h"
 #include "foundation/file.h"
 #include "foundation/path.h"
+#include "foundation/walk_guard.h"
 
+#include <fcntl.h>
 #include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
 
 // Known folders.
 
@@ -29,41 +34,72 @@ bool PKnownFolders::Load(const char* root, void (*onFolder)(int, void*), void* c
     if (!base.IsEmpty() && base.GetAt(base.GetLength() - 1) != '/') {
         base += '/';
     }
-    LoadLevel(base, SString(""), onFolder, context);
-    return true;
-}
-
-void PKnownFolders::LoadLevel(const SString& root, const SString& relative,
-                              void (*onFolder)(int, void*), void* context) {
-    // Subfolders that are not hidden and hold a subfolder themselves; the
-    // listing comes sorted without regard to case.
-    SStringArray found;
-    SDisk disk;
-    disk.Enumerate(&found, (root + relative + "*.*").c_str(),
-                   ENUM_FOLDERS | ENUM_NO_HIDDEN | ENUM_NO_FOLDERS_WITHOUT_FOLDERS);
-    if (found.GetCount() == 0) {
-        return;
-    }
-    SStringArray children;
-    for (int i = 0; i < found.GetCount(); ++i) {
-        SPath path;
-        path.SetTrailingSeparator(false);
-        if (!path.Set(found.GetText(i).c_str())) {
+    SWalkGuard guard;
+    guard.Start(base.c_str());
+    // The walk keeps the folders still to go into on a stack of its own,
+    // each level's children in listing order, so depth never costs the
+    // call stack.
+    struct Level {
+        SStringArray children; // paths relative to the root
+        int next = 0;
+    };
+    std::vector<Level> stack;
+    stack.emplace_back();
+    LoadChildren(base, SString(""), guard, stack.back().children);
+    while (!stack.empty()) {
+        Level& level = stack.back();
+        if (level.next >= level.children.GetCount()) {
+            stack.pop_back();
             continue;
         }
-        SString name = path.GetLastFolder(true);
-        SString childPath = relative + name;
-        FolderNames.Add(name);
-        FolderPaths.Add(childPath);
-        children.Add(childPath);
-    }
-    for (int i = 0; i < children.GetCount(); ++i) {
-        SString child = children.GetText(i);
+        SString child = level.children.GetText(level.next++);
         TreeOrder.Add(child);
         if (onFolder != nullptr) {
             onFolder(TreeOrder.GetCount(), context);
         }
-        LoadLevel(root, child + "/", onFolder, context);
+        Level below;
+        LoadChildren(base, child + "/", guard, below.children);
+        if (below.children.GetCount() > 0) {
+            stack.push_back(std::move(below));
+        }
+    }
+    return true;
+}
+
+void PKnownFolders::LoadChildren(const SString& root, const SString& relative, SWalkGuard& guard,
+                                 SStringArray& children) {
+    // Subfolders that are not hidden and hold a subfolder themselves; the
+    // listing comes sorted without regard to case. A folder reached through
+    // a link is known only when the guard lets the walk into it.
+    SStringArray found;
+    SDisk disk;
+    disk.Enumerate(&found, (root + relative + "*.*").c_str(),
+                   ENUM_FOLDERS | ENUM_NO_HIDDEN | ENUM_NO_FOLDERS_WITHOUT_FOLDERS);
+    for (int i = 0; i < found.GetCount(); ++i) {
+        // A full path ending in "/"; the name is its last part, whatever
+        // bytes it holds (a tab or a line feed included).
+        std::string path(found.GetText(i).c_str());
+        if (path.size() < 2 || path.back() != '/') {
+            continue;
+        }
+        path.pop_back();
+        size_t slash = path.rfind('/');
+        std::string nameText = slash == std::string::npos ? path : path.substr(slash + 1);
+        struct stat status;
+        bool linked = lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode);
+        int fd = open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        bool entered = fd >= 0 && guard.Enter(fd, linked);
+        if (fd >= 0) {
+            close(fd);
+        }
+        if (!entered || nameText.empty()) {
+            continue;
+        }
+        SString name(nameText.c_str());
+        SString childPath = relative + name;
+        FolderNames.Add(name);
+        FolderPaths.Add(childPath);
+        children.Add(childPath);
     }
 }
 

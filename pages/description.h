@@ -7,6 +7,8 @@
 #include "foundation/array.h"
 #include "foundation/string.h"
 
+class SWalkGuard;
+
 // The folders the description window lists: every folder below the root
 // that is not hidden and holds at least one subfolder (artists and genres,
 // not albums). FolderNames and FolderPaths are parallel: the last path
@@ -37,8 +39,8 @@ public:
     SStringArray TreeOrder;
 
 private:
-    void LoadLevel(const SString& root, const SString& relative, void (*onFolder)(int, void*),
-                   void* context);
+    void LoadChildren(const SString& root, const SString& relative, SWalkGuard& guard,
+                      SStringArray& children);
 };
 
 // The bullet written in place of a leading "." (the byte 0x95 of the

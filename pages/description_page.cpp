@@ -1,7 +1,10 @@
 #include "pages/description_page.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <set>
+#include <string>
 
 #include "foundation/disk.h"
 #include "foundation/file.h"
@@ -125,47 +128,123 @@ bool WriteDescriptionPage(SFile* page, const char* root, const SString& text,
     return isWritten && PutLine(page, "</div></body></html>");
 }
 
-bool BuildDescriptionPage(const char* root, const char* relative, const PKnownFolders* known) {
-    if (root == nullptr || relative == nullptr || relative[0] == 0) {
+namespace {
+
+// The reason of a failed write: the system's words for errno when it has
+// any.
+SString WriteFailure(const SString& path) {
+    int error = errno;
+    SString text = SString("cannot write ") + path;
+    if (error != 0) {
+        text += SString(": ") + strerror(error);
+    }
+    return text;
+}
+
+// Builds one page; base is the root with its trailing "/".
+bool BuildPage(const SString& base, const char* relative, const PKnownFolders* known,
+               SString* reason) {
+    SString ignored;
+    SString& why = reason != nullptr ? *reason : ignored;
+    why.Empty();
+    if (relative == nullptr || relative[0] == 0 || relative[0] == '/' ||
+        HasDotDotPart(relative)) {
+        why = SString("the folder lies outside the root: ") + (relative != nullptr ? relative : "");
         return false;
     }
-    SString base = WithSeparator(root);
     SString source = base + relative + ".txt";
     SString target = base + relative + ".htm";
     SDisk disk;
     SString text;
+    if (!IsInsideFolder(base.c_str(), target.c_str())) {
+        why = SString("the page would be written outside the root: ") + target;
+        return false;
+    }
     if (!disk.IsFile(source.c_str()) || !ReadDescriptionFile(source.c_str(), text)) {
         if (disk.IsFile(target.c_str())) {
             DeleteGeneratedPage(target);
         }
+        why = SString("no description file ") + source;
         return false;
     }
     SFilePath page;
+    errno = 0;
     if (!page.OpenReplace(target.c_str())) {
+        why = WriteFailure(target);
         return false;
     }
     // The temporary file stands in for the page until Commit, so the old
     // page stays whole when anything fails.
-    return WriteDescriptionPage(&page, base.c_str(), text, known) && page.Commit();
+    errno = 0;
+    if (!WriteDescriptionPage(&page, base.c_str(), text, known) || !page.Commit()) {
+        why = WriteFailure(target);
+        return false;
+    }
+    return true;
+}
+
+// The folder that holds the page of relative, where its temporary file is
+// made.
+SString PageFolder(const SString& base, const char* relative) {
+    SString folder = base + relative;
+    int slash = folder.ReverseFind('/');
+    return slash >= 0 ? folder.Left(slash + 1) : base;
+}
+
+} // namespace
+
+bool BuildDescriptionPage(const char* root, const char* relative, const PKnownFolders* known,
+                          SString* reason) {
+    if (reason != nullptr) {
+        reason->Empty();
+    }
+    if (root == nullptr || relative == nullptr || relative[0] == 0) {
+        if (reason != nullptr) {
+            *reason = "no folder given";
+        }
+        return false;
+    }
+    SString base = WithSeparator(root);
+    if (!HasDotDotPart(relative)) {
+        RemoveLeftoverTempFiles(PageFolder(base, relative).c_str());
+    }
+    return BuildPage(base, relative, known, reason);
 }
 
 bool BuildAllDescriptionPages(const char* root, const PKnownFolders& known,
-                              const PStatusCallback& status) {
+                              const PStatusCallback& status, PPagesResult* result) {
     EnsurePagesResources();
+    PPagesResult ignored;
+    PPagesResult& report = result != nullptr ? *result : ignored;
+    report = PPagesResult();
     SString base = WithSeparator(root);
     SFileMem icon;
     if (icon.LoadResource("BINARY", RESOURCE_HEADING_ICON)) {
         SString images = base + "Images/";
         SDisk disk;
+        if (!IsInsideFolder(base.c_str(), images.c_str())) {
+            report.firstFailure = SString("the Images folder leads outside the root: ") + images;
+            return false;
+        }
         if (!disk.CreateFolder(images.c_str(), true) && !disk.IsFolder(images.c_str())) {
+            report.firstFailure = SString("cannot make the Images folder in ") + base;
             return false;
         }
         int attributes = disk.GetAttributes(images.c_str());
         if (attributes >= 0 && (attributes & DISK_HIDDEN) == 0) {
             disk.SetAttributes(images.c_str(), attributes | DISK_HIDDEN);
         }
-        WriteFileAtomic((images + "icon.gif").c_str(), icon.GetData(), icon.GetSize());
+        RemoveLeftoverTempFiles(images.c_str());
+        SString iconPath = images + "icon.gif";
+        errno = 0;
+        if (!IsInsideFolder(base.c_str(), iconPath.c_str()) ||
+            !WriteFileAtomic(iconPath.c_str(), icon.GetData(), icon.GetSize())) {
+            ++report.failed;
+            report.firstFailure = WriteFailure(iconPath);
+        }
     }
+    // Each folder that receives pages is cleared of leftovers once.
+    std::set<std::string> cleaned;
     int total = known.TreeOrder.GetCount();
     for (int i = 0; i < total; ++i) {
         if (status) {
@@ -174,7 +253,24 @@ bool BuildAllDescriptionPages(const char* root, const PKnownFolders& known,
             text.Format("Building... %d%%", percent);
             status(text, percent);
         }
-        BuildDescriptionPage(base.c_str(), known.TreeOrder.GetText(i).c_str(), &known);
+        SString relativeText = known.TreeOrder.GetText(i);
+        const char* relative = relativeText.c_str();
+        SString folder = PageFolder(base, relative);
+        if (cleaned.insert(folder.c_str()).second) {
+            RemoveLeftoverTempFiles(folder.c_str());
+        }
+        SString reason;
+        SString source = base + relative + ".txt";
+        bool hasSource = SDisk().IsFile(source.c_str());
+        if (BuildPage(base, relative, &known, &reason)) {
+            ++report.written;
+        } else if (hasSource) {
+            // A folder without a description has no page; anything else
+            // that kept a page from being written is a failure.
+            if (report.failed++ == 0) {
+                report.firstFailure = reason;
+            }
+        }
     }
     if (status) {
         status("Ready.", 100);

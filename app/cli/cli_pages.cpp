@@ -134,11 +134,21 @@ int RunPages(int argc, char** argv) {
     PKnownFolders known;
     known.Load(root.c_str());
     ProgressBar bar;
-    bool isBuilt = BuildAllDescriptionPages(root.c_str(), known, [&bar](const SString&, int percent) {
-        bar.Show(percent, 100);
-    });
+    PPagesResult result;
+    bool isBuilt = BuildAllDescriptionPages(
+        root.c_str(), known, [&bar](const SString&, int percent) { bar.Show(percent, 100); },
+        &result);
     bar.Done();
-    return isBuilt ? 0 : Fail("cannot make the Images folder in ", root.c_str());
+    if (!isBuilt) {
+        return Fail(result.firstFailure.c_str());
+    }
+    if (result.failed > 0) {
+        SString text;
+        text.Format("%d file%s not written; the first: ", result.failed,
+                    result.failed == 1 ? "" : "s");
+        return Fail(text.c_str(), result.firstFailure.c_str());
+    }
+    return 0;
 }
 
 int RunPage(int argc, char** argv) {
@@ -153,10 +163,14 @@ int RunPage(int argc, char** argv) {
     while (relative.GetLength() > 0 && relative.GetAt(0) == '/') {
         relative.Delete(0, 1);
     }
+    if (HasDotDotPart(relative.c_str())) {
+        return Fail("the folder lies outside the root: ", relative.c_str());
+    }
     PKnownFolders known;
     known.Load(root.c_str());
-    if (!BuildDescriptionPage(root.c_str(), relative.c_str(), &known)) {
-        return Fail("no page written for ", relative.c_str());
+    SString reason;
+    if (!BuildDescriptionPage(root.c_str(), relative.c_str(), &known, &reason)) {
+        return Fail("no page written for ", (relative + ": " + reason).c_str());
     }
     return 0;
 }
@@ -228,7 +242,7 @@ int RunBook(int argc, char** argv) {
     book.progress = [&bar](int thousandths) { bar.Show(thousandths, 1000); };
     bool isBuilt = book.BuildBook(bookPath.c_str(), makeImages);
     bar.Done();
-    return isBuilt ? 0 : Fail("cannot write the Book at ", bookPath.c_str());
+    return isBuilt ? 0 : Fail("no Book written: ", book.GetFailure().c_str());
 }
 
 int RunZipBook(int argc, char** argv) {

@@ -11,8 +11,10 @@
 
 class TempDir {
 public:
-    TempDir() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "melkora-XXXXXX").string();
+    TempDir() : TempDir(std::filesystem::temp_directory_path().string()) {}
+    // A folder made in parent instead of the system's temporary folder.
+    explicit TempDir(const std::string& parent) {
+        std::string pattern = (std::filesystem::path(parent) / "melkora-XXXXXX").string();
         if (mkdtemp(pattern.data()) != nullptr) {
             path = pattern;
         }
