@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstdlib>
 
+#include "toolkit/hosted_child.h"
 #include "toolkit/platform/platform.h"
 #include "toolkit/wnd.h"
 #include "toolkit/wnd_internal.h"
@@ -242,6 +243,7 @@ void PlatformPaint(HWND top, cairo_t* cr, int width, int height) {
     SWnd* wnd = SWnd::FromHandle(top);
     if (wnd != nullptr) {
         wnd->PaintSurface(cr, width, height);
+        SyncHostedChildren(top);
     }
 }
 
@@ -261,5 +263,11 @@ void PlatformDropFiles(HWND top, int x, int y, SStringArray* files) {
     }
     if (wnd != nullptr) {
         SendMessage(wnd->GetHandle(), WM_DROPFILES, reinterpret_cast<WPARAM>(files), 0);
+    }
+}
+
+void PlatformHostedFocus(HWND owner) {
+    if (SWnd::FromHandle(owner) != nullptr && GetFocus() != owner) {
+        SetFocus(owner);
     }
 }

@@ -41,3 +41,7 @@ void PlatformClose(HWND top);
 void PlatformPaint(HWND top, cairo_t* cr, int width, int height);
 // Files dropped at a point; folders end in "/". The array is borrowed.
 void PlatformDropFiles(HWND top, int x, int y, SStringArray* files);
+
+// A hosted child (SPlatform::HostChild) took the keyboard focus, as when
+// the user clicks into it: its owner becomes the thread's focus window.
+void PlatformHostedFocus(HWND owner);

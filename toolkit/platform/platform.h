@@ -82,6 +82,20 @@ public:
     // in milliseconds, and the farthest the second may land from the first
     // in pixels, across and down. The default is 500 ms and 2 pixels.
     virtual void GetDoubleClick(unsigned* milliseconds, int* distance);
+
+    // Hosted children: a widget of the platform (the web view), made by the
+    // library that wraps it, laid over a toolkit window (owner) of the
+    // top-level surface top and stacked above everything the toolkit draws
+    // there. rect is in the surface's coordinates. The platform takes the
+    // widget over; DestroyHostedChild (or the surface's end) destroys it.
+    // Keys go to the widget while it has the keyboard focus. The defaults
+    // keep nothing and return false.
+    virtual bool HostChild(HWND owner, HWND top, void* widget);
+    virtual void MoveHostedChild(HWND owner, const SRect& rect);
+    virtual void ShowHostedChild(HWND owner, bool show);
+    // Gives the widget the keyboard focus, or gives it back to the surface.
+    virtual void FocusHostedChild(HWND owner, bool focus);
+    virtual void DestroyHostedChild(HWND owner);
 };
 
 // The platform in use; the headless one until SetPlatform. The toolkit owns

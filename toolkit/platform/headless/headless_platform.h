@@ -37,6 +37,16 @@ public:
         int shown = 0; // how many times it was shown
     };
 
+    // A hosted child as the platform holds it.
+    struct HostedChild {
+        HWND top = 0;
+        void* widget = nullptr;
+        SRect rect; // surface coordinates
+        bool visible = false;
+        bool focused = false;
+        int moves = 0; // how many times it was placed
+    };
+
     SHeadlessPlatform();
     ~SHeadlessPlatform() override;
 
@@ -65,6 +75,13 @@ public:
     double GetDpi() override { return 96.0; }
     unsigned GetModifiers() override;
     SPoint GetPointer() override;
+    bool HostChild(HWND owner, HWND top, void* widget) override;
+    void MoveHostedChild(HWND owner, const SRect& rect) override;
+    void ShowHostedChild(HWND owner, bool show) override;
+    void FocusHostedChild(HWND owner, bool focus) override;
+    void DestroyHostedChild(HWND owner) override;
+    // A copy of the hosted child over owner; false when there is none.
+    bool GetHostedChild(HWND owner, HostedChild* child) const;
 
     // Scripting. Points are in the top-level surface's coordinates (the
     // client's unless the window has a menu bar); each
@@ -125,4 +142,5 @@ private:
     unsigned modifiers = 0;
     SPoint pointer;
     HWND captured = 0;
+    std::map<HWND, HostedChild> hostedChildren;
 };
