@@ -854,6 +854,21 @@ void SCodeEditCtrl::Paint(cairo_t* cr) {
                 attribute->end_index = static_cast<guint>(offsets[static_cast<size_t>(run.start + run.length)]);
                 pango_attr_list_insert(attributes, attribute);
             }
+            // Selected text in the theme's highlight text colour, over the
+            // theme's highlight (a highlight of the definition's own keeps
+            // the syntax colours).
+            if (editor.HasSelection() && colors[CODE_COLOR_HIGHLIGHT] == COLOR_NOT_SET &&
+                lineIndex >= selFrom.line && lineIndex <= selTo.line) {
+                int from = lineIndex == selFrom.line ? selFrom.column : 0;
+                int to = lineIndex == selTo.line ? selTo.column : static_cast<int>(line.size());
+                uint32_t color = GetSysColor(SYS_COLOR_HIGHLIGHTTEXT);
+                PangoAttribute* attribute = pango_attr_foreground_new(
+                    static_cast<guint16>((color & 0xFF) * 257), static_cast<guint16>(((color >> 8) & 0xFF) * 257),
+                    static_cast<guint16>(((color >> 16) & 0xFF) * 257));
+                attribute->start_index = static_cast<guint>(offsets[static_cast<size_t>(from)]);
+                attribute->end_index = static_cast<guint>(offsets[static_cast<size_t>(to)]);
+                pango_attr_list_change(attributes, attribute);
+            }
             pango_layout_set_attributes(layout, attributes);
             pango_attr_list_unref(attributes);
             pango_layout_set_text(layout, display.c_str(), static_cast<int>(display.size()));
