@@ -20,6 +20,7 @@
 #include "support/temp_dir.h"
 #include "toolkit/notification.h"
 #include "toolkit/platform/gtk/gtk_platform.h"
+#include "toolkit/platform/platform.h"
 #include "toolkit/wnd_app.h"
 
 namespace {
@@ -209,6 +210,29 @@ TEST_F(BrowserOnGtk, NavigateHtmlTwiceLeavesOneTemporaryFileAndArchivesOpen) {
     EXPECT_EQ(TempFiles(temp.Path()), 1);
     ASSERT_TRUE(Until([&] { return browser.GetTitle() == SString("Archived"); }))
         << "title " << browser.GetTitle().c_str();
+}
+
+TEST_F(BrowserOnGtk, TheKeyboardFocusGoesInAndOut) {
+    std::string page = temp / "input.htm";
+    {
+        std::ofstream out(page);
+        out << "<html><head><title>empty</title></head><body>"
+               "<input id=i style='width:300px' oninput='document.title=this.value'>"
+               "<script>document.getElementById('i').focus()</script></body></html>";
+    }
+    ASSERT_TRUE(LoadAndWait("file://" + page, "input"));
+    // The toolkit's focus on the control gives the view the keyboard, and
+    // typed keys reach the page, not the toolkit.
+    SetFocus(browser.GetHandle());
+    ASSERT_TRUE(Until([&] { return GtkHostedChildHasFocus(browser.GetHandle()); }));
+    ASSERT_TRUE(GetPlatform()->PressKey('K'));
+    ASSERT_TRUE(Until([&] { return browser.GetTitle() == SString("k"); })) << browser.GetTitle().c_str();
+    // Focus elsewhere takes it back to the drawing area.
+    SetFocus(top.GetHandle());
+    ASSERT_TRUE(Until([&] { return !GtkHostedChildHasFocus(browser.GetHandle()); }));
+    // A click into the view makes the control the toolkit's focus window.
+    ASSERT_TRUE(GtkSimulateClick(top.GetHandle(), 200, 200));
+    ASSERT_TRUE(Until([&] { return GetFocus() == browser.GetHandle(); }));
 }
 
 } // namespace

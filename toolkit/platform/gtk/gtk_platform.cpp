@@ -764,6 +764,15 @@ Surface* FindSurface(HWND top) {
 
 } // namespace
 
+bool GtkHostedChildHasFocus(HWND owner) {
+    GtkPlatform* platform = Current();
+    if (platform == nullptr) {
+        return false;
+    }
+    auto it = platform->hosted.find(owner);
+    return it != platform->hosted.end() && gtk_widget_has_focus(it->second.widget);
+}
+
 bool UseGtkPlatform() {
     gdk_set_allowed_backends("x11");
     if (!gtk_init_check(nullptr, nullptr)) {
