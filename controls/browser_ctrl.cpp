@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 #include "controls/web/webkit_engine.h"
 #include "foundation/disk.h"
@@ -13,6 +14,25 @@ namespace {
 SWebEngineFactory& Factory() {
     static SWebEngineFactory factory = nullptr;
     return factory;
+}
+
+// A local path as a file URL: bytes other than letters, digits, "/" and
+// "-._~" are escaped, so "#", "?", "%" and blanks in names stay names.
+std::string FileUrl(const char* path) {
+    static const char digits[] = "0123456789ABCDEF";
+    std::string url = "file://";
+    for (const char* p = path; *p != '\0'; ++p) {
+        auto c = static_cast<unsigned char>(*p);
+        if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '/' ||
+            c == '-' || c == '.' || c == '_' || c == '~') {
+            url += static_cast<char>(c);
+        } else {
+            url += '%';
+            url += digits[c >> 4];
+            url += digits[c & 15];
+        }
+    }
+    return url;
 }
 
 } // namespace
@@ -38,7 +58,8 @@ bool SBrowserCtrl::NavigateUrl(const char* url, const char* newTag) {
         return false;
     }
     tag = newTag != nullptr ? newTag : "";
-    return engine->Load(url, history);
+    // A local path is loaded as its file URL.
+    return engine->Load(url[0] == '/' ? FileUrl(url).c_str() : url, history);
 }
 
 bool SBrowserCtrl::NavigateHtml(const char* html, const char* newTag, const char* extension) {
@@ -73,9 +94,7 @@ bool SBrowserCtrl::NavigateHtml(const char* html, const char* newTag, const char
         RemoveTempFile();
         return false;
     }
-    SString url = "file://";
-    url += path;
-    return NavigateUrl(url.c_str(), newTag);
+    return NavigateUrl(FileUrl(path.c_str()).c_str(), newTag);
 }
 
 void SBrowserCtrl::RemoveTempFile() {

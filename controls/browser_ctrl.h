@@ -60,7 +60,8 @@ public:
     SBrowserCtrl();
     ~SBrowserCtrl() override;
 
-    // Loads url and keeps tag as the current tag. False without an engine.
+    // Loads url (a path from "/" loads as its file URL) and keeps tag as the
+    // current tag. False without an engine.
     bool NavigateUrl(const char* url, const char* tag);
     // Writes html to a temporary file, "melkora_browser_<n>" plus extension
     // (".htm", ".mht"; may be empty) in the temporary folder, and loads it.

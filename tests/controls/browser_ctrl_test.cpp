@@ -141,10 +141,13 @@ TEST_F(BrowserCtrlTest, ACancelledNavigationLeavesTheTag) {
     ASSERT_EQ(parent.asked.size(), 3u);
     EXPECT_EQ(parent.asked[1], "file:///blocked/b.htm");
     EXPECT_EQ(parent.done, std::vector<int>{0}); // only the page that loaded
+    // A local path loads as its file URL, escaped.
+    ASSERT_TRUE(browser.NavigateUrl("/music/A #1 100%.htm", "path"));
+    EXPECT_EQ(browser.GetAddress(), SString("file:///music/A%20%231%20100%25.htm"));
     // A link allowed loads; the tag is the owner's to set.
     ScriptedEngine::last->Follow("file:///music/c.htm");
     EXPECT_EQ(browser.GetAddress(), SString("file:///music/c.htm"));
-    EXPECT_EQ(browser.GetTag(), SString("/music/a.htm"));
+    EXPECT_EQ(browser.GetTag(), SString("path"));
 }
 
 TEST_F(BrowserCtrlTest, NavigateHtmlKeepsOneTemporaryFile) {
