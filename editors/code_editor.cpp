@@ -11,6 +11,24 @@ bool IsContinuation(char c) {
     return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
 }
 
+// Whether column starts a character of line: not inside a UTF-8 sequence
+// that a lead byte before it opened. A stray continuation byte is a
+// character of its own, so bad bytes never join the ones round them.
+bool IsCharStart(const std::string& line, int column) {
+    if (column <= 0 || column >= static_cast<int>(line.size()) ||
+        !IsContinuation(line[static_cast<size_t>(column)])) {
+        return true;
+    }
+    for (int back = 1; back <= 3 && column - back >= 0; ++back) {
+        auto c = static_cast<unsigned char>(line[static_cast<size_t>(column - back)]);
+        if ((c & 0xC0) != 0x80) {
+            int length = c >= 0xF0 ? 4 : c >= 0xE0 ? 3 : c >= 0xC0 ? 2 : 1;
+            return back >= length;
+        }
+    }
+    return true;
+}
+
 bool IsWordByte(char c) {
     auto byte = static_cast<unsigned char>(c);
     return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') ||
@@ -144,8 +162,7 @@ SCodePos SCodeEditor::Clamp(SCodePos pos) const {
     pos.line = std::clamp(pos.line, 0, GetLineCount() - 1);
     const std::string& line = lines[static_cast<size_t>(pos.line)];
     pos.column = std::clamp(pos.column, 0, static_cast<int>(line.size()));
-    while (pos.column > 0 && pos.column < static_cast<int>(line.size()) &&
-           IsContinuation(line[static_cast<size_t>(pos.column)])) {
+    while (!IsCharStart(line, pos.column)) {
         --pos.column;
     }
     return pos;
@@ -204,8 +221,14 @@ void SCodeEditor::SelectLine(int line) {
 }
 
 std::string SCodeEditor::GetRange(SCodePos from, SCodePos to) const {
-    from = Clamp(from);
-    to = Clamp(to);
+    // Kept inside the text only: the edits' own positions are exact.
+    auto inside = [this](SCodePos pos) {
+        pos.line = std::clamp(pos.line, 0, GetLineCount() - 1);
+        pos.column = std::clamp(pos.column, 0, static_cast<int>(lines[static_cast<size_t>(pos.line)].size()));
+        return pos;
+    };
+    from = inside(from);
+    to = inside(to);
     if (to < from) {
         std::swap(from, to);
     }
@@ -376,7 +399,7 @@ bool SCodeEditor::DeleteSelection() {
 int SCodeEditor::NextColumn(SCodePos pos) const {
     const std::string& line = lines[static_cast<size_t>(pos.line)];
     int column = pos.column + 1;
-    while (column < static_cast<int>(line.size()) && IsContinuation(line[static_cast<size_t>(column)])) {
+    while (column < static_cast<int>(line.size()) && !IsCharStart(line, column)) {
         ++column;
     }
     return std::min(column, static_cast<int>(line.size()));
@@ -385,7 +408,7 @@ int SCodeEditor::NextColumn(SCodePos pos) const {
 int SCodeEditor::PreviousColumn(SCodePos pos) const {
     const std::string& line = lines[static_cast<size_t>(pos.line)];
     int column = pos.column - 1;
-    while (column > 0 && IsContinuation(line[static_cast<size_t>(column)])) {
+    while (column > 0 && !IsCharStart(line, column)) {
         --column;
     }
     return std::max(column, 0);
@@ -745,7 +768,7 @@ int SCodeEditor::ScreenColumn(int line, int column) const {
         char c = text[static_cast<size_t>(i)];
         if (c == '\t') {
             screen += std::max(1, settings.tabSize);
-        } else if (!IsContinuation(c)) {
+        } else if (IsCharStart(text, i)) {
             ++screen;
         }
     }
@@ -764,7 +787,7 @@ int SCodeEditor::ColumnAtScreen(int line, int screenColumn) const {
         }
         screen += width;
         ++column;
-        while (column < size && IsContinuation(text[static_cast<size_t>(column)])) {
+        while (column < size && !IsCharStart(text, column)) {
             ++column;
         }
     }

@@ -126,6 +126,31 @@ TEST(CodeEditor, EditRules) {
     }
 }
 
+// Bytes that are no UTF-8 (a file read as it is) stay characters of their
+// own: the caret never lands inside a sequence nor skips good text, and
+// every edit over them undoes exactly.
+TEST(CodeEditor, BadBytesStayCharactersOfTheirOwn) {
+    SCodeEditor editor;
+    editor.SetText("\t\xAF\r\xC3\xA9\xBF!");
+    editor.Tab(true); // removes the leading tab before a stray byte
+    EXPECT_EQ(editor.GetLine(0), "\xAF");
+    EXPECT_TRUE(editor.Undo());
+    EXPECT_EQ(editor.GetText(), "\t\xAF\n\xC3\xA9\xBF!");
+    editor.SetCaret(SCodePos{1, 0}, false);
+    std::vector<int> columns;
+    for (int i = 0; i < 3; ++i) {
+        editor.Key(CODE_KEY_RIGHT, 0, 1);
+        columns.push_back(editor.GetCaret().column);
+    }
+    EXPECT_EQ(columns, (std::vector<int>{2, 3, 4})); // é, the stray byte, "!"
+    EXPECT_EQ(editor.ScreenColumn(1, 3), 2);
+    editor.SetCaret(SCodePos{1, 1}, false); // inside é: moved to its start
+    EXPECT_EQ(editor.GetCaret().column, 0);
+    editor.SetCaret(SCodePos{1, 3}, false);
+    editor.Backspace();
+    EXPECT_EQ(editor.GetLine(1), "\xC3\xA9!");
+}
+
 TEST(CodeEditor, ReadOnlyStillCopiesAndSelects) {
     SCodeEditor editor;
     editor.SetText("one two");
