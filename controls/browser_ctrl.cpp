@@ -23,8 +23,8 @@ std::string FileUrl(const char* path) {
     std::string url = "file://";
     for (const char* p = path; *p != '\0'; ++p) {
         auto c = static_cast<unsigned char>(*p);
-        if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '/' ||
-            c == '-' || c == '.' || c == '_' || c == '~') {
+        if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+            c == '/' || c == '-' || c == '.' || c == '_' || c == '~') {
             url += static_cast<char>(c);
         } else {
             url += '%';
@@ -148,7 +148,8 @@ LRESULT SBrowserCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) 
     case WM_KILLFOCUS:
         hosted.Focus(false);
         break;
-    default: break;
+    default:
+        break;
     }
     return SWnd::OnMessage(message, wParam, lParam);
 }
@@ -169,8 +170,8 @@ void SBrowserCtrl::OnProgress(int done, int total) {
     if (done < 0) {
         return;
     }
-    uint64_t pair = (static_cast<uint64_t>(static_cast<uint32_t>(total)) << 32) |
-                    static_cast<uint32_t>(done);
+    uint64_t pair =
+        (static_cast<uint64_t>(static_cast<uint32_t>(total)) << 32) | static_cast<uint32_t>(done);
     Tell(SN_WEB_PROGRESS, static_cast<LPARAM>(pair));
 }
 

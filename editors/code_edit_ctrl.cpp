@@ -25,10 +25,10 @@ constexpr unsigned kKeyInsert = 45;
 
 const std::map<std::string, std::string>& Labels() {
     static const std::map<std::string, std::string> labels = {
-        {"#GENERAL", "General"}, {"#CODE", "Code"},       {"#FIND", "Find..."},
-        {"#REPLACE", "Replace..."}, {"#GOTO", "Go To..."}, {"#PRINT", "Print..."},
-        {"#CANCEL", "Cancel"},   {"@UNDO", "Undo"},       {"@CUT", "Cut"},
-        {"@COPY", "Copy"},       {"@PASTE", "Paste"},     {"@DELETE", "Delete"},
+        {"#GENERAL", "General"},     {"#CODE", "Code"},     {"#FIND", "Find..."},
+        {"#REPLACE", "Replace..."},  {"#GOTO", "Go To..."}, {"#PRINT", "Print..."},
+        {"#CANCEL", "Cancel"},       {"@UNDO", "Undo"},     {"@CUT", "Cut"},
+        {"@COPY", "Copy"},           {"@PASTE", "Paste"},   {"@DELETE", "Delete"},
         {"@SELECTALL", "Select All"}};
     return labels;
 }
@@ -122,18 +122,30 @@ uint32_t SCodeEditCtrl::GetColor(SCodeColor which) const {
     }
     switch (which) {
     case CODE_COLOR_BACK:
-    case CODE_COLOR_BACKFOCUS: return GetSysColor(SYS_COLOR_WINDOW);
-    case CODE_COLOR_HIGHLIGHT: return GetSysColor(SYS_COLOR_HIGHLIGHT);
-    case CODE_COLOR_BAR: return GetSysColor(SYS_COLOR_BTNFACE);
-    case CODE_COLOR_BARGRAY: return GetSysColor(SYS_COLOR_GRAYTEXT);
-    case CODE_COLOR_BARCHECK: return 0x0000C000;
-    case CODE_COLOR_BARMARK: return 0x000000C0;
-    case CODE_COLOR_TEXT: return GetSysColor(SYS_COLOR_WINDOWTEXT);
-    case CODE_COLOR_TEXTKEY: return 0x00C00000;   // blue
-    case CODE_COLOR_TEXTSTR: return 0x00000080;   // dark red
-    case CODE_COLOR_TEXTUP: return 0x00808000;    // teal
-    case CODE_COLOR_TEXTCOMMENT: return 0x00008000; // green
-    default: return 0;
+    case CODE_COLOR_BACKFOCUS:
+        return GetSysColor(SYS_COLOR_WINDOW);
+    case CODE_COLOR_HIGHLIGHT:
+        return GetSysColor(SYS_COLOR_HIGHLIGHT);
+    case CODE_COLOR_BAR:
+        return GetSysColor(SYS_COLOR_BTNFACE);
+    case CODE_COLOR_BARGRAY:
+        return GetSysColor(SYS_COLOR_GRAYTEXT);
+    case CODE_COLOR_BARCHECK:
+        return 0x0000C000;
+    case CODE_COLOR_BARMARK:
+        return 0x000000C0;
+    case CODE_COLOR_TEXT:
+        return GetSysColor(SYS_COLOR_WINDOWTEXT);
+    case CODE_COLOR_TEXTKEY:
+        return 0x00C00000; // blue
+    case CODE_COLOR_TEXTSTR:
+        return 0x00000080; // dark red
+    case CODE_COLOR_TEXTUP:
+        return 0x00808000; // teal
+    case CODE_COLOR_TEXTCOMMENT:
+        return 0x00008000; // green
+    default:
+        return 0;
     }
 }
 
@@ -194,7 +206,8 @@ bool SCodeEditCtrl::ApplyKey(const char* key, const char* value) {
     for (int i = 0; i < CODE_COLOR_COUNT; ++i) {
         if (std::strcmp(key, colorKeys[i]) == 0) {
             // The signed decimal of the 32-bit value.
-            colors[i] = static_cast<uint32_t>(std::strtoll(value != nullptr ? value : "0", nullptr, 10));
+            colors[i] =
+                static_cast<uint32_t>(std::strtoll(value != nullptr ? value : "0", nullptr, 10));
             Invalidate(nullptr);
             return true;
         }
@@ -220,7 +233,8 @@ void SCodeEditCtrl::ApplyProperties(const char* text) {
     size_t start = 0;
     while (start <= all.size()) {
         size_t end = all.find('\n', start);
-        std::string line = all.substr(start, end == std::string::npos ? std::string::npos : end - start);
+        std::string line =
+            all.substr(start, end == std::string::npos ? std::string::npos : end - start);
         if (!line.empty() && line.back() == '\r') {
             line.pop_back();
         }
@@ -272,8 +286,8 @@ bool SCodeEditCtrl::LoadFile(const char* path) {
         converted.reserve(data.size() + data.size() / 8);
         for (char c : data) {
             auto byte = static_cast<unsigned char>(c);
-            converted += byte < 0x80 ? std::string(1, c)
-                                     : Utf8(byte < 0xA0 ? kCp1252[byte - 0x80] : byte);
+            converted +=
+                byte < 0x80 ? std::string(1, c) : Utf8(byte < 0xA0 ? kCp1252[byte - 0x80] : byte);
         }
         data.swap(converted);
     }
@@ -341,7 +355,8 @@ void SCodeEditCtrl::EnsureCaretVisible() {
     } else if (caret.line >= firstLine + visible) {
         ScrollToLine(caret.line - visible + 1);
     }
-    int columns = std::max(1, (GetClientWidth() - GetBarWidth() - kTextMargin) / std::max(1, charWidth));
+    int columns =
+        std::max(1, (GetClientWidth() - GetBarWidth() - kTextMargin) / std::max(1, charWidth));
     int screen = editor.ScreenColumn(caret.line, caret.column);
     int left = leftColumn;
     if (screen < left) {
@@ -356,7 +371,8 @@ void SCodeEditCtrl::EnsureCaretVisible() {
 }
 
 SCodePos SCodeEditCtrl::PositionAt(int x, int y) const {
-    int line = firstLine + (y < 0 ? -1 - (-y - 1) / std::max(1, lineHeight) : y / std::max(1, lineHeight));
+    int line =
+        firstLine + (y < 0 ? -1 - (-y - 1) / std::max(1, lineHeight) : y / std::max(1, lineHeight));
     line = std::clamp(line, 0, editor.GetLineCount() - 1);
     int textX = x - GetBarWidth() - kTextMargin + leftColumn * charWidth;
     int screen = std::max(0, (textX + charWidth / 2) / std::max(1, charWidth));
@@ -405,7 +421,8 @@ void SCodeEditCtrl::Changed(uint64_t versionBefore, SCodePos caretBefore) {
     if (editor.GetVersion() != versionBefore && GetHandle() != 0) {
         HWND parent = GetParent();
         if (parent != 0) {
-            SendMessage(parent, SN_EDITOR_CHANGE, reinterpret_cast<WPARAM>(static_cast<SWnd*>(this)), 0);
+            SendMessage(parent, SN_EDITOR_CHANGE,
+                        reinterpret_cast<WPARAM>(static_cast<SWnd*>(this)), 0);
         }
     }
 }
@@ -424,7 +441,8 @@ std::vector<SCodeEditCtrl::PopupItem> SCodeEditCtrl::GetPopupItems() const {
     bool writable = !editor.settings.readOnly;
     bool selection = editor.HasSelection();
     return {
-        {CODEEDIT_COMMAND_UNDO, GetCodeEditLabel("@UNDO") + "\tCtrl+Z", writable && editor.CanUndo()},
+        {CODEEDIT_COMMAND_UNDO, GetCodeEditLabel("@UNDO") + "\tCtrl+Z",
+         writable && editor.CanUndo()},
         {CODEEDIT_COMMAND_CUT, GetCodeEditLabel("@CUT") + "\tCtrl+X", writable && selection},
         {CODEEDIT_COMMAND_COPY, GetCodeEditLabel("@COPY") + "\tCtrl+C", selection},
         {CODEEDIT_COMMAND_PASTE, GetCodeEditLabel("@PASTE") + "\tCtrl+V", writable},
@@ -433,19 +451,36 @@ std::vector<SCodeEditCtrl::PopupItem> SCodeEditCtrl::GetPopupItems() const {
     };
 }
 
+std::vector<SString> SCodeEditCtrl::GetPanelEntries() {
+    return {"#GENERAL", "#FIND", "#REPLACE", "#GOTO", "#PRINT"};
+}
+
 bool SCodeEditCtrl::RunCommand(unsigned command) {
     bool readOnly = editor.settings.readOnly;
     if (readOnly && command != CODEEDIT_COMMAND_COPY && command != CODEEDIT_COMMAND_SELECTALL) {
         return false;
     }
     switch (command) {
-    case CODEEDIT_COMMAND_UNDO: OnUndo(); return true;
-    case CODEEDIT_COMMAND_CUT: OnCut(); return true;
-    case CODEEDIT_COMMAND_COPY: OnCopy(); return true;
-    case CODEEDIT_COMMAND_PASTE: OnPaste(); return true;
-    case CODEEDIT_COMMAND_DELETE: OnDelete(); return true;
-    case CODEEDIT_COMMAND_SELECTALL: OnSelectAll(); return true;
-    default: return false;
+    case CODEEDIT_COMMAND_UNDO:
+        OnUndo();
+        return true;
+    case CODEEDIT_COMMAND_CUT:
+        OnCut();
+        return true;
+    case CODEEDIT_COMMAND_COPY:
+        OnCopy();
+        return true;
+    case CODEEDIT_COMMAND_PASTE:
+        OnPaste();
+        return true;
+    case CODEEDIT_COMMAND_DELETE:
+        OnDelete();
+        return true;
+    case CODEEDIT_COMMAND_SELECTALL:
+        OnSelectAll();
+        return true;
+    default:
+        return false;
     }
 }
 
@@ -614,16 +649,35 @@ bool SCodeEditCtrl::HandleKey(unsigned code) {
                 OnUndo();
             }
             return true;
-        case 'Y': Redo(); return true;
-        case 'X': OnCut(); return true;
-        case 'C': OnCopy(); return true;
-        case 'V': OnPaste(); return true;
-        case 'A': OnSelectAll(); return true;
-        case 'F': OnFind(); return true;
-        case 'H': OnReplace(); return true;
-        case 'G': OnGoTo(); return true;
-        case kKeyInsert: OnCopy(); return true;
-        default: break;
+        case 'Y':
+            Redo();
+            return true;
+        case 'X':
+            OnCut();
+            return true;
+        case 'C':
+            OnCopy();
+            return true;
+        case 'V':
+            OnPaste();
+            return true;
+        case 'A':
+            OnSelectAll();
+            return true;
+        case 'F':
+            OnFind();
+            return true;
+        case 'H':
+            OnReplace();
+            return true;
+        case 'G':
+            OnGoTo();
+            return true;
+        case kKeyInsert:
+            OnCopy();
+            return true;
+        default:
+            break;
         }
     }
     if (shift && code == CODE_KEY_DELETE) {
@@ -768,7 +822,8 @@ LRESULT SCodeEditCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam)
             popup->Destroy();
         }
         break;
-    default: break;
+    default:
+        break;
     }
     return SWnd::OnMessage(message, wParam, lParam);
 }
@@ -816,11 +871,14 @@ void SCodeEditCtrl::Paint(cairo_t* cr) {
         cairo_clip(cr);
         // The selection.
         if (editor.HasSelection() && lineIndex >= selFrom.line && lineIndex <= selTo.line) {
-            int from = lineIndex == selFrom.line ? editor.ScreenColumn(lineIndex, selFrom.column) : 0;
-            int to = lineIndex == selTo.line ? editor.ScreenColumn(lineIndex, selTo.column)
-                                             : editor.ScreenColumn(lineIndex, static_cast<int>(line.size())) + 1;
+            int from =
+                lineIndex == selFrom.line ? editor.ScreenColumn(lineIndex, selFrom.column) : 0;
+            int to = lineIndex == selTo.line
+                         ? editor.ScreenColumn(lineIndex, selTo.column)
+                         : editor.ScreenColumn(lineIndex, static_cast<int>(line.size())) + 1;
             SetSource(cr, GetColor(CODE_COLOR_HIGHLIGHT));
-            cairo_rectangle(cr, textLeft + from * charWidth, y, (to - from) * charWidth, lineHeight);
+            cairo_rectangle(cr, textLeft + from * charWidth, y, (to - from) * charWidth,
+                            lineHeight);
             cairo_fill(cr);
         }
         // The text, tabs opened into blanks, coloured by runs.
@@ -841,17 +899,29 @@ void SCodeEditCtrl::Paint(cairo_t* cr) {
             for (const SCodeRun& run : runs) {
                 uint32_t color = GetColor(CODE_COLOR_TEXT);
                 switch (run.kind) {
-                case SCodeToken::KEYWORD: color = GetColor(CODE_COLOR_TEXTKEY); break;
-                case SCodeToken::UPPER: color = GetColor(CODE_COLOR_TEXTUP); break;
-                case SCodeToken::STRING: color = GetColor(CODE_COLOR_TEXTSTR); break;
-                case SCodeToken::COMMENT: color = GetColor(CODE_COLOR_TEXTCOMMENT); break;
-                default: break;
+                case SCodeToken::KEYWORD:
+                    color = GetColor(CODE_COLOR_TEXTKEY);
+                    break;
+                case SCodeToken::UPPER:
+                    color = GetColor(CODE_COLOR_TEXTUP);
+                    break;
+                case SCodeToken::STRING:
+                    color = GetColor(CODE_COLOR_TEXTSTR);
+                    break;
+                case SCodeToken::COMMENT:
+                    color = GetColor(CODE_COLOR_TEXTCOMMENT);
+                    break;
+                default:
+                    break;
                 }
-                PangoAttribute* attribute = pango_attr_foreground_new(
-                    static_cast<guint16>((color & 0xFF) * 257), static_cast<guint16>(((color >> 8) & 0xFF) * 257),
-                    static_cast<guint16>(((color >> 16) & 0xFF) * 257));
-                attribute->start_index = static_cast<guint>(offsets[static_cast<size_t>(run.start)]);
-                attribute->end_index = static_cast<guint>(offsets[static_cast<size_t>(run.start + run.length)]);
+                PangoAttribute* attribute =
+                    pango_attr_foreground_new(static_cast<guint16>((color & 0xFF) * 257),
+                                              static_cast<guint16>(((color >> 8) & 0xFF) * 257),
+                                              static_cast<guint16>(((color >> 16) & 0xFF) * 257));
+                attribute->start_index =
+                    static_cast<guint>(offsets[static_cast<size_t>(run.start)]);
+                attribute->end_index =
+                    static_cast<guint>(offsets[static_cast<size_t>(run.start + run.length)]);
                 pango_attr_list_insert(attributes, attribute);
             }
             // Selected text in the theme's highlight text colour, over the
@@ -862,9 +932,10 @@ void SCodeEditCtrl::Paint(cairo_t* cr) {
                 int from = lineIndex == selFrom.line ? selFrom.column : 0;
                 int to = lineIndex == selTo.line ? selTo.column : static_cast<int>(line.size());
                 uint32_t color = GetSysColor(SYS_COLOR_HIGHLIGHTTEXT);
-                PangoAttribute* attribute = pango_attr_foreground_new(
-                    static_cast<guint16>((color & 0xFF) * 257), static_cast<guint16>(((color >> 8) & 0xFF) * 257),
-                    static_cast<guint16>(((color >> 16) & 0xFF) * 257));
+                PangoAttribute* attribute =
+                    pango_attr_foreground_new(static_cast<guint16>((color & 0xFF) * 257),
+                                              static_cast<guint16>(((color >> 8) & 0xFF) * 257),
+                                              static_cast<guint16>(((color >> 16) & 0xFF) * 257));
                 attribute->start_index = static_cast<guint>(offsets[static_cast<size_t>(from)]);
                 attribute->end_index = static_cast<guint>(offsets[static_cast<size_t>(to)]);
                 pango_attr_list_change(attributes, attribute);

@@ -97,6 +97,10 @@ public:
     bool CommitText(const char* utf8);
     // The popup menu's items as they stand now.
     std::vector<PopupItem> GetPopupItems() const;
+    // The entries the editor gives a side panel: its group "#GENERAL" and
+    // the items "#FIND", "#REPLACE", "#GOTO" and "#PRINT", as keys (their
+    // labels from GetCodeEditLabel).
+    static std::vector<SString> GetPanelEntries();
     // Runs a popup command (1000 to 1005).
     bool RunCommand(unsigned command);
     bool Redo();

@@ -42,14 +42,22 @@ void Frame(cairo_t* cr, const SRect& rect, uint32_t color) {
 
 const char* ButtonLabel(SCodeEditDialog::Button button) {
     switch (button) {
-    case SCodeEditDialog::FIND_NEXT: return "Find Next";
-    case SCodeEditDialog::REPLACE_ONE: return "Replace";
-    case SCodeEditDialog::REPLACE_ALL: return "Replace All";
-    case SCodeEditDialog::GO: return "OK";
-    case SCodeEditDialog::CANCEL: return "Cancel";
-    case SCodeEditDialog::MATCH_CASE: return "Match case";
-    case SCodeEditDialog::DIRECTION_UP: return "Search up";
-    default: return "";
+    case SCodeEditDialog::FIND_NEXT:
+        return "Find Next";
+    case SCodeEditDialog::REPLACE_ONE:
+        return "Replace";
+    case SCodeEditDialog::REPLACE_ALL:
+        return "Replace All";
+    case SCodeEditDialog::GO:
+        return "OK";
+    case SCodeEditDialog::CANCEL:
+        return "Cancel";
+    case SCodeEditDialog::MATCH_CASE:
+        return "Match case";
+    case SCodeEditDialog::DIRECTION_UP:
+        return "Search up";
+    default:
+        return "";
     }
 }
 
@@ -93,7 +101,8 @@ std::string Utf8(unsigned code) {
 int DrawCodeBoxText(cairo_t* cr, const char* text, int x, int y, uint32_t color, const char* family,
                     int pixels) {
     PangoLayout* layout = pango_cairo_create_layout(cr);
-    PangoFontDescription* description = pango_font_description_from_string(family != nullptr ? family : "Sans");
+    PangoFontDescription* description =
+        pango_font_description_from_string(family != nullptr ? family : "Sans");
     pango_font_description_set_absolute_size(description, pixels * PANGO_SCALE);
     pango_layout_set_font_description(layout, description);
     pango_font_description_free(description);
@@ -126,7 +135,8 @@ bool SCodeEditDialog::Open() {
     int rows = GetFieldCount() + (kind == GOTO ? 0 : 1);
     int buttons = kind == REPLACE ? 4 : 2;
     int width = kMargin * 3 + kLabelWidth + kFieldWidth + kButtonWidth;
-    int height = std::max(kMargin * 2 + rows * kRowHeight, kMargin * 2 + buttons * (kButtonHeight + 6)) + 16;
+    int height =
+        std::max(kMargin * 2 + rows * kRowHeight, kMargin * 2 + buttons * (kButtonHeight + 6)) + 16;
     SRect place = editor->GetWindowRect();
     SRect rect{place.left + 40, place.top + 40, place.left + 40 + width, place.top + 40 + height};
     const char* title = kind == FIND ? "#FIND" : kind == REPLACE ? "#REPLACE" : "#GOTO";
@@ -159,7 +169,8 @@ void SCodeEditDialog::SetField(int index, const char* text) {
 
 SRect SCodeEditDialog::FieldRect(int index) const {
     int top = kMargin + index * kRowHeight;
-    return SRect{kMargin + kLabelWidth, top, kMargin + kLabelWidth + kFieldWidth, top + kFieldHeight};
+    return SRect{kMargin + kLabelWidth, top, kMargin + kLabelWidth + kFieldWidth,
+                 top + kFieldHeight};
 }
 
 SRect SCodeEditDialog::GetButtonRect(Button button) const {
@@ -170,16 +181,22 @@ SRect SCodeEditDialog::GetButtonRect(Button button) const {
     };
     int checks = kMargin + GetFieldCount() * kRowHeight;
     switch (button) {
-    case FIND_NEXT: return kind != GOTO ? stack(0) : SRect{};
-    case REPLACE_ONE: return kind == REPLACE ? stack(1) : SRect{};
-    case REPLACE_ALL: return kind == REPLACE ? stack(2) : SRect{};
-    case GO: return kind == GOTO ? stack(0) : SRect{};
-    case CANCEL: return stack(kind == REPLACE ? 3 : 1);
+    case FIND_NEXT:
+        return kind != GOTO ? stack(0) : SRect{};
+    case REPLACE_ONE:
+        return kind == REPLACE ? stack(1) : SRect{};
+    case REPLACE_ALL:
+        return kind == REPLACE ? stack(2) : SRect{};
+    case GO:
+        return kind == GOTO ? stack(0) : SRect{};
+    case CANCEL:
+        return stack(kind == REPLACE ? 3 : 1);
     case MATCH_CASE:
         return kind != GOTO ? SRect{kMargin, checks, kMargin + 120, checks + 20} : SRect{};
     case DIRECTION_UP:
         return kind != GOTO ? SRect{kMargin + 130, checks, kMargin + 250, checks + 20} : SRect{};
-    default: return SRect{};
+    default:
+        return SRect{};
     }
 }
 
@@ -215,7 +232,9 @@ bool SCodeEditDialog::Press(Button button) {
         CloseBox();
         return true;
     }
-    case CANCEL: CloseBox(); return true;
+    case CANCEL:
+        CloseBox();
+        return true;
     case MATCH_CASE:
         matchCase = !matchCase;
         editor->SetSearchState(!up, matchCase);
@@ -224,7 +243,8 @@ bool SCodeEditDialog::Press(Button button) {
         up = !up;
         editor->SetSearchState(!up, matchCase);
         break;
-    default: return false;
+    default:
+        return false;
     }
     status = result ? "" : "Not found.";
     if (GetHandle() != 0) {
@@ -242,7 +262,8 @@ LRESULT SCodeEditDialog::OnMessage(unsigned message, WPARAM wParam, LPARAM lPara
         CloseBox();
         return 0;
     case WM_CHAR: {
-        if (wParam < 32 || wParam == 127 || (SKeyboard::GetModifiers() & SKeyboard::MODIFIER_CTRL) != 0) {
+        if (wParam < 32 || wParam == 127 ||
+            (SKeyboard::GetModifiers() & SKeyboard::MODIFIER_CTRL) != 0) {
             return 0;
         }
         if (kind == GOTO && (wParam < '0' || wParam > '9')) {
@@ -256,8 +277,12 @@ LRESULT SCodeEditDialog::OnMessage(unsigned message, WPARAM wParam, LPARAM lPara
     }
     case WM_KEYDOWN:
         switch (wParam) {
-        case VK_ESCAPE: CloseBox(); return 0;
-        case VK_RETURN: Press(kind == GOTO ? GO : FIND_NEXT); return 0;
+        case VK_ESCAPE:
+            CloseBox();
+            return 0;
+        case VK_RETURN:
+            Press(kind == GOTO ? GO : FIND_NEXT);
+            return 0;
         case VK_TAB:
             activeField = (activeField + 1) % GetFieldCount();
             Invalidate(nullptr);
@@ -266,7 +291,8 @@ LRESULT SCodeEditDialog::OnMessage(unsigned message, WPARAM wParam, LPARAM lPara
             DropLastCharacter(&fields[activeField]);
             Invalidate(nullptr);
             return 0;
-        default: break;
+        default:
+            break;
         }
         break;
     case WM_LBUTTONDOWN: {
@@ -278,7 +304,8 @@ LRESULT SCodeEditDialog::OnMessage(unsigned message, WPARAM wParam, LPARAM lPara
                 return 0;
             }
         }
-        for (Button button : {FIND_NEXT, REPLACE_ONE, REPLACE_ALL, GO, CANCEL, MATCH_CASE, DIRECTION_UP}) {
+        for (Button button :
+             {FIND_NEXT, REPLACE_ONE, REPLACE_ALL, GO, CANCEL, MATCH_CASE, DIRECTION_UP}) {
             if (GetButtonRect(button).Contains(point)) {
                 Press(button);
                 return 0;
@@ -286,7 +313,8 @@ LRESULT SCodeEditDialog::OnMessage(unsigned message, WPARAM wParam, LPARAM lPara
         }
         return 0;
     }
-    default: break;
+    default:
+        break;
     }
     return SWnd::OnMessage(message, wParam, lParam);
 }
@@ -308,9 +336,12 @@ void SCodeEditDialog::Paint(cairo_t* cr) {
         cairo_save(cr);
         cairo_rectangle(cr, field.left + 2, field.top, field.Width() - 4, field.Height());
         cairo_clip(cr);
-        int width = DrawCodeBoxText(cr, fields[i].c_str(), field.left + 4, field.top + 4, windowText);
+        int width =
+            DrawCodeBoxText(cr, fields[i].c_str(), field.left + 4, field.top + 4, windowText);
         if (i == activeField) {
-            Fill(cr, SRect{field.left + 5 + width, field.top + 4, field.left + 6 + width, field.bottom - 4},
+            Fill(cr,
+                 SRect{field.left + 5 + width, field.top + 4, field.left + 6 + width,
+                       field.bottom - 4},
                  windowText);
         }
         cairo_restore(cr);
@@ -343,7 +374,8 @@ void SCodeEditDialog::Paint(cairo_t* cr) {
         Frame(cr, rect, shadow);
         const char* label = button == CANCEL ? nullptr : ButtonLabel(button);
         SString cancel = GetCodeEditLabel("#CANCEL");
-        DrawCodeBoxText(cr, label != nullptr ? label : cancel.c_str(), rect.left + 10, rect.top + 5, text);
+        DrawCodeBoxText(cr, label != nullptr ? label : cancel.c_str(), rect.left + 10, rect.top + 5,
+                        text);
     }
     if (!status.IsEmpty()) {
         DrawCodeBoxText(cr, status.c_str(), kMargin, GetClientHeight() - 22, text);
@@ -365,7 +397,8 @@ bool SCodePopupMenu::Open(SPoint screen) {
     if (editor == nullptr) {
         return false;
     }
-    SRect rect{screen.x, screen.y, screen.x + kMenuWidth, screen.y + GetItemCount() * kItemHeight + 4};
+    SRect rect{screen.x, screen.y, screen.x + kMenuWidth,
+               screen.y + GetItemCount() * kItemHeight + 4};
     if (!Create("", WS_POPUP | WS_VISIBLE, 0, &rect, 0)) {
         return false;
     }
@@ -381,7 +414,8 @@ int SCodePopupMenu::ItemAt(int y) const {
 bool SCodePopupMenu::Choose(int item) {
     std::vector<SCodeEditCtrl::PopupItem> items =
         editor != nullptr ? editor->GetPopupItems() : std::vector<SCodeEditCtrl::PopupItem>();
-    if (item < 0 || item >= static_cast<int>(items.size()) || !items[static_cast<size_t>(item)].enabled) {
+    if (item < 0 || item >= static_cast<int>(items.size()) ||
+        !items[static_cast<size_t>(item)].enabled) {
         return false;
     }
     SCodeEditCtrl* owner = editor;
@@ -414,9 +448,13 @@ LRESULT SCodePopupMenu::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam
         return 0;
     case WM_KEYDOWN:
         switch (wParam) {
-        case VK_ESCAPE: Destroy(); return 0;
-        case VK_RETURN: Choose(hot); return 0;
-        case 38: // up
+        case VK_ESCAPE:
+            Destroy();
+            return 0;
+        case VK_RETURN:
+            Choose(hot);
+            return 0;
+        case 38:   // up
         case 40: { // down
             int count = GetItemCount();
             if (count > 0) {
@@ -425,10 +463,12 @@ LRESULT SCodePopupMenu::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam
             }
             return 0;
         }
-        default: break;
+        default:
+            break;
         }
         break;
-    default: break;
+    default:
+        break;
     }
     return SWnd::OnMessage(message, wParam, lParam);
 }
@@ -442,7 +482,8 @@ void SCodePopupMenu::Paint(cairo_t* cr) {
         int top = 2 + static_cast<int>(i) * kItemHeight;
         bool isHot = static_cast<int>(i) == hot && items[i].enabled;
         if (isHot) {
-            Fill(cr, SRect{2, top, client.right - 2, top + kItemHeight}, GetSysColor(SYS_COLOR_HIGHLIGHT));
+            Fill(cr, SRect{2, top, client.right - 2, top + kItemHeight},
+                 GetSysColor(SYS_COLOR_HIGHLIGHT));
         }
         uint32_t color = !items[i].enabled ? GetSysColor(SYS_COLOR_GRAYTEXT)
                          : isHot           ? GetSysColor(SYS_COLOR_HIGHLIGHTTEXT)

@@ -224,7 +224,8 @@ std::string SCodeEditor::GetRange(SCodePos from, SCodePos to) const {
     // Kept inside the text only: the edits' own positions are exact.
     auto inside = [this](SCodePos pos) {
         pos.line = std::clamp(pos.line, 0, GetLineCount() - 1);
-        pos.column = std::clamp(pos.column, 0, static_cast<int>(lines[static_cast<size_t>(pos.line)].size()));
+        pos.column = std::clamp(pos.column, 0,
+                                static_cast<int>(lines[static_cast<size_t>(pos.line)].size()));
         return pos;
     };
     from = inside(from);
@@ -515,8 +516,10 @@ bool SCodeEditor::Tab(bool shift) {
         }
     }
     if (changed) {
-        SCodePos to = end.column == 0 ? SCodePos{end.line, 0}
-                                      : SCodePos{last, static_cast<int>(lines[static_cast<size_t>(last)].size())};
+        SCodePos to =
+            end.column == 0
+                ? SCodePos{end.line, 0}
+                : SCodePos{last, static_cast<int>(lines[static_cast<size_t>(last)].size())};
         anchor = SCodePos{start.line, 0};
         caret = to;
     }
@@ -525,8 +528,10 @@ bool SCodeEditor::Tab(bool shift) {
 
 SCodePos SCodeEditor::WordLeft(SCodePos pos) const {
     if (pos.column == 0) {
-        return pos.line > 0 ? SCodePos{pos.line - 1, static_cast<int>(lines[static_cast<size_t>(pos.line - 1)].size())}
-                            : pos;
+        return pos.line > 0
+                   ? SCodePos{pos.line - 1,
+                              static_cast<int>(lines[static_cast<size_t>(pos.line - 1)].size())}
+                   : pos;
     }
     const std::string& line = lines[static_cast<size_t>(pos.line)];
     int column = pos.column;
@@ -559,7 +564,9 @@ bool SCodeEditor::Key(unsigned code, unsigned modifiers, int pageLines) {
     bool shift = (modifiers & SKeyboard::MODIFIER_SHIFT) != 0;
     bool ctrl = (modifiers & SKeyboard::MODIFIER_CTRL) != 0;
     int lastLine = GetLineCount() - 1;
-    auto lineEnd = [this](int line) { return static_cast<int>(lines[static_cast<size_t>(line)].size()); };
+    auto lineEnd = [this](int line) {
+        return static_cast<int>(lines[static_cast<size_t>(line)].size());
+    };
     auto vertical = [&](int delta) {
         if (wantedScreenColumn < 0) {
             wantedScreenColumn = ScreenColumn(caret.line, caret.column);
@@ -604,21 +611,34 @@ bool SCodeEditor::Key(unsigned code, unsigned modifiers, int pageLines) {
         }
         wantedScreenColumn = -1;
         return true;
-    case CODE_KEY_UP: vertical(-1); return true;
-    case CODE_KEY_DOWN: vertical(1); return true;
-    case CODE_KEY_PAGE_UP: vertical(-std::max(1, pageLines)); return true;
-    case CODE_KEY_PAGE_DOWN: vertical(std::max(1, pageLines)); return true;
+    case CODE_KEY_UP:
+        vertical(-1);
+        return true;
+    case CODE_KEY_DOWN:
+        vertical(1);
+        return true;
+    case CODE_KEY_PAGE_UP:
+        vertical(-std::max(1, pageLines));
+        return true;
+    case CODE_KEY_PAGE_DOWN:
+        vertical(std::max(1, pageLines));
+        return true;
     case CODE_KEY_HOME:
         SetCaret(ctrl ? SCodePos{0, 0} : SCodePos{caret.line, 0}, shift);
         wantedScreenColumn = -1;
         return true;
     case CODE_KEY_END:
-        SetCaret(ctrl ? SCodePos{lastLine, lineEnd(lastLine)} : SCodePos{caret.line, lineEnd(caret.line)},
+        SetCaret(ctrl ? SCodePos{lastLine, lineEnd(lastLine)}
+                      : SCodePos{caret.line, lineEnd(caret.line)},
                  shift);
         wantedScreenColumn = -1;
         return true;
-    case CODE_KEY_DELETE: DeleteForward(); return true;
-    case CODE_KEY_BACK: Backspace(); return true;
+    case CODE_KEY_DELETE:
+        DeleteForward();
+        return true;
+    case CODE_KEY_BACK:
+        Backspace();
+        return true;
     case CODE_KEY_RETURN:
         if (settings.singleLine && !(settings.br && (shift || ctrl))) {
             return false; // the dialog's default button may have it
@@ -631,7 +651,8 @@ bool SCodeEditor::Key(unsigned code, unsigned modifiers, int pageLines) {
         }
         Tab(shift);
         return true;
-    default: return false;
+    default:
+        return false;
     }
 }
 
@@ -688,7 +709,8 @@ bool SCodeEditor::FindFrom(const std::string& what, bool down, bool matchCase, S
     }
     for (int step = 0; step <= count; ++step) {
         int line = ((from.line - step) % count + count) % count;
-        int before = step == 0 ? from.column : static_cast<int>(lines[static_cast<size_t>(line)].size()) + 1;
+        int before =
+            step == 0 ? from.column : static_cast<int>(lines[static_cast<size_t>(line)].size()) + 1;
         int at = FindInLineBack(lines[static_cast<size_t>(line)], what, before, matchCase);
         if (at >= 0) {
             *start = SCodePos{line, at};
@@ -747,7 +769,8 @@ int SCodeEditor::ReplaceAll(const char* what, const char* with, bool matchCase) 
             continue;
         }
         SCodePos from{pos.line, at};
-        Replace(from, SCodePos{pos.line, at + static_cast<int>(pattern.size())}, replacement, count == 0);
+        Replace(from, SCodePos{pos.line, at + static_cast<int>(pattern.size())}, replacement,
+                count == 0);
         pos = caret;
         ++count;
     }
@@ -846,7 +869,8 @@ void SCodeEditor::Tokenize(int line, std::vector<SCodeRun>* runs) const {
             }
             if (close != nullptr) {
                 size_t found = text.find(close, static_cast<size_t>(i + openLength));
-                int end = found == std::string::npos ? size : static_cast<int>(found + std::strlen(close));
+                int end = found == std::string::npos ? size
+                                                     : static_cast<int>(found + std::strlen(close));
                 add(i, end - i, SCodeToken::COMMENT);
                 i = end;
                 continue;

@@ -41,22 +41,55 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         unsigned arg = data[i + 1];
         char text[3] = {static_cast<char>(arg), static_cast<char>(arg ^ 0x80), '\0'};
         switch (op) {
-        case 0: editor.Type(text); break;
-        case 1: editor.Insert(text); break;
-        case 2: editor.Backspace(); break;
-        case 3: editor.DeleteForward(); break;
-        case 4: editor.Return(arg & 3); break;
-        case 5: editor.Tab((arg & 1) != 0); break;
-        case 6: editor.Key(33 + arg % 8, arg >> 6, 1 + arg % 5); break;
-        case 7: editor.SetCaret(SCodePos{static_cast<int>(arg % 7) - 1, static_cast<int>(arg / 7) - 2}, (arg & 1) != 0); break;
-        case 8: editor.SelectWord(SCodePos{static_cast<int>(arg % 5), static_cast<int>(arg / 5)}); break;
-        case 9: editor.SelectLine(static_cast<int>(arg % 9) - 2); break;
-        case 10: editor.Find(text, (arg & 1) != 0, (arg & 2) != 0); break;
-        case 11: editor.Replace(text, "xy\n", (arg & 1) != 0, (arg & 2) != 0); break;
-        case 12: editor.ReplaceAll(text, "", (arg & 1) != 0); break;
-        case 13: editor.Undo(); break;
-        case 14: editor.Redo(); break;
-        default: editor.SelectAll(); break;
+        case 0:
+            editor.Type(text);
+            break;
+        case 1:
+            editor.Insert(text);
+            break;
+        case 2:
+            editor.Backspace();
+            break;
+        case 3:
+            editor.DeleteForward();
+            break;
+        case 4:
+            editor.Return(arg & 3);
+            break;
+        case 5:
+            editor.Tab((arg & 1) != 0);
+            break;
+        case 6:
+            editor.Key(33 + arg % 8, arg >> 6, 1 + arg % 5);
+            break;
+        case 7:
+            editor.SetCaret(SCodePos{static_cast<int>(arg % 7) - 1, static_cast<int>(arg / 7) - 2},
+                            (arg & 1) != 0);
+            break;
+        case 8:
+            editor.SelectWord(SCodePos{static_cast<int>(arg % 5), static_cast<int>(arg / 5)});
+            break;
+        case 9:
+            editor.SelectLine(static_cast<int>(arg % 9) - 2);
+            break;
+        case 10:
+            editor.Find(text, (arg & 1) != 0, (arg & 2) != 0);
+            break;
+        case 11:
+            editor.Replace(text, "xy\n", (arg & 1) != 0, (arg & 2) != 0);
+            break;
+        case 12:
+            editor.ReplaceAll(text, "", (arg & 1) != 0);
+            break;
+        case 13:
+            editor.Undo();
+            break;
+        case 14:
+            editor.Redo();
+            break;
+        default:
+            editor.SelectAll();
+            break;
         }
         Check(editor);
     }

@@ -48,8 +48,8 @@ void SHostedChild::Sync() {
     SRect client = window->GetClientRect();
     window->ClientToScreen(&client);
     SRect surface = topWnd->GetWindowRect();
-    SRect place{client.left - surface.left, client.top - surface.top,
-                client.right - surface.left, client.bottom - surface.top};
+    SRect place{client.left - surface.left, client.top - surface.top, client.right - surface.left,
+                client.bottom - surface.top};
     if (!placed || !(place == rect)) {
         rect = place;
         placed = true;

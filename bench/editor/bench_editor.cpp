@@ -33,7 +33,8 @@ double Median(std::vector<double> values) {
 std::string MakeText() {
     std::string text;
     text.reserve(10 * 1024 * 1024 + 4096);
-    const char* words[] = {"if", "value", "\"text\"", "count", "// note", "MAX_SIZE", "return", "\t"};
+    const char* words[] = {"if",      "value",    "\"text\"", "count",
+                           "// note", "MAX_SIZE", "return",   "\t"};
     for (int line = 0; line < 200000; ++line) {
         std::string row = "\tline_" + std::to_string(line) + " =";
         for (int w = 0; row.size() < 50; ++w) {
@@ -58,8 +59,9 @@ int main(int argc, char** argv) {
     }
     auto* platform = static_cast<SHeadlessPlatform*>(GetPlatform());
     std::string text = MakeText();
-    std::string path = std::string(std::getenv("TMPDIR") != nullptr ? std::getenv("TMPDIR") : "/tmp") +
-                       "/melkora_bench_editor.txt";
+    std::string path =
+        std::string(std::getenv("TMPDIR") != nullptr ? std::getenv("TMPDIR") : "/tmp") +
+        "/melkora_bench_editor.txt";
     std::FILE* file = std::fopen(path.c_str(), "wb");
     if (file == nullptr || std::fwrite(text.data(), 1, text.size(), file) != text.size()) {
         std::fprintf(stderr, "cannot write %s\n", path.c_str());
@@ -76,8 +78,9 @@ int main(int argc, char** argv) {
         SRect bounds{0, 0, 800, 600};
         top.Create("bench", WS_VISIBLE, 0, &bounds, 0);
         editor.Create("", WS_VISIBLE, 0, &bounds, top.GetHandle());
-        editor.ApplyProperties("CODEEDIT_SHOWNUMBER=1\r\nCODEEDIT_COMMENT=1\r\nCODEEDIT_STRINGS=1\r\n"
-                               "CODEEDIT_UPPERWORDS=1\r\n");
+        editor.ApplyProperties(
+            "CODEEDIT_SHOWNUMBER=1\r\nCODEEDIT_COMMENT=1\r\nCODEEDIT_STRINGS=1\r\n"
+            "CODEEDIT_UPPERWORDS=1\r\n");
         editor.SetKeywords("if return");
         SetFocus(editor.GetHandle());
         SHeadlessPlatform::DispatchPending();
@@ -103,7 +106,8 @@ int main(int argc, char** argv) {
             SRect frame = platform->PresentFrame(top.GetHandle());
             types.push_back(Milliseconds(start));
             if (frame.IsEmpty() || frame.Height() > 3 * editor.GetLineHeight()) {
-                std::fprintf(stderr, "a key drew a frame of %d by %d\n", frame.Width(), frame.Height());
+                std::fprintf(stderr, "a key drew a frame of %d by %d\n", frame.Width(),
+                             frame.Height());
                 return 1;
             }
         }

@@ -94,9 +94,11 @@ private:
         auto* self = static_cast<WebKitEngine*>(data);
         switch (type) {
         case WEBKIT_POLICY_DECISION_TYPE_NAVIGATION_ACTION: {
-            WebKitNavigationAction* action = webkit_navigation_policy_decision_get_navigation_action(
-                WEBKIT_NAVIGATION_POLICY_DECISION(decision));
-            const char* uri = webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
+            WebKitNavigationAction* action =
+                webkit_navigation_policy_decision_get_navigation_action(
+                    WEBKIT_NAVIGATION_POLICY_DECISION(decision));
+            const char* uri =
+                webkit_uri_request_get_uri(webkit_navigation_action_get_request(action));
             g_object_ref(decision); // the parent may end this view while it answers
             bool cancel = self->events->OnBeforeNavigate(uri != nullptr ? uri : "");
             if (cancel) {
@@ -118,7 +120,8 @@ private:
                 return TRUE;
             }
             return FALSE;
-        default: return FALSE;
+        default:
+            return FALSE;
         }
     }
 
@@ -147,8 +150,8 @@ private:
 
     static void OnProgress(GObject* object, GParamSpec*, gpointer data) {
         double progress = webkit_web_view_get_estimated_load_progress(WEBKIT_WEB_VIEW(object));
-        static_cast<WebKitEngine*>(data)->events->OnProgress(static_cast<int>(progress * 100.0 + 0.5),
-                                                             100);
+        static_cast<WebKitEngine*>(data)->events->OnProgress(
+            static_cast<int>(progress * 100.0 + 0.5), 100);
     }
 
     static void OnTitle(GObject*, GParamSpec*, gpointer data) {

@@ -111,7 +111,8 @@ protected:
     }
     bool LoadAndWait(const std::string& url, const char* tag) {
         int before = parent().complete;
-        return browser.NavigateUrl(url.c_str(), tag) && Until([&] { return parent().complete > before; });
+        return browser.NavigateUrl(url.c_str(), tag) &&
+               Until([&] { return parent().complete > before; });
     }
     Parent& parent() { return top; }
 
@@ -129,7 +130,8 @@ TEST_F(BrowserOnGtk, ShowsADescriptionPageAndFollowsItsWindow) {
     std::filesystem::create_directories(temp / "Rock");
     {
         std::ofstream out(temp / "Rock/Artist.txt", std::ios::binary);
-        out << "The Artist\r\nFormed in 1970, the band played loud.\r\nAlbums:\r\nFirst\r\nSecond\r\n";
+        out << "The Artist\r\nFormed in 1970, the band played "
+               "loud.\r\nAlbums:\r\nFirst\r\nSecond\r\n";
     }
     ASSERT_TRUE(BuildDescriptionPage((temp.Path() + "/").c_str(), "Rock/Artist", nullptr));
     std::string page = temp / "Rock/Artist.htm";
@@ -187,25 +189,27 @@ TEST_F(BrowserOnGtk, ACancelledNavigationLeavesTheTagAndThePage) {
 }
 
 TEST_F(BrowserOnGtk, NavigateHtmlTwiceLeavesOneTemporaryFileAndArchivesOpen) {
-    ASSERT_TRUE(browser.NavigateHtml("<html><head><title>one</title></head><body>1</body></html>", "a", "htm"));
-    ASSERT_TRUE(browser.NavigateHtml("<html><head><title>two é</title></head><body>2</body></html>", "b",
-                                     "htm"));
+    ASSERT_TRUE(browser.NavigateHtml("<html><head><title>one</title></head><body>1</body></html>",
+                                     "a", "htm"));
+    ASSERT_TRUE(browser.NavigateHtml("<html><head><title>two é</title></head><body>2</body></html>",
+                                     "b", "htm"));
     EXPECT_EQ(TempFiles(temp.Path()), 1);
     // No charset given: read as UTF-8.
     ASSERT_TRUE(Until([&] { return browser.GetTitle() == SString("two é"); }));
 
-    const char* archive = "From: <Saved by Melkora>\r\n"
-                          "Subject: Archived\r\n"
-                          "MIME-Version: 1.0\r\n"
-                          "Content-Type: multipart/related; type=\"text/html\"; boundary=\"BOUNDARY\"\r\n"
-                          "\r\n"
-                          "--BOUNDARY\r\n"
-                          "Content-Type: text/html; charset=\"utf-8\"\r\n"
-                          "Content-Transfer-Encoding: quoted-printable\r\n"
-                          "Content-Location: http://127.0.0.1/page.htm\r\n"
-                          "\r\n"
-                          "<html><head><title>Archived</title></head><body>kept</body></html>\r\n"
-                          "--BOUNDARY--\r\n";
+    const char* archive =
+        "From: <Saved by Melkora>\r\n"
+        "Subject: Archived\r\n"
+        "MIME-Version: 1.0\r\n"
+        "Content-Type: multipart/related; type=\"text/html\"; boundary=\"BOUNDARY\"\r\n"
+        "\r\n"
+        "--BOUNDARY\r\n"
+        "Content-Type: text/html; charset=\"utf-8\"\r\n"
+        "Content-Transfer-Encoding: quoted-printable\r\n"
+        "Content-Location: http://127.0.0.1/page.htm\r\n"
+        "\r\n"
+        "<html><head><title>Archived</title></head><body>kept</body></html>\r\n"
+        "--BOUNDARY--\r\n";
     ASSERT_TRUE(browser.NavigateHtml(archive, "mht", "mht"));
     EXPECT_EQ(TempFiles(temp.Path()), 1);
     ASSERT_TRUE(Until([&] { return browser.GetTitle() == SString("Archived"); }))
@@ -226,7 +230,8 @@ TEST_F(BrowserOnGtk, TheKeyboardFocusGoesInAndOut) {
     SetFocus(browser.GetHandle());
     ASSERT_TRUE(Until([&] { return GtkHostedChildHasFocus(browser.GetHandle()); }));
     ASSERT_TRUE(GetPlatform()->PressKey('K'));
-    ASSERT_TRUE(Until([&] { return browser.GetTitle() == SString("k"); })) << browser.GetTitle().c_str();
+    ASSERT_TRUE(Until([&] { return browser.GetTitle() == SString("k"); }))
+        << browser.GetTitle().c_str();
     // Focus elsewhere takes it back to the drawing area.
     SetFocus(top.GetHandle());
     ASSERT_TRUE(Until([&] { return !GtkHostedChildHasFocus(browser.GetHandle()); }));

@@ -89,14 +89,19 @@ TEST_F(CodeEditCtrlTest, KeysReachTheEditorAndClipboard) {
 TEST_F(CodeEditCtrlTest, PopupLabelsAndReadOnly) {
     editor.SetText("alpha beta");
     std::vector<SCodeEditCtrl::PopupItem> items = editor.GetPopupItems();
-    const char* labels[] = {"Undo\tCtrl+Z", "Cut\tCtrl+X",     "Copy\tCtrl+C",
+    const char* labels[] = {"Undo\tCtrl+Z",  "Cut\tCtrl+X", "Copy\tCtrl+C",
                             "Paste\tCtrl+V", "Delete\tDel", "Select All\tCtrl+A"};
     ASSERT_EQ(items.size(), 6u);
     for (size_t i = 0; i < items.size(); ++i) {
         EXPECT_EQ(items[i].command, CODEEDIT_COMMAND_UNDO + i);
         EXPECT_EQ(items[i].label, SString(labels[i]));
     }
-    EXPECT_EQ(GetCodeEditLabel("#GOTO"), SString("Go To..."));
+    std::vector<SString> panel = SCodeEditCtrl::GetPanelEntries();
+    const char* panelLabels[] = {"General", "Find...", "Replace...", "Go To...", "Print..."};
+    ASSERT_EQ(panel.size(), 5u);
+    for (size_t i = 0; i < panel.size(); ++i) {
+        EXPECT_EQ(GetCodeEditLabel(panel[i].c_str()), SString(panelLabels[i]));
+    }
     EXPECT_EQ(GetCodeEditLabel("#UNKNOWN"), SString("#UNKNOWN"));
 
     ASSERT_TRUE(editor.ApplyKey("CODEEDIT_READONLY", "1"));
@@ -254,11 +259,12 @@ TEST_F(CodeEditCtrlTest, DefinitionKeys) {
         std::ofstream out(path, std::ios::binary);
         out << "caf\xE9\r\nline2"; // Windows-1252
     }
-    editor.ApplyProperties(("CODEEDIT_TABSIZE=8\r\nCODEEDIT_BARWIDTH=30\r\nCODEEDIT_SHOWNUMBER=1\r\n"
-                            "CODEEDIT_INDENT=1\r\nCODEEDIT_TEXTCOLOR=-16777216\r\n"
-                            "CODEEDIT_TEXTKEYCOLOR=255\r\nCODEEDIT_SELECTALL=1\r\nCODEEDIT_FILE=" +
-                            path + "\r\n")
-                               .c_str());
+    editor.ApplyProperties(
+        ("CODEEDIT_TABSIZE=8\r\nCODEEDIT_BARWIDTH=30\r\nCODEEDIT_SHOWNUMBER=1\r\n"
+         "CODEEDIT_INDENT=1\r\nCODEEDIT_TEXTCOLOR=-16777216\r\n"
+         "CODEEDIT_TEXTKEYCOLOR=255\r\nCODEEDIT_SELECTALL=1\r\nCODEEDIT_FILE=" +
+         path + "\r\n")
+            .c_str());
     const SCodeSettings& settings = editor.GetEditor().settings;
     EXPECT_EQ(settings.tabSize, 8);
     EXPECT_EQ(settings.barWidth, 30);
