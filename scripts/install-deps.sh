@@ -25,6 +25,8 @@ packages=(
     libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev gstreamer1.0-plugins-base
     gstreamer1.0-plugins-good gstreamer1.0-plugins-bad gstreamer1.0-plugins-ugly
     gstreamer1.0-libav gstreamer1.0-tools
+    # controls: the web view on WebKitGTK (loads HTML and MHTML pages)
+    libwebkit2gtk-4.1-dev
 )
 
 # Benchmarks also make synthetic collections and compare with other tools

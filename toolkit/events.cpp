@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cstdlib>
 
+#include "toolkit/hosted_child.h"
 #include "toolkit/platform/platform.h"
 #include "toolkit/wnd.h"
 #include "toolkit/wnd_internal.h"
@@ -242,6 +243,7 @@ void PlatformPaint(HWND top, cairo_t* cr, int width, int height) {
     SWnd* wnd = SWnd::FromHandle(top);
     if (wnd != nullptr) {
         wnd->PaintSurface(cr, width, height);
+        SyncHostedChildren(top);
     }
 }
 
@@ -292,4 +294,9 @@ void PlatformImPreedit(HWND top, const char* text, int caret) {
     }
     SendMessage(target, SM_IME_PREEDIT, reinterpret_cast<WPARAM>(text != nullptr ? text : ""),
                 caret);
+}
+void PlatformHostedFocus(HWND owner) {
+    if (SWnd::FromHandle(owner) != nullptr && GetFocus() != owner) {
+        SetFocus(owner);
+    }
 }

@@ -47,3 +47,7 @@ void PlatformImCommit(HWND top, const char* text);
 // The composition in progress (UTF-8, empty when it ends) and the caret's
 // byte offset in it: sent to the focus window as SM_IME_PREEDIT.
 void PlatformImPreedit(HWND top, const char* text, int caret);
+
+// A hosted child (SPlatform::HostChild) took the keyboard focus, as when
+// the user clicks into it: its owner becomes the thread's focus window.
+void PlatformHostedFocus(HWND owner);

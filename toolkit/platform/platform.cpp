@@ -47,6 +47,18 @@ bool SPlatform::RunChooser(HWND /*owner*/, const SChooserRequest& /*request*/,
     return false;
 }
 
+bool SPlatform::HostChild(HWND /*owner*/, HWND /*top*/, void* /*widget*/) {
+    return false;
+}
+
+void SPlatform::MoveHostedChild(HWND /*owner*/, const SRect& /*rect*/) {}
+
+void SPlatform::ShowHostedChild(HWND /*owner*/, bool /*show*/) {}
+
+void SPlatform::FocusHostedChild(HWND /*owner*/, bool /*focus*/) {}
+
+void SPlatform::DestroyHostedChild(HWND /*owner*/) {}
+
 SPlatform* GetPlatform() {
     std::unique_ptr<SPlatform>& platform = Current();
     if (platform == nullptr) {

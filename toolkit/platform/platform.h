@@ -135,6 +135,19 @@ public:
     // loop running meanwhile; false when cancelled or when the platform has
     // none (the default).
     virtual bool RunChooser(HWND owner, const SChooserRequest& request, SChooserAnswer* answer);
+    // Hosted children: a widget of the platform (the web view), made by the
+    // library that wraps it, laid over a toolkit window (owner) of the
+    // top-level surface top and stacked above everything the toolkit draws
+    // there. rect is in the surface's coordinates. The platform takes the
+    // widget over; DestroyHostedChild (or the surface's end) destroys it.
+    // Keys go to the widget while it has the keyboard focus. The defaults
+    // keep nothing and return false.
+    virtual bool HostChild(HWND owner, HWND top, void* widget);
+    virtual void MoveHostedChild(HWND owner, const SRect& rect);
+    virtual void ShowHostedChild(HWND owner, bool show);
+    // Gives the widget the keyboard focus, or gives it back to the surface.
+    virtual void FocusHostedChild(HWND owner, bool focus);
+    virtual void DestroyHostedChild(HWND owner);
 };
 
 // The platform in use; the headless one until SetPlatform. The toolkit owns

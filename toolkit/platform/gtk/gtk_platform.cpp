@@ -26,6 +26,7 @@ struct Surface {
     HWND hwnd = 0;
     GtkWidget* window = nullptr;
     GtkWidget* area = nullptr;
+    GtkWidget* overlay = nullptr; // holds the area and the hosted children over it
     // Smooth scrolling not yet given as whole notches, in wheel units.
     double wheelX = 0;
     double wheelY = 0;
@@ -216,6 +217,10 @@ gboolean OnLeave(GtkWidget*, GdkEventCrossing* event, gpointer data) {
 
 gboolean OnKey(GtkWidget*, GdkEventKey* event, gpointer data) {
     auto* surface = static_cast<Surface*>(data);
+    GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(surface->window));
+    if (focus != nullptr && focus != surface->area) {
+        return FALSE; // a hosted child has the keyboard: GTK hands the key to it
+    }
     bool down = event->type == GDK_KEY_PRESS;
     unsigned code = VirtualKey(event->keyval);
     bool alt = (event->state & GDK_MOD1_MASK) != 0;
@@ -638,7 +643,10 @@ public:
         gtk_window_move(GTK_WINDOW(surface->window), rect.left, rect.top);
         gtk_window_set_default_size(GTK_WINDOW(surface->window), std::max(1, rect.Width()),
                                     std::max(1, rect.Height()));
-        gtk_container_add(GTK_CONTAINER(surface->window), surface->area);
+        surface->overlay = gtk_overlay_new();
+        gtk_container_add(GTK_CONTAINER(surface->overlay), surface->area);
+        gtk_container_add(GTK_CONTAINER(surface->window), surface->overlay);
+        gtk_widget_show(surface->overlay);
         gtk_widget_set_can_focus(surface->area, TRUE);
         gtk_widget_add_events(surface->area, GDK_POINTER_MOTION_MASK | GDK_BUTTON_PRESS_MASK |
                                                  GDK_BUTTON_RELEASE_MASK | GDK_LEAVE_NOTIFY_MASK |
@@ -683,6 +691,9 @@ public:
             UngrabPopup();
         }
         ReleaseInputMethod(surface);
+        for (auto it = hosted.begin(); it != hosted.end();) {
+            it = it->second.surface == surface ? hosted.erase(it) : std::next(it);
+        }
         g_signal_handlers_disconnect_by_data(surface->window, surface);
         g_signal_handlers_disconnect_by_data(surface->area, surface);
         gtk_widget_destroy(surface->window);
@@ -1027,6 +1038,77 @@ public:
     }
 
     std::map<HWND, Surface*> surfaces;
+
+public:
+    struct Hosted {
+        Surface* surface = nullptr;
+        GtkWidget* widget = nullptr;
+        HWND owner = 0;
+    };
+    std::map<HWND, Hosted> hosted;
+
+    bool HostChild(HWND owner, HWND top, void* widget) override {
+        Surface* surface = Find(top);
+        if (surface == nullptr || widget == nullptr || hosted.count(owner) != 0) {
+            return false;
+        }
+        auto* child = GTK_WIDGET(widget);
+        gtk_widget_set_halign(child, GTK_ALIGN_START);
+        gtk_widget_set_valign(child, GTK_ALIGN_START);
+        gtk_overlay_add_overlay(GTK_OVERLAY(surface->overlay), child);
+        hosted[owner] = Hosted{surface, child, owner};
+        g_signal_connect(child, "focus-in-event", G_CALLBACK(OnHostedFocus),
+                         reinterpret_cast<gpointer>(static_cast<uintptr_t>(owner)));
+        return true;
+    }
+
+    void MoveHostedChild(HWND owner, const SRect& rect) override {
+        auto it = hosted.find(owner);
+        if (it == hosted.end()) {
+            return;
+        }
+        GtkWidget* child = it->second.widget;
+        gtk_widget_set_margin_start(child, std::max(0, rect.left));
+        gtk_widget_set_margin_top(child, std::max(0, rect.top));
+        gtk_widget_set_size_request(child, std::max(1, rect.Width()), std::max(1, rect.Height()));
+        gtk_widget_queue_resize(child);
+    }
+
+    void ShowHostedChild(HWND owner, bool show) override {
+        auto it = hosted.find(owner);
+        if (it != hosted.end()) {
+            gtk_widget_set_visible(it->second.widget, show ? TRUE : FALSE);
+        }
+    }
+
+    void FocusHostedChild(HWND owner, bool focus) override {
+        auto it = hosted.find(owner);
+        if (it == hosted.end()) {
+            return;
+        }
+        if (focus) {
+            gtk_widget_grab_focus(it->second.widget);
+        } else if (gtk_widget_has_focus(it->second.widget)) {
+            gtk_widget_grab_focus(it->second.surface->area);
+        }
+    }
+
+    void DestroyHostedChild(HWND owner) override {
+        auto it = hosted.find(owner);
+        if (it == hosted.end()) {
+            return;
+        }
+        GtkWidget* child = it->second.widget;
+        hosted.erase(it);
+        g_signal_handlers_disconnect_matched(child, G_SIGNAL_MATCH_FUNC, 0, 0, nullptr,
+                                             reinterpret_cast<gpointer>(OnHostedFocus), nullptr);
+        gtk_widget_destroy(child);
+    }
+
+    static gboolean OnHostedFocus(GtkWidget*, GdkEventFocus*, gpointer data) {
+        PlatformHostedFocus(static_cast<HWND>(reinterpret_cast<uintptr_t>(data)));
+        return FALSE;
+    }
     ToolTipWindow toolTip;
 };
 
@@ -1041,6 +1123,15 @@ Surface* FindSurface(HWND top) {
 }
 
 } // namespace
+
+bool GtkHostedChildHasFocus(HWND owner) {
+    GtkPlatform* platform = Current();
+    if (platform == nullptr) {
+        return false;
+    }
+    auto it = platform->hosted.find(owner);
+    return it != platform->hosted.end() && gtk_widget_has_focus(it->second.widget);
+}
 
 bool UseGtkPlatform() {
     gdk_set_allowed_backends("x11");

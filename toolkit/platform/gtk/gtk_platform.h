@@ -43,3 +43,5 @@ bool GtkAddStyleSheet(const char* css);
 bool GtkGetToolTipRect(SRect* rect);
 // Waits until the X server has handled every request sent so far.
 void GtkSync();
+// Whether the hosted child over owner has GTK's keyboard focus.
+bool GtkHostedChildHasFocus(HWND owner);

@@ -51,6 +51,9 @@ void SHeadlessPlatform::DestroySurface(HWND hwnd) {
     if (captured == hwnd) {
         captured = 0;
     }
+    for (auto it = hostedChildren.begin(); it != hostedChildren.end();) {
+        it = it->second.top == hwnd ? hostedChildren.erase(it) : std::next(it);
+    }
 }
 
 void SHeadlessPlatform::ShowSurface(HWND hwnd, int command) {
@@ -474,4 +477,59 @@ void SHeadlessPlatform::QueueChooserAnswer(const SChooserAnswer& answer) {
 std::vector<SChooserRequest> SHeadlessPlatform::GetChooserRequests() const {
     std::lock_guard<std::mutex> lock(mutex);
     return chooserRequests;
+}
+
+bool SHeadlessPlatform::HostChild(HWND owner, HWND top, void* widget) {
+    std::lock_guard<std::mutex> lock(mutex);
+    if (owner == 0 || surfaces.find(top) == surfaces.end()) {
+        return false;
+    }
+    HostedChild child;
+    child.top = top;
+    child.widget = widget;
+    hostedChildren[owner] = child;
+    return true;
+}
+
+void SHeadlessPlatform::MoveHostedChild(HWND owner, const SRect& rect) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = hostedChildren.find(owner);
+    if (it != hostedChildren.end()) {
+        it->second.rect = rect;
+        ++it->second.moves;
+    }
+}
+
+void SHeadlessPlatform::ShowHostedChild(HWND owner, bool show) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = hostedChildren.find(owner);
+    if (it != hostedChildren.end()) {
+        it->second.visible = show;
+        if (!show) {
+            it->second.focused = false;
+        }
+    }
+}
+
+void SHeadlessPlatform::FocusHostedChild(HWND owner, bool focus) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = hostedChildren.find(owner);
+    if (it != hostedChildren.end()) {
+        it->second.focused = focus && it->second.visible;
+    }
+}
+
+void SHeadlessPlatform::DestroyHostedChild(HWND owner) {
+    std::lock_guard<std::mutex> lock(mutex);
+    hostedChildren.erase(owner);
+}
+
+bool SHeadlessPlatform::GetHostedChild(HWND owner, HostedChild* child) const {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = hostedChildren.find(owner);
+    if (it == hostedChildren.end()) {
+        return false;
+    }
+    *child = it->second;
+    return true;
 }

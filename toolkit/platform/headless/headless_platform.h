@@ -39,6 +39,16 @@ public:
         int shown = 0; // how many times it was shown
     };
 
+    // A hosted child as the platform holds it.
+    struct HostedChild {
+        HWND top = 0;
+        void* widget = nullptr;
+        SRect rect; // surface coordinates
+        bool visible = false;
+        bool focused = false;
+        int moves = 0; // how many times it was placed
+    };
+
     SHeadlessPlatform();
     ~SHeadlessPlatform() override;
 
@@ -74,6 +84,13 @@ public:
     // Takes the oldest queued answer (a cancel when none is queued) and
     // notes the request.
     bool RunChooser(HWND owner, const SChooserRequest& request, SChooserAnswer* answer) override;
+    bool HostChild(HWND owner, HWND top, void* widget) override;
+    void MoveHostedChild(HWND owner, const SRect& rect) override;
+    void ShowHostedChild(HWND owner, bool show) override;
+    void FocusHostedChild(HWND owner, bool focus) override;
+    void DestroyHostedChild(HWND owner) override;
+    // A copy of the hosted child over owner; false when there is none.
+    bool GetHostedChild(HWND owner, HostedChild* child) const;
 
     // Scripting. Points are in the top-level surface's coordinates (the
     // client's unless the window has a menu bar); each
@@ -152,4 +169,5 @@ private:
     ImState imState;
     std::deque<SChooserAnswer> chooserAnswers;
     std::vector<SChooserRequest> chooserRequests;
+    std::map<HWND, HostedChild> hostedChildren;
 };

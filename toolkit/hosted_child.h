@@ -1,0 +1,49 @@
+// SHostedChild: a widget of the platform (the web view) laid over a toolkit
+// window and kept on it. The owner's client area, in its top-level surface's
+// coordinates, is the widget's place; the widget shows while the owner is
+// visible, and has the keyboard while the owner has the focus. Each frame
+// of the top-level window brings every hosted child of it up to date, so a
+// move or resize of the owner or of any window above it is followed; the
+// owner also calls Sync when it learns of a change itself.
+#pragma once
+
+#include "foundation/geometry.h"
+#include "foundation/message.h"
+
+class SWnd;
+
+class SHostedChild {
+public:
+    SHostedChild() = default;
+    SHostedChild(const SHostedChild&) = delete;
+    SHostedChild& operator=(const SHostedChild&) = delete;
+    ~SHostedChild();
+
+    // Hands widget (a platform widget, taken over) to the platform over
+    // owner, which must have a handle. False when the platform cannot host
+    // it; the widget is then still the caller's.
+    bool Attach(SWnd* owner, void* widget);
+    // Places, shows or hides the widget as the owner stands now.
+    void Sync();
+    // The owner gained (true) or lost the keyboard focus.
+    void Focus(bool focus);
+    // Destroys the widget.
+    void Detach();
+
+    bool IsAttached() const { return owner != 0; }
+    // Where the widget is, in surface coordinates, as last placed.
+    const SRect& GetRect() const { return rect; }
+    bool IsShown() const { return shown; }
+    HWND GetTop() const { return top; }
+
+private:
+    HWND owner = 0;
+    HWND top = 0;
+    SRect rect;
+    bool placed = false;
+    bool shown = false;
+};
+
+// Brings every hosted child of the top-level window top up to date; the
+// toolkit calls it after each frame.
+void SyncHostedChildren(HWND top);
