@@ -246,11 +246,16 @@ void ParsePlaylist(const char* data, int size, SStringArray& entries) {
             if (position >= size) {
                 break;
             }
-            if (data[position] == '\r' && position + 1 < size && data[position + 1] == '\n') {
+            // CR LF ends the entry, and so does a bare LF, as Linux tools
+            // write it; a lone CR ends nothing and is dropped.
+            if (data[position] == '\n') {
+                ++position;
+                break;
+            }
+            if (position + 1 < size && data[position + 1] == '\n') {
                 position += 2;
                 break;
             }
-            // A lone CR or LF ends nothing and is dropped.
             ++position;
         }
         line.Trim();

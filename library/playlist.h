@@ -5,9 +5,9 @@
 //
 // The file: one entry a line, each followed by CR LF (the last one too), no
 // header; an entry is the file's path relative to the root with "\" between
-// folders. An empty playlist is a file of zero bytes. Reading takes only
-// CR LF as a line end: a lone CR or LF is dropped and the line goes on, so
-// a file with bare line feeds reads as one long entry. Blanks and tabs at
+// folders. An empty playlist is a file of zero bytes. Reading takes CR LF
+// and a bare LF (as Linux tools write it) as line ends; a lone CR is
+// dropped and the line goes on. Blanks and tabs at
 // the ends of a line go, and empty lines are dropped. A UTF-8 byte order
 // mark at the start is dropped; a file that is not valid UTF-8 is read as
 // Windows-1252.

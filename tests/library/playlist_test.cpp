@@ -41,7 +41,7 @@ Names Parse(const std::string& bytes) {
     return Texts(entries);
 }
 
-TEST(PlaylistFormat, ReadsLinesEndedOnlyByCrLf) {
+TEST(PlaylistFormat, ReadsLinesEndedByCrLfOrABareLf) {
     const std::string MARK = "\xEF\xBB\xBF"; // UTF-8 byte order mark
     struct Case {
         std::string bytes;
@@ -50,7 +50,8 @@ TEST(PlaylistFormat, ReadsLinesEndedOnlyByCrLf) {
         {"", {}},
         {"A\\a.mp3\r\nB\\b.mp3\r\n", {"A\\a.mp3", "B\\b.mp3"}},
         {"A\\a.mp3\r\nB\\b.mp3", {"A\\a.mp3", "B\\b.mp3"}}, // no final line end
-        {"A\\a.mp3\nB\\b.mp3\nC\\c.mp3\n", {"A\\a.mp3B\\b.mp3C\\c.mp3"}}, // bare line feeds
+        {"A\\a.mp3\nB\\b.mp3\nC\\c.mp3\n", {"A\\a.mp3", "B\\b.mp3", "C\\c.mp3"}}, // bare LF
+        {"a\n\nb\r\n\r\nc", {"a", "b", "c"}},
         {"a\rb\r\n", {"ab"}},
         {"  \t a.mp3 \t\r\n\r\n \t \r\nb.mp3\r\n", {"a.mp3", "b.mp3"}},
         {"\r\n\r\n", {}},
