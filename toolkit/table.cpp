@@ -150,9 +150,10 @@ bool STable::Save(SFile* file) const {
         return false;
     }
     bool complete = true;
+    // Every byte of the text, a zero byte included, then CR LF.
     auto write = [&](const SString& text) {
-        int expected = text.GetLength() + 2;
-        complete = complete && file->WriteLine(text.c_str()) == expected;
+        complete = complete && file->WriteText(text.c_str(), text.GetLength()) == text.GetLength() &&
+                   file->WriteBytes("\r\n", 2) == 2;
     };
     write(SString(TABLE_MAGIC));
     write(SString::FromInt(GetColumnCount()));

@@ -262,7 +262,9 @@ bool STreeItems::Save(SFile* file, bool withAttributes) const {
         if (withAttributes) {
             line += AttributeText(*item);
         }
-        complete = file->WriteLine(line.c_str()) == line.GetLength() + 2;
+        // Every byte of the line, a zero byte included, then CR LF.
+        complete = file->WriteText(line.c_str(), line.GetLength()) == line.GetLength() &&
+                   file->WriteBytes("\r\n", 2) == 2;
         for (auto it = item->children.rbegin(); it != item->children.rend(); ++it) {
             pending.emplace_back(*it, level + 1);
         }

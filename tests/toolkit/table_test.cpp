@@ -53,6 +53,14 @@ TEST(TableFile, WritesAndReadsBackEveryString) {
     SFileMem again;
     ASSERT_TRUE(read.Save(&again));
     EXPECT_EQ(Bytes(again), Bytes(file));
+    // A zero byte read from a file is written back, not cut there.
+    std::string withZero("a\0b", 3);
+    SFileMem zero = MemWith("TAVORA TABLE 1.0.0.0\r\n0\r\n0\r\n" + withZero + "\r\n\r\n");
+    STable zeroTable;
+    ASSERT_TRUE(zeroTable.Load(&zero, true, true, false));
+    SFileMem zeroAgain;
+    ASSERT_TRUE(zeroTable.Save(&zeroAgain));
+    EXPECT_EQ(Bytes(zeroAgain), Bytes(zero));
 }
 
 TEST(TableFile, DamagedFilesGiveFalseAndAnEmptyTable) {
