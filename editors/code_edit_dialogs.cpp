@@ -399,11 +399,22 @@ bool SCodePopupMenu::Open(SPoint screen) {
     }
     SRect rect{screen.x, screen.y, screen.x + kMenuWidth,
                screen.y + GetItemCount() * kItemHeight + 4};
-    if (!Create("", WS_POPUP | WS_VISIBLE, 0, &rect, 0)) {
+    // A popup surface: frameless, above the rest, holding the pointer and
+    // the keys while shown; a press elsewhere comes as a non-client press.
+    if (!Create("", WS_POPUP | WS_VISIBLE, WS_EX_TOOLWINDOW, &rect, 0)) {
         return false;
     }
     SetFocus(GetHandle());
     return true;
+}
+
+void SCodePopupMenu::Dismiss() {
+    SCodeEditCtrl* owner = editor;
+    bool focused = GetFocus() == GetHandle();
+    Destroy();
+    if (focused && owner != nullptr && owner->GetHandle() != 0) {
+        SetFocus(owner->GetHandle()); // the keys go back to the editor
+    }
 }
 
 int SCodePopupMenu::ItemAt(int y) const {
@@ -446,10 +457,15 @@ LRESULT SCodePopupMenu::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam
     case WM_LBUTTONUP:
         Choose(ItemAt(PointParamY(lParam)));
         return 0;
+    case WM_NCLBUTTONDOWN: // a press outside
+    case WM_NCRBUTTONDOWN:
+    case WM_NCMBUTTONDOWN:
+        Dismiss();
+        return 0;
     case WM_KEYDOWN:
         switch (wParam) {
         case VK_ESCAPE:
-            Destroy();
+            Dismiss();
             return 0;
         case VK_RETURN:
             Choose(hot);

@@ -82,8 +82,9 @@ constexpr int MENU_WIDTH = 150;
 
 } // namespace
 
-// The popup menu: a small top-level window the toolkit draws; a click on
-// an item runs it, Escape, a click outside or the loss of the focus closes it.
+// The popup menu: a popup surface the toolkit draws (frameless, holding
+// the pointer and the keys while shown); a click on an item runs it,
+// Escape, a press outside or the loss of the focus closes it.
 class SEditCtrl::Popup : public SWnd {
 public:
     explicit Popup(SEditCtrl* owner) : owner(owner) {}
@@ -109,6 +110,13 @@ public:
     void Close() {
         if (GetHandle() != 0) {
             PostMessage(GetHandle(), WM_CLOSE, 0, 0);
+        }
+    }
+    // Closes without a pick: the keys go back to the edit.
+    void Dismiss() {
+        Close();
+        if (GetFocus() == GetHandle() && owner->GetHandle() != 0) {
+            SetFocus(owner->GetHandle());
         }
     }
 
@@ -137,8 +145,13 @@ public:
         }
         case WM_KEYDOWN:
             if (wParam == VK_ESCAPE) {
-                Close();
+                Dismiss();
             }
+            return 0;
+        case WM_NCLBUTTONDOWN: // a press outside, as the popup's hold reports it
+        case WM_NCRBUTTONDOWN:
+        case WM_NCMBUTTONDOWN:
+            Dismiss();
             return 0;
         case WM_KILLFOCUS:
             Close();
@@ -648,7 +661,7 @@ SWnd* SEditCtrl::ShowPopupMenu(int x, int y) {
     SPoint at{x, y};
     ClientToScreen(&at);
     SRect rect{at.x, at.y, at.x + MENU_WIDTH, at.y + Popup::Height()};
-    if (!popup->Create("", WS_POPUP | WS_VISIBLE, 0, &rect, 0)) {
+    if (!popup->Create("", WS_POPUP | WS_VISIBLE, WS_EX_TOOLWINDOW, &rect, 0)) {
         popup.reset();
         return nullptr;
     }
