@@ -25,8 +25,7 @@ PangoLayout* Layout(cairo_t* cr, const SFont* font, const char* text, int count)
 namespace ctrldraw {
 
 void SetSource(cairo_t* cr, uint32_t color) {
-    cairo_set_source_rgb(cr, (color & 0xFF) / 255.0, ((color >> 8) & 0xFF) / 255.0,
-                         ((color >> 16) & 0xFF) / 255.0);
+    SetSourceColor(cr, color);
 }
 
 uint32_t Mix(uint32_t a, uint32_t b, int amount) {

@@ -54,6 +54,8 @@ bool GradientFill(cairo_t* cr, const SRect* rect, uint32_t from, uint32_t to, bo
 void DrawFrame(cairo_t* cr, const SRect* rect, const SPen& pen);
 void DrawLine(cairo_t* cr, SPoint from, SPoint to, const SPen& pen);
 void FillRect(cairo_t* cr, const SRect* rect, uint32_t color);
+// Makes color (0x00BBGGRR) the source of cr.
+void SetSourceColor(cairo_t* cr, uint32_t color);
 
 // The private clipboard format of SetFile and GetFile: a block of the
 // 32-bit byte count (little-endian), the bytes, and a zero byte.

@@ -33,36 +33,8 @@ constexpr unsigned KEY_INSERT = 45;
 constexpr unsigned KEY_MENU = 93;
 constexpr unsigned KEY_F10 = 121;
 
-void SetSourceColor(cairo_t* cr, uint32_t color) {
-    cairo_set_source_rgb(cr, (color & 0xFF) / 255.0, ((color >> 8) & 0xFF) / 255.0,
-                         ((color >> 16) & 0xFF) / 255.0);
-}
-
 uint16_t Channel16(uint32_t color, int shift) {
     return static_cast<uint16_t>(((color >> shift) & 0xFF) * 257);
-}
-
-std::string EncodeUtf8(unsigned code) {
-    std::string result;
-    if (code < 0x80) {
-        result += static_cast<char>(code);
-    } else if (code < 0x800) {
-        result += static_cast<char>(0xC0 | (code >> 6));
-        result += static_cast<char>(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-        if (code >= 0xD800 && code < 0xE000) {
-            return result;
-        }
-        result += static_cast<char>(0xE0 | (code >> 12));
-        result += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-        result += static_cast<char>(0x80 | (code & 0x3F));
-    } else if (code < 0x110000) {
-        result += static_cast<char>(0xF0 | (code >> 18));
-        result += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
-        result += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-        result += static_cast<char>(0x80 | (code & 0x3F));
-    }
-    return result;
 }
 
 struct MenuItem {
@@ -471,7 +443,7 @@ void SEditCtrl::TypeCharacter(unsigned code) {
     if ((modifiers & SKeyboard::MODIFIER_CTRL) != 0) {
         return;
     }
-    if (model.Insert(EncodeUtf8(code), true)) {
+    if (model.Insert(CodePointToUtf8(code), true)) {
         Changed(true);
     }
 }
