@@ -26,10 +26,13 @@ constexpr unsigned UP = 0x26;
 constexpr unsigned RIGHT = 0x27;
 constexpr unsigned DOWN = 0x28;
 constexpr unsigned INSERT = 0x2D;
+constexpr unsigned APPS = 0x5D;     // the menu key
 constexpr unsigned MULTIPLY = 0x6A; // * of the keypad
 constexpr unsigned ADD = 0x6B;      // + of the keypad
 constexpr unsigned SUBTRACT = 0x6D; // - of the keypad
 constexpr unsigned F2 = 0x71;
+constexpr unsigned F4 = 0x73;
+constexpr unsigned F10 = 0x79;
 constexpr unsigned PLUS = 0xBB;  // the = + key
 constexpr unsigned MINUS = 0xBD; // the - _ key
 } // namespace ctrlkey

@@ -7,6 +7,7 @@
 #include <pango/pangocairo.h>
 
 #include "foundation/keyboard.h"
+#include "toolkit/ctrl_common.h"
 #include "toolkit/draw.h"
 #include "toolkit/platform/platform.h"
 #include "toolkit/sys_colors.h"
@@ -19,19 +20,6 @@ constexpr unsigned CARET_BLINK = 530;     // ms, as GTK's entries blink
 constexpr int MARGIN = 4;                 // frame and padding round the text
 constexpr const char* BULLET = "\xE2\x97\x8F";
 constexpr int BULLET_BYTES = 3;
-
-// Keys the edit reads.
-constexpr unsigned KEY_PAGE_UP = 33;
-constexpr unsigned KEY_PAGE_DOWN = 34;
-constexpr unsigned KEY_END = 35;
-constexpr unsigned KEY_HOME = 36;
-constexpr unsigned KEY_LEFT = 37;
-constexpr unsigned KEY_UP = 38;
-constexpr unsigned KEY_RIGHT = 39;
-constexpr unsigned KEY_DOWN = 40;
-constexpr unsigned KEY_INSERT = 45;
-constexpr unsigned KEY_MENU = 93;
-constexpr unsigned KEY_F10 = 121;
 
 uint16_t Channel16(uint32_t color, int shift) {
     return static_cast<uint16_t>(((color >> shift) & 0xFF) * 257);
@@ -484,31 +472,31 @@ bool SEditCtrl::HandleKey(unsigned key) {
     int pageLines =
         std::max(1, TextArea().Height() / std::max(1, TextMetrics(GetDefaultFont()).height));
     switch (key) {
-    case KEY_LEFT:
+    case ctrlkey::LEFT:
         move(ctrl ? SEditText::WORD_LEFT : SEditText::LEFT);
         return true;
-    case KEY_RIGHT:
+    case ctrlkey::RIGHT:
         move(ctrl ? SEditText::WORD_RIGHT : SEditText::RIGHT);
         return true;
-    case KEY_HOME:
+    case ctrlkey::HOME:
         move(ctrl ? SEditText::TEXT_START : SEditText::LINE_START);
         return true;
-    case KEY_END:
+    case ctrlkey::END:
         move(ctrl ? SEditText::TEXT_END : SEditText::LINE_END);
         return true;
-    case KEY_UP:
-    case KEY_DOWN:
+    case ctrlkey::UP:
+    case ctrlkey::DOWN:
         if (!model.IsMultiLine()) {
             return false;
         }
-        MoveVertically(key == KEY_UP ? -1 : 1, shift);
+        MoveVertically(key == ctrlkey::UP ? -1 : 1, shift);
         return true;
-    case KEY_PAGE_UP:
-    case KEY_PAGE_DOWN:
+    case ctrlkey::PRIOR:
+    case ctrlkey::NEXT:
         if (!model.IsMultiLine()) {
             return false;
         }
-        MoveVertically(key == KEY_PAGE_UP ? -pageLines : pageLines, shift);
+        MoveVertically(key == ctrlkey::PRIOR ? -pageLines : pageLines, shift);
         return true;
     case VK_BACK:
         if (model.Backspace(ctrl)) {
@@ -522,7 +510,7 @@ bool SEditCtrl::HandleKey(unsigned key) {
             Changed(true);
         }
         return true;
-    case KEY_INSERT:
+    case ctrlkey::INSERT:
         if (ctrl && !shift) {
             OnCopy();
         } else if (shift && !ctrl) {
@@ -537,9 +525,9 @@ bool SEditCtrl::HandleKey(unsigned key) {
             return true;
         }
         return false;
-    case KEY_MENU:
-    case KEY_F10:
-        if (key == KEY_F10 && !shift) {
+    case ctrlkey::APPS:
+    case ctrlkey::F10:
+        if (key == ctrlkey::F10 && !shift) {
             return false;
         }
         {
