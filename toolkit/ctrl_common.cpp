@@ -8,20 +8,6 @@
 #include "toolkit/sys_colors.h"
 #include "toolkit/wnd_app.h"
 
-namespace {
-
-PangoLayout* Layout(cairo_t* cr, const SFont* font, const char* text, int count) {
-    PangoLayout* layout = pango_cairo_create_layout(cr);
-    SString description = font != nullptr ? font->Describe() : SString("Sans 12px");
-    PangoFontDescription* pangoFont = pango_font_description_from_string(description.c_str());
-    pango_layout_set_font_description(layout, pangoFont);
-    pango_font_description_free(pangoFont);
-    pango_layout_set_text(layout, text != nullptr ? text : "", count);
-    return layout;
-}
-
-} // namespace
-
 namespace ctrldraw {
 
 void SetSource(cairo_t* cr, uint32_t color) {
@@ -43,7 +29,7 @@ int Text(cairo_t* cr, const SFont* font, const char* text, const SRect& rect, ui
     if (text == nullptr || *text == 0 || rect.Width() <= 0 || rect.Height() <= 0) {
         return 0;
     }
-    PangoLayout* layout = Layout(cr, font, text, -1);
+    PangoLayout* layout = MakeTextLayout(cr, font, text, -1);
     pango_layout_set_single_paragraph_mode(layout, TRUE);
     if (align == SAlign::JUSTIFY) {
         pango_layout_set_width(layout, rect.Width() * PANGO_SCALE);

@@ -20,16 +20,24 @@ PangoLayout* MakeLayout(const SFont* font, const char* text, int count, cairo_t*
     cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 1, 1);
     *cr = cairo_create(surface);
     cairo_surface_destroy(surface);
-    PangoLayout* layout = pango_cairo_create_layout(*cr);
-    SString description = font != nullptr ? font->Describe() : SString("Sans 12px");
-    PangoFontDescription* pangoFont = pango_font_description_from_string(description.c_str());
-    pango_layout_set_font_description(layout, pangoFont);
-    pango_font_description_free(pangoFont);
-    pango_layout_set_text(layout, text != nullptr ? text : "", count);
-    return layout;
+    return MakeTextLayout(*cr, font, text, count);
 }
 
 } // namespace
+
+void SetLayoutFont(PangoLayout* layout, const SFont* font, const char* fallback) {
+    SString description = font != nullptr ? font->Describe() : SString(fallback);
+    PangoFontDescription* pangoFont = pango_font_description_from_string(description.c_str());
+    pango_layout_set_font_description(layout, pangoFont);
+    pango_font_description_free(pangoFont);
+}
+
+PangoLayout* MakeTextLayout(cairo_t* cr, const SFont* font, const char* text, int count) {
+    PangoLayout* layout = pango_cairo_create_layout(cr);
+    SetLayoutFont(layout, font);
+    pango_layout_set_text(layout, text != nullptr ? text : "", count);
+    return layout;
+}
 
 SFont::SFont(const char* face, int height, unsigned flags)
     : face(face != nullptr && *face != 0 ? face : "Sans"), height(height), flags(flags) {}

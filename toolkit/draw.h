@@ -10,6 +10,7 @@
 
 class SFile;
 typedef struct _cairo cairo_t;
+typedef struct _PangoLayout PangoLayout;
 
 // Font flags.
 constexpr unsigned FONT_BOLD = 1;
@@ -48,6 +49,11 @@ SFont* MakeFont(const char* face, int height, unsigned flags);
 SSize TextSize(const SFont* font, const char* text, int count = -1);
 // The line height and the average character width.
 SSize TextMetrics(const SFont* font);
+// Gives layout the Pango description of font; a null font takes fallback.
+void SetLayoutFont(PangoLayout* layout, const SFont* font, const char* fallback = "Sans 12px");
+// A layout on cr of count bytes of text (-1: all) in font; the caller
+// frees it.
+PangoLayout* MakeTextLayout(cairo_t* cr, const SFont* font, const char* text, int count);
 // A two-colour gradient over rect, left to right or top to bottom.
 bool GradientFill(cairo_t* cr, const SRect* rect, uint32_t from, uint32_t to, bool vertical);
 // The outline of rect, inside it.

@@ -131,11 +131,7 @@ private:
         FillRect(cr, &client, GetSysColor(SYS_COLOR_MENU));
         DrawFrame(cr, &client, SPen{GetSysColor(SYS_COLOR_BTNSHADOW), 1});
         PangoLayout* layout = pango_cairo_create_layout(cr);
-        SFont* font = GetDefaultFont();
-        PangoFontDescription* description = pango_font_description_from_string(
-            font != nullptr ? font->Describe().c_str() : "Sans 9");
-        pango_layout_set_font_description(layout, description);
-        pango_font_description_free(description);
+        SetLayoutFont(layout, GetDefaultFont(), "Sans 9");
         int top = 2;
         for (int i = 0; i < static_cast<int>(std::size(MENU_ITEMS)); ++i) {
             const MenuItem& item = MENU_ITEMS[i];
@@ -223,10 +219,7 @@ PangoLayout* SEditCtrl::MakeLayout() {
     if (font == nullptr) {
         font = GetDefaultFont();
     }
-    PangoFontDescription* description =
-        pango_font_description_from_string(font != nullptr ? font->Describe().c_str() : "Sans 9");
-    pango_layout_set_font_description(layout, description);
-    pango_font_description_free(description);
+    SetLayoutFont(layout, font, "Sans 9");
     std::string shown = DisplayText();
     pango_layout_set_text(layout, shown.c_str(), static_cast<int>(shown.size()));
     if (model.IsMultiLine()) {
