@@ -10,6 +10,21 @@
 
 namespace ctrldraw {
 
+void Expander(cairo_t* cr, double cx, double cy, bool open, uint32_t color) {
+    SetSourceColor(cr, color);
+    if (open) {
+        cairo_move_to(cr, cx - 4, cy - 2);
+        cairo_line_to(cr, cx + 4, cy - 2);
+        cairo_line_to(cr, cx, cy + 3);
+    } else {
+        cairo_move_to(cr, cx - 2, cy - 4);
+        cairo_line_to(cr, cx + 3, cy);
+        cairo_line_to(cr, cx - 2, cy + 4);
+    }
+    cairo_close_path(cr);
+    cairo_fill(cr);
+}
+
 void SetSource(cairo_t* cr, uint32_t color) {
     SetSourceColor(cr, color);
 }
