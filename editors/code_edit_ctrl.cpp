@@ -33,35 +33,6 @@ const std::map<std::string, std::string>& Labels() {
     return labels;
 }
 
-// The Unicode code point as UTF-8; empty for a surrogate or one out of range.
-std::string Utf8(unsigned code) {
-    std::string text;
-    if (code < 0x80) {
-        text += static_cast<char>(code);
-    } else if (code < 0x800) {
-        text += static_cast<char>(0xC0 | (code >> 6));
-        text += static_cast<char>(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-        if (code >= 0xD800 && code <= 0xDFFF) {
-            return text;
-        }
-        text += static_cast<char>(0xE0 | (code >> 12));
-        text += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-        text += static_cast<char>(0x80 | (code & 0x3F));
-    } else if (code < 0x110000) {
-        text += static_cast<char>(0xF0 | (code >> 18));
-        text += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
-        text += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-        text += static_cast<char>(0x80 | (code & 0x3F));
-    }
-    return text;
-}
-
-void SetSource(cairo_t* cr, uint32_t color) {
-    cairo_set_source_rgb(cr, (color & 0xFF) / 255.0, ((color >> 8) & 0xFF) / 255.0,
-                         ((color >> 16) & 0xFF) / 255.0);
-}
-
 bool ParseBool(const char* value) {
     return value != nullptr && std::atoi(value) != 0;
 }
@@ -286,8 +257,8 @@ bool SCodeEditCtrl::LoadFile(const char* path) {
         converted.reserve(data.size() + data.size() / 8);
         for (char c : data) {
             auto byte = static_cast<unsigned char>(c);
-            converted +=
-                byte < 0x80 ? std::string(1, c) : Utf8(byte < 0xA0 ? kCp1252[byte - 0x80] : byte);
+            converted += byte < 0x80 ? std::string(1, c)
+                                     : CodePointToUtf8(byte < 0xA0 ? kCp1252[byte - 0x80] : byte);
         }
         data.swap(converted);
     }
@@ -740,7 +711,7 @@ LRESULT SCodeEditCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam)
         if ((modifiers & SKeyboard::MODIFIER_CTRL) != 0 || wParam < 32 || wParam == 127) {
             return 0; // Return, Tab and Backspace come as keys
         }
-        CommitText(Utf8(static_cast<unsigned>(wParam)).c_str());
+        CommitText(CodePointToUtf8(static_cast<unsigned>(wParam)).c_str());
         return 0;
     }
     case WM_LBUTTONDOWN: {
@@ -834,12 +805,12 @@ void SCodeEditCtrl::Paint(cairo_t* cr) {
     int height = GetClientHeight();
     double clipLeft = 0, clipTop = 0, clipRight = width, clipBottom = height;
     cairo_clip_extents(cr, &clipLeft, &clipTop, &clipRight, &clipBottom);
-    SetSource(cr, GetColor(focused ? CODE_COLOR_BACKFOCUS : CODE_COLOR_BACK));
+    SetSourceColor(cr, GetColor(focused ? CODE_COLOR_BACKFOCUS : CODE_COLOR_BACK));
     cairo_rectangle(cr, clipLeft, clipTop, clipRight - clipLeft, clipBottom - clipTop);
     cairo_fill(cr);
     int bar = GetBarWidth();
     if (bar > 0) {
-        SetSource(cr, GetColor(CODE_COLOR_BAR));
+        SetSourceColor(cr, GetColor(CODE_COLOR_BAR));
         cairo_rectangle(cr, 0, 0, bar, height);
         cairo_fill(cr);
     }
@@ -876,7 +847,7 @@ void SCodeEditCtrl::Paint(cairo_t* cr) {
             int to = lineIndex == selTo.line
                          ? editor.ScreenColumn(lineIndex, selTo.column)
                          : editor.ScreenColumn(lineIndex, static_cast<int>(line.size())) + 1;
-            SetSource(cr, GetColor(CODE_COLOR_HIGHLIGHT));
+            SetSourceColor(cr, GetColor(CODE_COLOR_HIGHLIGHT));
             cairo_rectangle(cr, textLeft + from * charWidth, y, (to - from) * charWidth,
                             lineHeight);
             cairo_fill(cr);
@@ -943,7 +914,7 @@ void SCodeEditCtrl::Paint(cairo_t* cr) {
             pango_layout_set_attributes(layout, attributes);
             pango_attr_list_unref(attributes);
             pango_layout_set_text(layout, display.c_str(), static_cast<int>(display.size()));
-            SetSource(cr, GetColor(CODE_COLOR_TEXT));
+            SetSourceColor(cr, GetColor(CODE_COLOR_TEXT));
             cairo_move_to(cr, textLeft, y);
             pango_cairo_show_layout(cr, layout);
         }
@@ -957,7 +928,7 @@ void SCodeEditCtrl::Paint(cairo_t* cr) {
             int numberWidth = 0;
             int numberHeight = 0;
             pango_layout_get_pixel_size(layout, &numberWidth, &numberHeight);
-            SetSource(cr, GetColor(CODE_COLOR_BARGRAY));
+            SetSourceColor(cr, GetColor(CODE_COLOR_BARGRAY));
             cairo_move_to(cr, bar - 3 - numberWidth, y);
             pango_cairo_show_layout(cr, layout);
         }
@@ -968,7 +939,7 @@ void SCodeEditCtrl::Paint(cairo_t* cr) {
     if (focused && !editor.HasSelection()) {
         SRect caret = GetCaretRect();
         if (caret.left >= bar) {
-            SetSource(cr, GetColor(CODE_COLOR_TEXT));
+            SetSourceColor(cr, GetColor(CODE_COLOR_TEXT));
             cairo_rectangle(cr, caret.left, caret.top, 1.5, caret.Height());
             cairo_fill(cr);
         }

@@ -8,6 +8,7 @@
 
 #include "editors/code_edit_ctrl.h"
 #include "foundation/keyboard.h"
+#include "toolkit/draw.h"
 #include "toolkit/sys_colors.h"
 
 namespace {
@@ -22,19 +23,14 @@ constexpr int kButtonHeight = 26;
 constexpr int kItemHeight = 22;
 constexpr int kMenuWidth = 190;
 
-void SetSource(cairo_t* cr, uint32_t color) {
-    cairo_set_source_rgb(cr, (color & 0xFF) / 255.0, ((color >> 8) & 0xFF) / 255.0,
-                         ((color >> 16) & 0xFF) / 255.0);
-}
-
 void Fill(cairo_t* cr, const SRect& rect, uint32_t color) {
-    SetSource(cr, color);
+    SetSourceColor(cr, color);
     cairo_rectangle(cr, rect.left, rect.top, rect.Width(), rect.Height());
     cairo_fill(cr);
 }
 
 void Frame(cairo_t* cr, const SRect& rect, uint32_t color) {
-    SetSource(cr, color);
+    SetSourceColor(cr, color);
     cairo_set_line_width(cr, 1.0);
     cairo_rectangle(cr, rect.left + 0.5, rect.top + 0.5, rect.Width() - 1, rect.Height() - 1);
     cairo_stroke(cr);
@@ -74,28 +70,6 @@ void DropLastCharacter(SString* text) {
     *text = value.c_str();
 }
 
-std::string Utf8(unsigned code) {
-    std::string text;
-    if (code < 0x80) {
-        text += static_cast<char>(code);
-    } else if (code < 0x800) {
-        text += static_cast<char>(0xC0 | (code >> 6));
-        text += static_cast<char>(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-        if (code < 0xD800 || code > 0xDFFF) {
-            text += static_cast<char>(0xE0 | (code >> 12));
-            text += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-            text += static_cast<char>(0x80 | (code & 0x3F));
-        }
-    } else if (code < 0x110000) {
-        text += static_cast<char>(0xF0 | (code >> 18));
-        text += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
-        text += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-        text += static_cast<char>(0x80 | (code & 0x3F));
-    }
-    return text;
-}
-
 } // namespace
 
 int DrawCodeBoxText(cairo_t* cr, const char* text, int x, int y, uint32_t color, const char* family,
@@ -110,7 +84,7 @@ int DrawCodeBoxText(cairo_t* cr, const char* text, int x, int y, uint32_t color,
     int width = 0;
     int height = 0;
     pango_layout_get_pixel_size(layout, &width, &height);
-    SetSource(cr, color);
+    SetSourceColor(cr, color);
     cairo_move_to(cr, x, y);
     pango_cairo_show_layout(cr, layout);
     g_object_unref(layout);
@@ -270,7 +244,7 @@ LRESULT SCodeEditDialog::OnMessage(unsigned message, WPARAM wParam, LPARAM lPara
             return 0;
         }
         SString& field = fields[activeField];
-        field += Utf8(static_cast<unsigned>(wParam)).c_str();
+        field += CodePointToUtf8(static_cast<unsigned>(wParam)).c_str();
         status = "";
         Invalidate(nullptr);
         return 0;
@@ -356,7 +330,7 @@ void SCodeEditDialog::Paint(cairo_t* cr) {
         Frame(cr, box, shadow);
         bool on = check == MATCH_CASE ? matchCase : up;
         if (on) {
-            SetSource(cr, windowText);
+            SetSourceColor(cr, windowText);
             cairo_set_line_width(cr, 2.0);
             cairo_move_to(cr, box.left + 3, box.top + 7);
             cairo_line_to(cr, box.left + 6, box.top + 10);
@@ -399,11 +373,22 @@ bool SCodePopupMenu::Open(SPoint screen) {
     }
     SRect rect{screen.x, screen.y, screen.x + kMenuWidth,
                screen.y + GetItemCount() * kItemHeight + 4};
-    if (!Create("", WS_POPUP | WS_VISIBLE, 0, &rect, 0)) {
+    // A popup surface: frameless, above the rest, holding the pointer and
+    // the keys while shown; a press elsewhere comes as a non-client press.
+    if (!Create("", WS_POPUP | WS_VISIBLE, WS_EX_TOOLWINDOW, &rect, 0)) {
         return false;
     }
     SetFocus(GetHandle());
     return true;
+}
+
+void SCodePopupMenu::Dismiss() {
+    SCodeEditCtrl* owner = editor;
+    bool focused = GetFocus() == GetHandle();
+    Destroy();
+    if (focused && owner != nullptr && owner->GetHandle() != 0) {
+        SetFocus(owner->GetHandle()); // the keys go back to the editor
+    }
 }
 
 int SCodePopupMenu::ItemAt(int y) const {
@@ -446,10 +431,15 @@ LRESULT SCodePopupMenu::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam
     case WM_LBUTTONUP:
         Choose(ItemAt(PointParamY(lParam)));
         return 0;
+    case WM_NCLBUTTONDOWN: // a press outside
+    case WM_NCRBUTTONDOWN:
+    case WM_NCMBUTTONDOWN:
+        Dismiss();
+        return 0;
     case WM_KEYDOWN:
         switch (wParam) {
         case VK_ESCAPE:
-            Destroy();
+            Dismiss();
             return 0;
         case VK_RETURN:
             Choose(hot);

@@ -62,6 +62,8 @@ public:
     // Runs an item (when enabled) and closes.
     bool Choose(int item);
     int GetItemCount() const;
+    // Closes without running anything (Escape, a press outside).
+    void Dismiss();
 
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override;
 

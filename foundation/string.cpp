@@ -1446,6 +1446,14 @@ void SUniString::AssignUtf16(const char16_t* text, int count) {
 
 // Conversions between encodings
 
+std::string CodePointToUtf8(unsigned code) {
+    if ((code >= 0xD800 && code <= 0xDFFF) || code > 0x10FFFF) {
+        return std::string();
+    }
+    char bytes[4];
+    return std::string(bytes, static_cast<size_t>(EncodeUtf8(static_cast<char32_t>(code), bytes)));
+}
+
 SString Utf16ToUtf8(const char16_t* text, int count) {
     if (text == nullptr) {
         return SString("");

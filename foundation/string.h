@@ -17,6 +17,7 @@
 #include <cstdarg>
 #include <cstdint>
 #include <memory>
+#include <string>
 
 class SString {
 public:
@@ -231,6 +232,8 @@ private:
 // UTF-8 from UTF-16 and back. Invalid sequences become U+FFFD.
 SString Utf16ToUtf8(const char16_t* text, int count = -1);
 SUniString Utf8ToUtf16(const char* text, int count = -1);
+// One code point as UTF-8; empty for a surrogate or a value past U+10FFFF.
+std::string CodePointToUtf8(unsigned code);
 // True when the bytes are well-formed UTF-8.
 bool IsValidUtf8(const char* text, int count = -1);
 // Windows-1252 bytes to UTF-8, for text written on Windows. The five bytes

@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "foundation/keyboard.h"
+#include "toolkit/ctrl_common.h"
 #include "toolkit/list_ctrl.h"
 #include "toolkit/mouse_event.h"
 #include "toolkit/notification.h"
@@ -15,15 +16,6 @@
 
 namespace {
 
-constexpr unsigned KEY_F4 = 0x73;
-constexpr unsigned KEY_PAGE_UP = 33;
-constexpr unsigned KEY_PAGE_DOWN = 34;
-constexpr unsigned KEY_END = 35;
-constexpr unsigned KEY_HOME = 36;
-constexpr unsigned KEY_LEFT = 37;
-constexpr unsigned KEY_UP = 38;
-constexpr unsigned KEY_RIGHT = 39;
-constexpr unsigned KEY_DOWN = 40;
 constexpr int TEXT_MARGIN = 4;
 
 // The start of the character before offset (UTF-8), and of the one after.
@@ -323,16 +315,16 @@ void SComboCtrl::EditChanged() {
 bool SComboCtrl::EditKey(unsigned key, bool shift) {
     int length = static_cast<int>(editText.size());
     switch (key) {
-    case KEY_LEFT:
+    case ctrlkey::LEFT:
         caret = PreviousCharacter(editText, caret);
         break;
-    case KEY_RIGHT:
+    case ctrlkey::RIGHT:
         caret = NextCharacter(editText, caret);
         break;
-    case KEY_HOME:
+    case ctrlkey::HOME:
         caret = 0;
         break;
-    case KEY_END:
+    case ctrlkey::END:
         caret = length;
         break;
     case VK_BACK:
@@ -373,7 +365,7 @@ bool SComboCtrl::HandleKey(unsigned key, bool alt) {
     unsigned modifiers = SKeyboard::GetModifiers();
     bool shift = (modifiers & SKeyboard::MODIFIER_SHIFT) != 0;
     bool ctrl = (modifiers & SKeyboard::MODIFIER_CTRL) != 0;
-    if (key == KEY_F4 || (alt && (key == KEY_DOWN || key == KEY_UP))) {
+    if (key == ctrlkey::F4 || (alt && (key == ctrlkey::DOWN || key == ctrlkey::UP))) {
         if (popup) {
             CloseList(true);
         } else {
@@ -389,14 +381,14 @@ bool SComboCtrl::HandleKey(unsigned key, bool alt) {
         case VK_ESCAPE:
             CloseList(false);
             return true;
-        case KEY_UP:
-        case KEY_DOWN:
-        case KEY_PAGE_UP:
-        case KEY_PAGE_DOWN:
+        case ctrlkey::UP:
+        case ctrlkey::DOWN:
+        case ctrlkey::PRIOR:
+        case ctrlkey::NEXT:
             SendMessage(popup->list.GetHandle(), WM_KEYDOWN, key, 0);
             return true;
-        case KEY_HOME:
-        case KEY_END:
+        case ctrlkey::HOME:
+        case ctrlkey::END:
             if (form == COMBO_DROP_LIST) {
                 SendMessage(popup->list.GetHandle(), WM_KEYDOWN, key, 0);
                 return true;
@@ -418,22 +410,22 @@ bool SComboCtrl::HandleKey(unsigned key, bool alt) {
     int count = GetCount();
     int target = -1;
     switch (key) {
-    case KEY_UP:
+    case ctrlkey::UP:
         target = selected - 1;
         break;
-    case KEY_DOWN:
+    case ctrlkey::DOWN:
         target = selected + 1;
         break;
-    case KEY_PAGE_UP:
+    case ctrlkey::PRIOR:
         target = selected - VISIBLE_ITEMS;
         break;
-    case KEY_PAGE_DOWN:
+    case ctrlkey::NEXT:
         target = selected + VISIBLE_ITEMS;
         break;
-    case KEY_HOME:
+    case ctrlkey::HOME:
         target = 0;
         break;
-    case KEY_END:
+    case ctrlkey::END:
         target = count - 1;
         break;
     default:
@@ -525,7 +517,7 @@ bool SComboCtrl::PreMessage(unsigned message, WPARAM* wParam, LPARAM* lParam, LR
         *result = HandleKey(static_cast<unsigned>(*wParam), false) ? 0 : 1;
         return false;
     }
-    if (message == WM_SYSKEYDOWN && (*wParam == KEY_DOWN || *wParam == KEY_UP)) {
+    if (message == WM_SYSKEYDOWN && (*wParam == ctrlkey::DOWN || *wParam == ctrlkey::UP)) {
         HandleKey(static_cast<unsigned>(*wParam), true);
         *result = 0;
         return false;

@@ -8,25 +8,25 @@
 #include "toolkit/sys_colors.h"
 #include "toolkit/wnd_app.h"
 
-namespace {
-
-PangoLayout* Layout(cairo_t* cr, const SFont* font, const char* text, int count) {
-    PangoLayout* layout = pango_cairo_create_layout(cr);
-    SString description = font != nullptr ? font->Describe() : SString("Sans 12px");
-    PangoFontDescription* pangoFont = pango_font_description_from_string(description.c_str());
-    pango_layout_set_font_description(layout, pangoFont);
-    pango_font_description_free(pangoFont);
-    pango_layout_set_text(layout, text != nullptr ? text : "", count);
-    return layout;
-}
-
-} // namespace
-
 namespace ctrldraw {
 
+void Expander(cairo_t* cr, double cx, double cy, bool open, uint32_t color) {
+    SetSourceColor(cr, color);
+    if (open) {
+        cairo_move_to(cr, cx - 4, cy - 2);
+        cairo_line_to(cr, cx + 4, cy - 2);
+        cairo_line_to(cr, cx, cy + 3);
+    } else {
+        cairo_move_to(cr, cx - 2, cy - 4);
+        cairo_line_to(cr, cx + 3, cy);
+        cairo_line_to(cr, cx - 2, cy + 4);
+    }
+    cairo_close_path(cr);
+    cairo_fill(cr);
+}
+
 void SetSource(cairo_t* cr, uint32_t color) {
-    cairo_set_source_rgb(cr, (color & 0xFF) / 255.0, ((color >> 8) & 0xFF) / 255.0,
-                         ((color >> 16) & 0xFF) / 255.0);
+    SetSourceColor(cr, color);
 }
 
 uint32_t Mix(uint32_t a, uint32_t b, int amount) {
@@ -44,7 +44,7 @@ int Text(cairo_t* cr, const SFont* font, const char* text, const SRect& rect, ui
     if (text == nullptr || *text == 0 || rect.Width() <= 0 || rect.Height() <= 0) {
         return 0;
     }
-    PangoLayout* layout = Layout(cr, font, text, -1);
+    PangoLayout* layout = MakeTextLayout(cr, font, text, -1);
     pango_layout_set_single_paragraph_mode(layout, TRUE);
     if (align == SAlign::JUSTIFY) {
         pango_layout_set_width(layout, rect.Width() * PANGO_SCALE);

@@ -26,10 +26,13 @@ constexpr unsigned UP = 0x26;
 constexpr unsigned RIGHT = 0x27;
 constexpr unsigned DOWN = 0x28;
 constexpr unsigned INSERT = 0x2D;
+constexpr unsigned APPS = 0x5D;     // the menu key
 constexpr unsigned MULTIPLY = 0x6A; // * of the keypad
 constexpr unsigned ADD = 0x6B;      // + of the keypad
 constexpr unsigned SUBTRACT = 0x6D; // - of the keypad
 constexpr unsigned F2 = 0x71;
+constexpr unsigned F4 = 0x73;
+constexpr unsigned F10 = 0x79;
 constexpr unsigned PLUS = 0xBB;  // the = + key
 constexpr unsigned MINUS = 0xBD; // the - _ key
 } // namespace ctrlkey
@@ -56,6 +59,9 @@ int Text(cairo_t* cr, const SFont* font, const char* text, const SRect& rect, ui
 // The pixel width of the first count bytes of text (-1: all).
 int TextWidth(const SFont* font, const char* text, int count = -1);
 void Fill(cairo_t* cr, const SRect& rect, uint32_t color);
+// The expander of a tree row or a group title, centred on (cx, cy): a
+// small triangle pointing down when open, right when closed.
+void Expander(cairo_t* cr, double cx, double cy, bool open, uint32_t color);
 // A rounded rectangle filled and outlined (either colour 0xFF000000: none).
 void RoundBox(cairo_t* cr, const SRect& rect, double radius, uint32_t fill, uint32_t line);
 // The frame of the keyboard focus just inside rect.

@@ -8,28 +8,36 @@
 #include "foundation/file.h"
 #include "toolkit/platform/platform.h"
 
-namespace {
-
-void SetColor(cairo_t* cr, uint32_t color) {
+void SetSourceColor(cairo_t* cr, uint32_t color) {
     cairo_set_source_rgb(cr, (color & 0xFF) / 255.0, ((color >> 8) & 0xFF) / 255.0,
                          ((color >> 16) & 0xFF) / 255.0);
 }
+
+namespace {
 
 // A layout of text in font on a scratch surface; the caller frees both.
 PangoLayout* MakeLayout(const SFont* font, const char* text, int count, cairo_t** cr) {
     cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 1, 1);
     *cr = cairo_create(surface);
     cairo_surface_destroy(surface);
-    PangoLayout* layout = pango_cairo_create_layout(*cr);
-    SString description = font != nullptr ? font->Describe() : SString("Sans 12px");
-    PangoFontDescription* pangoFont = pango_font_description_from_string(description.c_str());
-    pango_layout_set_font_description(layout, pangoFont);
-    pango_font_description_free(pangoFont);
-    pango_layout_set_text(layout, text != nullptr ? text : "", count);
-    return layout;
+    return MakeTextLayout(*cr, font, text, count);
 }
 
 } // namespace
+
+void SetLayoutFont(PangoLayout* layout, const SFont* font, const char* fallback) {
+    SString description = font != nullptr ? font->Describe() : SString(fallback);
+    PangoFontDescription* pangoFont = pango_font_description_from_string(description.c_str());
+    pango_layout_set_font_description(layout, pangoFont);
+    pango_font_description_free(pangoFont);
+}
+
+PangoLayout* MakeTextLayout(cairo_t* cr, const SFont* font, const char* text, int count) {
+    PangoLayout* layout = pango_cairo_create_layout(cr);
+    SetLayoutFont(layout, font);
+    pango_layout_set_text(layout, text != nullptr ? text : "", count);
+    return layout;
+}
 
 SFont::SFont(const char* face, int height, unsigned flags)
     : face(face != nullptr && *face != 0 ? face : "Sans"), height(height), flags(flags) {}
@@ -110,7 +118,7 @@ void DrawFrame(cairo_t* cr, const SRect* rect, const SPen& pen) {
     }
     double half = pen.width / 2.0;
     cairo_save(cr);
-    SetColor(cr, pen.color);
+    SetSourceColor(cr, pen.color);
     cairo_set_line_width(cr, pen.width);
     cairo_rectangle(cr, rect->left + half, rect->top + half, rect->Width() - pen.width,
                     rect->Height() - pen.width);
@@ -124,7 +132,7 @@ void DrawLine(cairo_t* cr, SPoint from, SPoint to, const SPen& pen) {
     }
     double offset = (pen.width % 2) != 0 ? 0.5 : 0.0;
     cairo_save(cr);
-    SetColor(cr, pen.color);
+    SetSourceColor(cr, pen.color);
     cairo_set_line_width(cr, pen.width);
     cairo_move_to(cr, from.x + offset, from.y + offset);
     cairo_line_to(cr, to.x + offset, to.y + offset);
@@ -137,7 +145,7 @@ void FillRect(cairo_t* cr, const SRect* rect, uint32_t color) {
         return;
     }
     cairo_save(cr);
-    SetColor(cr, color);
+    SetSourceColor(cr, color);
     cairo_rectangle(cr, rect->left, rect->top, rect->Width(), rect->Height());
     cairo_fill(cr);
     cairo_restore(cr);

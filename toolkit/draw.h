@@ -10,6 +10,7 @@
 
 class SFile;
 typedef struct _cairo cairo_t;
+typedef struct _PangoLayout PangoLayout;
 
 // Font flags.
 constexpr unsigned FONT_BOLD = 1;
@@ -48,12 +49,19 @@ SFont* MakeFont(const char* face, int height, unsigned flags);
 SSize TextSize(const SFont* font, const char* text, int count = -1);
 // The line height and the average character width.
 SSize TextMetrics(const SFont* font);
+// Gives layout the Pango description of font; a null font takes fallback.
+void SetLayoutFont(PangoLayout* layout, const SFont* font, const char* fallback = "Sans 12px");
+// A layout on cr of count bytes of text (-1: all) in font; the caller
+// frees it.
+PangoLayout* MakeTextLayout(cairo_t* cr, const SFont* font, const char* text, int count);
 // A two-colour gradient over rect, left to right or top to bottom.
 bool GradientFill(cairo_t* cr, const SRect* rect, uint32_t from, uint32_t to, bool vertical);
 // The outline of rect, inside it.
 void DrawFrame(cairo_t* cr, const SRect* rect, const SPen& pen);
 void DrawLine(cairo_t* cr, SPoint from, SPoint to, const SPen& pen);
 void FillRect(cairo_t* cr, const SRect* rect, uint32_t color);
+// Makes color (0x00BBGGRR) the source of cr.
+void SetSourceColor(cairo_t* cr, uint32_t color);
 
 // The private clipboard format of SetFile and GetFile: a block of the
 // 32-bit byte count (little-endian), the bytes, and a zero byte.

@@ -7,6 +7,7 @@
 #include <pango/pangocairo.h>
 
 #include "foundation/keyboard.h"
+#include "toolkit/ctrl_common.h"
 #include "toolkit/draw.h"
 #include "toolkit/platform/platform.h"
 #include "toolkit/sys_colors.h"
@@ -20,49 +21,8 @@ constexpr int MARGIN = 4;                 // frame and padding round the text
 constexpr const char* BULLET = "\xE2\x97\x8F";
 constexpr int BULLET_BYTES = 3;
 
-// Keys the edit reads.
-constexpr unsigned KEY_PAGE_UP = 33;
-constexpr unsigned KEY_PAGE_DOWN = 34;
-constexpr unsigned KEY_END = 35;
-constexpr unsigned KEY_HOME = 36;
-constexpr unsigned KEY_LEFT = 37;
-constexpr unsigned KEY_UP = 38;
-constexpr unsigned KEY_RIGHT = 39;
-constexpr unsigned KEY_DOWN = 40;
-constexpr unsigned KEY_INSERT = 45;
-constexpr unsigned KEY_MENU = 93;
-constexpr unsigned KEY_F10 = 121;
-
-void SetSourceColor(cairo_t* cr, uint32_t color) {
-    cairo_set_source_rgb(cr, (color & 0xFF) / 255.0, ((color >> 8) & 0xFF) / 255.0,
-                         ((color >> 16) & 0xFF) / 255.0);
-}
-
 uint16_t Channel16(uint32_t color, int shift) {
     return static_cast<uint16_t>(((color >> shift) & 0xFF) * 257);
-}
-
-std::string EncodeUtf8(unsigned code) {
-    std::string result;
-    if (code < 0x80) {
-        result += static_cast<char>(code);
-    } else if (code < 0x800) {
-        result += static_cast<char>(0xC0 | (code >> 6));
-        result += static_cast<char>(0x80 | (code & 0x3F));
-    } else if (code < 0x10000) {
-        if (code >= 0xD800 && code < 0xE000) {
-            return result;
-        }
-        result += static_cast<char>(0xE0 | (code >> 12));
-        result += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-        result += static_cast<char>(0x80 | (code & 0x3F));
-    } else if (code < 0x110000) {
-        result += static_cast<char>(0xF0 | (code >> 18));
-        result += static_cast<char>(0x80 | ((code >> 12) & 0x3F));
-        result += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
-        result += static_cast<char>(0x80 | (code & 0x3F));
-    }
-    return result;
 }
 
 struct MenuItem {
@@ -82,8 +42,9 @@ constexpr int MENU_WIDTH = 150;
 
 } // namespace
 
-// The popup menu: a small top-level window the toolkit draws; a click on
-// an item runs it, Escape, a click outside or the loss of the focus closes it.
+// The popup menu: a popup surface the toolkit draws (frameless, holding
+// the pointer and the keys while shown); a click on an item runs it,
+// Escape, a press outside or the loss of the focus closes it.
 class SEditCtrl::Popup : public SWnd {
 public:
     explicit Popup(SEditCtrl* owner) : owner(owner) {}
@@ -109,6 +70,13 @@ public:
     void Close() {
         if (GetHandle() != 0) {
             PostMessage(GetHandle(), WM_CLOSE, 0, 0);
+        }
+    }
+    // Closes without a pick: the keys go back to the edit.
+    void Dismiss() {
+        Close();
+        if (GetFocus() == GetHandle() && owner->GetHandle() != 0) {
+            SetFocus(owner->GetHandle());
         }
     }
 
@@ -137,8 +105,13 @@ public:
         }
         case WM_KEYDOWN:
             if (wParam == VK_ESCAPE) {
-                Close();
+                Dismiss();
             }
+            return 0;
+        case WM_NCLBUTTONDOWN: // a press outside, as the popup's hold reports it
+        case WM_NCRBUTTONDOWN:
+        case WM_NCMBUTTONDOWN:
+            Dismiss();
             return 0;
         case WM_KILLFOCUS:
             Close();
@@ -158,11 +131,7 @@ private:
         FillRect(cr, &client, GetSysColor(SYS_COLOR_MENU));
         DrawFrame(cr, &client, SPen{GetSysColor(SYS_COLOR_BTNSHADOW), 1});
         PangoLayout* layout = pango_cairo_create_layout(cr);
-        SFont* font = GetDefaultFont();
-        PangoFontDescription* description = pango_font_description_from_string(
-            font != nullptr ? font->Describe().c_str() : "Sans 9");
-        pango_layout_set_font_description(layout, description);
-        pango_font_description_free(description);
+        SetLayoutFont(layout, GetDefaultFont(), "Sans 9");
         int top = 2;
         for (int i = 0; i < static_cast<int>(std::size(MENU_ITEMS)); ++i) {
             const MenuItem& item = MENU_ITEMS[i];
@@ -250,10 +219,7 @@ PangoLayout* SEditCtrl::MakeLayout() {
     if (font == nullptr) {
         font = GetDefaultFont();
     }
-    PangoFontDescription* description =
-        pango_font_description_from_string(font != nullptr ? font->Describe().c_str() : "Sans 9");
-    pango_layout_set_font_description(layout, description);
-    pango_font_description_free(description);
+    SetLayoutFont(layout, font, "Sans 9");
     std::string shown = DisplayText();
     pango_layout_set_text(layout, shown.c_str(), static_cast<int>(shown.size()));
     if (model.IsMultiLine()) {
@@ -458,7 +424,7 @@ void SEditCtrl::TypeCharacter(unsigned code) {
     if ((modifiers & SKeyboard::MODIFIER_CTRL) != 0) {
         return;
     }
-    if (model.Insert(EncodeUtf8(code), true)) {
+    if (model.Insert(CodePointToUtf8(code), true)) {
         Changed(true);
     }
 }
@@ -499,31 +465,31 @@ bool SEditCtrl::HandleKey(unsigned key) {
     int pageLines =
         std::max(1, TextArea().Height() / std::max(1, TextMetrics(GetDefaultFont()).height));
     switch (key) {
-    case KEY_LEFT:
+    case ctrlkey::LEFT:
         move(ctrl ? SEditText::WORD_LEFT : SEditText::LEFT);
         return true;
-    case KEY_RIGHT:
+    case ctrlkey::RIGHT:
         move(ctrl ? SEditText::WORD_RIGHT : SEditText::RIGHT);
         return true;
-    case KEY_HOME:
+    case ctrlkey::HOME:
         move(ctrl ? SEditText::TEXT_START : SEditText::LINE_START);
         return true;
-    case KEY_END:
+    case ctrlkey::END:
         move(ctrl ? SEditText::TEXT_END : SEditText::LINE_END);
         return true;
-    case KEY_UP:
-    case KEY_DOWN:
+    case ctrlkey::UP:
+    case ctrlkey::DOWN:
         if (!model.IsMultiLine()) {
             return false;
         }
-        MoveVertically(key == KEY_UP ? -1 : 1, shift);
+        MoveVertically(key == ctrlkey::UP ? -1 : 1, shift);
         return true;
-    case KEY_PAGE_UP:
-    case KEY_PAGE_DOWN:
+    case ctrlkey::PRIOR:
+    case ctrlkey::NEXT:
         if (!model.IsMultiLine()) {
             return false;
         }
-        MoveVertically(key == KEY_PAGE_UP ? -pageLines : pageLines, shift);
+        MoveVertically(key == ctrlkey::PRIOR ? -pageLines : pageLines, shift);
         return true;
     case VK_BACK:
         if (model.Backspace(ctrl)) {
@@ -537,7 +503,7 @@ bool SEditCtrl::HandleKey(unsigned key) {
             Changed(true);
         }
         return true;
-    case KEY_INSERT:
+    case ctrlkey::INSERT:
         if (ctrl && !shift) {
             OnCopy();
         } else if (shift && !ctrl) {
@@ -552,9 +518,9 @@ bool SEditCtrl::HandleKey(unsigned key) {
             return true;
         }
         return false;
-    case KEY_MENU:
-    case KEY_F10:
-        if (key == KEY_F10 && !shift) {
+    case ctrlkey::APPS:
+    case ctrlkey::F10:
+        if (key == ctrlkey::F10 && !shift) {
             return false;
         }
         {
@@ -648,7 +614,7 @@ SWnd* SEditCtrl::ShowPopupMenu(int x, int y) {
     SPoint at{x, y};
     ClientToScreen(&at);
     SRect rect{at.x, at.y, at.x + MENU_WIDTH, at.y + Popup::Height()};
-    if (!popup->Create("", WS_POPUP | WS_VISIBLE, 0, &rect, 0)) {
+    if (!popup->Create("", WS_POPUP | WS_VISIBLE, WS_EX_TOOLWINDOW, &rect, 0)) {
         popup.reset();
         return nullptr;
     }

@@ -28,6 +28,36 @@ SString TrimBlanks(const SString& line) {
 
 SIniSections::~SIniSections() = default;
 
+bool SIniSections::SetDefinitionSource(SFile* file, const char* magic, SString* reason) {
+    if (file == nullptr || !file->IsOpen()) {
+        *reason = "no file";
+        return false;
+    }
+    if (file->ReadLine(true) != SString(magic)) {
+        *reason = SString("the first line is not \"") + magic + "\"";
+        return false;
+    }
+    SetSource(file);
+    return true;
+}
+
+bool AddIniLine(SString& text, const char* key, const SString& value) {
+    if (value.Find("\r\n") >= 0) {
+        return false;
+    }
+    text += key;
+    text += '=';
+    text += value;
+    text += "\r\n";
+    return true;
+}
+
+void AddIniNumber(SString& text, const char* key, long long value) {
+    SString number;
+    number.Format("%lld", value);
+    AddIniLine(text, key, number);
+}
+
 bool SIniSections::SetSource(SFile* source) {
     body.clear();
     sections.clear();

@@ -28,6 +28,10 @@ public:
     // All that remains of source from its position; false for a null or
     // closed source.
     bool SetSource(SFile* source);
+    // A definition file: its first line must be magic, the rest is the
+    // body. False, with the reason, for a null or closed file or another
+    // first line.
+    bool SetDefinitionSource(SFile* file, const char* magic, SString* reason);
     // The section lines of the body, counted as SIni finds them.
     int GetSectionCount() const { return static_cast<int>(sections.size()); }
 
@@ -50,3 +54,8 @@ private:
     std::vector<SSection> sections;
     std::map<std::string, std::unique_ptr<SIni>> opened; // by the name asked for
 };
+
+// Writing a definition: "key=value" CR LF, false (and nothing added) when
+// the value holds CR LF; a number the same way.
+bool AddIniLine(SString& text, const char* key, const SString& value);
+void AddIniNumber(SString& text, const char* key, long long value);

@@ -7,21 +7,13 @@
 #include <cmath>
 
 #include "foundation/keyboard.h"
+#include "toolkit/ctrl_common.h"
 #include "toolkit/list_draw.h"
 #include "toolkit/mouse_event.h"
 #include "toolkit/sys_colors.h"
 
 namespace {
 
-constexpr unsigned KEY_SPACE = 32;
-constexpr unsigned KEY_PAGE_UP = 33;
-constexpr unsigned KEY_PAGE_DOWN = 34;
-constexpr unsigned KEY_END = 35;
-constexpr unsigned KEY_HOME = 36;
-constexpr unsigned KEY_LEFT = 37;
-constexpr unsigned KEY_UP = 38;
-constexpr unsigned KEY_RIGHT = 39;
-constexpr unsigned KEY_DOWN = 40;
 constexpr int WHEEL_ROWS = 3; // rows a notch of the wheel scrolls
 constexpr int TEXT_MARGIN = 4;
 
@@ -428,32 +420,32 @@ bool SListCtrl::HandleKey(unsigned key) {
     int page = std::max(1, GetPageRows() - 1) * perLine;
     int target = -1;
     switch (key) {
-    case KEY_UP:
+    case ctrlkey::UP:
         target = current < 0 ? 0 : current - perLine;
         break;
-    case KEY_DOWN:
+    case ctrlkey::DOWN:
         target = current < 0 ? 0 : current + perLine;
         break;
-    case KEY_LEFT:
-    case KEY_RIGHT:
+    case ctrlkey::LEFT:
+    case ctrlkey::RIGHT:
         if (cellWidth <= 0) {
             return false;
         }
-        target = current < 0 ? 0 : current + (key == KEY_LEFT ? -1 : 1);
+        target = current < 0 ? 0 : current + (key == ctrlkey::LEFT ? -1 : 1);
         break;
-    case KEY_HOME:
+    case ctrlkey::HOME:
         target = 0;
         break;
-    case KEY_END:
+    case ctrlkey::END:
         target = count - 1;
         break;
-    case KEY_PAGE_UP:
+    case ctrlkey::PRIOR:
         target = current < 0 ? 0 : current - page;
         break;
-    case KEY_PAGE_DOWN:
+    case ctrlkey::NEXT:
         target = current < 0 ? 0 : current + page;
         break;
-    case KEY_SPACE:
+    case ctrlkey::SPACE:
         if (current >= 0 && selection.ToggleCurrent()) {
             InvalidateRow(current);
             SelectionChanged();

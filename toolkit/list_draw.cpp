@@ -55,8 +55,7 @@ SListFont* MakeListFont(SWnd* wnd) {
 }
 
 void ListSetColor(cairo_t* cr, uint32_t color) {
-    cairo_set_source_rgb(cr, (color & 0xFF) / 255.0, ((color >> 8) & 0xFF) / 255.0,
-                         ((color >> 16) & 0xFF) / 255.0);
+    SetSourceColor(cr, color);
 }
 
 void ListFill(cairo_t* cr, const SRect& rect, uint32_t color) {

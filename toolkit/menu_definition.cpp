@@ -9,24 +9,6 @@
 
 namespace {
 
-// "key=value" CR LF; false when the value holds CR LF.
-bool AddLine(SString& text, const char* key, const SString& value) {
-    if (value.Find("\r\n") >= 0) {
-        return false;
-    }
-    text += key;
-    text += '=';
-    text += value;
-    text += "\r\n";
-    return true;
-}
-
-void AddNumber(SString& text, const char* key, long long value) {
-    SString number;
-    number.Format("%lld", value);
-    AddLine(text, key, number);
-}
-
 SString SectionName(int menu, int item = -1) {
     SString name;
     if (item < 0) {
@@ -82,14 +64,11 @@ bool SMenuDefinition::Load(SFile* file, const SMenuNameToId& nameToId, SString* 
         }
         return false;
     };
-    if (file == nullptr || !file->IsOpen()) {
-        return fail("no file");
-    }
-    if (file->ReadLine(true) != SString(MENU_MAGIC)) {
-        return fail("the first line is not \"TAVORA MENU 1.0.0.0\"");
-    }
     SIniSections ini;
-    ini.SetSource(file);
+    SString reason;
+    if (!ini.SetDefinitionSource(file, MENU_MAGIC, &reason)) {
+        return fail(reason.c_str());
+    }
     int count = ini.ReadInt("", "count");
     if (count < 1) {
         return fail("the menu count is below 1");
@@ -136,27 +115,27 @@ bool SMenuDefinition::Load(SFile* file, const SMenuNameToId& nameToId, SString* 
 
 SString SMenuDefinition::Format() const {
     SString text = SString(MENU_MAGIC) + "\r\n[]\r\n";
-    AddNumber(text, "count", static_cast<long long>(menus.size()));
+    AddIniNumber(text, "count", static_cast<long long>(menus.size()));
     bool complete = true;
     for (size_t i = 0; i < menus.size(); ++i) {
         const SMenuRecord& menu = menus[i];
         text += SString("\r\n[") + SectionName(static_cast<int>(i)) + "]\r\n";
-        complete &= AddLine(text, "name", menu.name);
-        AddNumber(text, "count", static_cast<long long>(menu.items.size()));
+        complete &= AddIniLine(text, "name", menu.name);
+        AddIniNumber(text, "count", static_cast<long long>(menu.items.size()));
         for (size_t j = 0; j < menu.items.size(); ++j) {
             const SMenuItemRecord& item = menu.items[j];
             text +=
                 SString("\r\n[") + SectionName(static_cast<int>(i), static_cast<int>(j)) + "]\r\n";
-            AddNumber(text, "id", item.id);
-            complete &= AddLine(text, "name", item.name);
-            AddNumber(text, "separator", item.separator ? 1 : 0);
-            AddNumber(text, "menu", item.submenu >= 1 ? item.submenu : 0);
-            complete &= AddLine(text, "text", item.text);
-            complete &= AddLine(text, "tip", item.tip);
-            complete &= AddLine(text, "image", item.image);
-            AddNumber(text, "data", item.data);
-            AddNumber(text, "checked", item.checked ? 1 : 0);
-            AddNumber(text, "disabled", item.disabled ? 1 : 0);
+            AddIniNumber(text, "id", item.id);
+            complete &= AddIniLine(text, "name", item.name);
+            AddIniNumber(text, "separator", item.separator ? 1 : 0);
+            AddIniNumber(text, "menu", item.submenu >= 1 ? item.submenu : 0);
+            complete &= AddIniLine(text, "text", item.text);
+            complete &= AddIniLine(text, "tip", item.tip);
+            complete &= AddIniLine(text, "image", item.image);
+            AddIniNumber(text, "data", item.data);
+            AddIniNumber(text, "checked", item.checked ? 1 : 0);
+            AddIniNumber(text, "disabled", item.disabled ? 1 : 0);
         }
     }
     return complete ? text : SString();

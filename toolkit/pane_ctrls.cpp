@@ -582,18 +582,7 @@ void SPanelCtrl::Paint(cairo_t* cr) {
         Fill(cr, title,
              Mix(face, GetSysColor(SYS_COLOR_BTNSHADOW), hotGroup == g && hotItem == -1 ? 90 : 50));
         double cx = 10, cy = top + line / 2.0;
-        SetSource(cr, Ink(this));
-        if (groups[g].open) {
-            cairo_move_to(cr, cx - 4, cy - 2);
-            cairo_line_to(cr, cx + 4, cy - 2);
-            cairo_line_to(cr, cx, cy + 3);
-        } else {
-            cairo_move_to(cr, cx - 2, cy - 4);
-            cairo_line_to(cr, cx + 3, cy);
-            cairo_line_to(cr, cx - 2, cy + 4);
-        }
-        cairo_close_path(cr);
-        cairo_fill(cr);
+        Expander(cr, cx, cy, groups[g].open, Ink(this));
         Text(cr, font, groups[g].title.c_str(), SRect{20, top, client.right - 4, top + line},
              Ink(this));
         if (HasFocus() && focusGroup == g && focusItem == -1) {

@@ -52,6 +52,19 @@ void SRangeCtrl::UserValue(int newValue) {
     }
 }
 
+bool SRangeCtrl::HandleKeyOrWheel(unsigned message, WPARAM wParam) {
+    if (message == WM_MOUSEWHEEL) {
+        HandleWheel(wParam);
+        return true;
+    }
+    return message == WM_KEYDOWN && HandleKey(wParam);
+}
+
+int SRangeCtrl::ValueAtTravel(int at, int travel) const {
+    int64_t span = maximum - minimum;
+    return minimum + static_cast<int>((span * at + travel / 2) / travel);
+}
+
 bool SRangeCtrl::HandleKey(WPARAM key) {
     if (!IsEnabled()) {
         return false;
@@ -188,9 +201,7 @@ LRESULT SScrollCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
             int arrow = std::min(Thickness(), Length() / 2);
             int at = (IsVertical() ? point.y : point.x) - dragOffset - arrow;
             if (travel > 0) {
-                int64_t span = maximum - minimum;
-                UserValue(minimum + static_cast<int>(
-                                        (span * std::clamp(at, 0, travel) + travel / 2) / travel));
+                UserValue(ValueAtTravel(std::clamp(at, 0, travel), travel));
             }
         }
         break;
@@ -206,13 +217,11 @@ LRESULT SScrollCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
         Invalidate(nullptr);
         break;
     case WM_KEYDOWN:
-        if (HandleKey(wParam)) {
+    case WM_MOUSEWHEEL:
+        if (HandleKeyOrWheel(message, wParam)) {
             return 0;
         }
         break;
-    case WM_MOUSEWHEEL:
-        HandleWheel(wParam);
-        return 0;
     default:
         break;
     }
@@ -289,8 +298,7 @@ int SSliderCtrl::ValueAt(SPoint point) const {
     int length = vertical ? GetClientHeight() : GetClientWidth();
     int travel = std::max(1, length - KNOB);
     int at = std::clamp((vertical ? point.y : point.x) - KNOB / 2, 0, travel);
-    int64_t span = maximum - minimum;
-    return minimum + static_cast<int>((span * at + travel / 2) / travel);
+    return ValueAtTravel(at, travel);
 }
 
 LRESULT SSliderCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
@@ -323,13 +331,11 @@ LRESULT SSliderCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
         }
         break;
     case WM_KEYDOWN:
-        if (HandleKey(wParam)) {
+    case WM_MOUSEWHEEL:
+        if (HandleKeyOrWheel(message, wParam)) {
             return 0;
         }
         break;
-    case WM_MOUSEWHEEL:
-        HandleWheel(wParam);
-        return 0;
     default:
         break;
     }

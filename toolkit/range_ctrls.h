@@ -27,9 +27,10 @@ public:
 protected:
     // Sets the value as the user did, and tells the parent when it changed.
     void UserValue(int value);
-    // The keys and the wheel; true when handled.
-    bool HandleKey(WPARAM key);
-    bool HandleWheel(WPARAM wParam);
+    // WM_KEYDOWN and WM_MOUSEWHEEL; true when handled (the wheel always).
+    bool HandleKeyOrWheel(unsigned message, WPARAM wParam);
+    // The value at a position 0..travel along the track, rounded.
+    int ValueAtTravel(int at, int travel) const;
     virtual unsigned ChangeMessage() const { return SN_SCROLL_CHANGED; }
 
     int minimum = 0;
@@ -37,6 +38,10 @@ protected:
     int value = 0;
     int lineStep = 1;
     int pageStep = 10;
+
+private:
+    bool HandleKey(WPARAM key);
+    bool HandleWheel(WPARAM wParam);
 };
 
 class SScrollCtrl : public SRangeCtrl {

@@ -5,27 +5,6 @@
 #include "foundation/file.h"
 #include "toolkit/ini_sections.h"
 
-namespace {
-
-bool AddLine(SString& text, const char* key, const SString& value) {
-    if (value.Find("\r\n") >= 0) {
-        return false;
-    }
-    text += key;
-    text += '=';
-    text += value;
-    text += "\r\n";
-    return true;
-}
-
-void AddNumber(SString& text, const char* key, long long value) {
-    SString number;
-    number.Format("%lld", value);
-    AddLine(text, key, number);
-}
-
-} // namespace
-
 void SToolbarDefinition::Clear() {
     width = 0;
     height = 0;
@@ -41,14 +20,11 @@ bool SToolbarDefinition::Load(SFile* file, const SToolbarNameToId& nameToId, SSt
         }
         return false;
     };
-    if (file == nullptr || !file->IsOpen()) {
-        return fail("no file");
-    }
-    if (file->ReadLine(true) != SString(TOOLBAR_MAGIC)) {
-        return fail("the first line is not \"TAVORA TOOLBAR 1.0.0.0\"");
-    }
     SIniSections ini;
-    ini.SetSource(file);
+    SString reason;
+    if (!ini.SetDefinitionSource(file, TOOLBAR_MAGIC, &reason)) {
+        return fail(reason.c_str());
+    }
     width = ini.ReadInt("", "width");
     height = ini.ReadInt("", "height");
     int count = std::max(0, ini.ReadInt("", "count"));
@@ -79,21 +55,21 @@ bool SToolbarDefinition::Load(SFile* file, const SToolbarNameToId& nameToId, SSt
 
 SString SToolbarDefinition::Format() const {
     SString text = SString(TOOLBAR_MAGIC) + "\r\n[]\r\n";
-    AddNumber(text, "width", width);
-    AddNumber(text, "height", height);
-    AddNumber(text, "count", static_cast<long long>(buttons.size()));
+    AddIniNumber(text, "width", width);
+    AddIniNumber(text, "height", height);
+    AddIniNumber(text, "count", static_cast<long long>(buttons.size()));
     bool complete = true;
     for (size_t i = 0; i < buttons.size(); ++i) {
         const SToolbarButtonRecord& button = buttons[i];
         SString section;
         section.Format("\r\n[%zu]\r\n", i);
         text += section;
-        complete &= AddLine(text, "name", button.name);
-        complete &= AddLine(text, "image", button.image);
-        AddNumber(text, "separator", button.separator ? 1 : 0);
-        AddNumber(text, "data", button.data);
-        AddNumber(text, "disabled", button.disabled ? 1 : 0);
-        complete &= AddLine(text, "text", button.text);
+        complete &= AddIniLine(text, "name", button.name);
+        complete &= AddIniLine(text, "image", button.image);
+        AddIniNumber(text, "separator", button.separator ? 1 : 0);
+        AddIniNumber(text, "data", button.data);
+        AddIniNumber(text, "disabled", button.disabled ? 1 : 0);
+        complete &= AddIniLine(text, "text", button.text);
     }
     return complete ? text : SString();
 }

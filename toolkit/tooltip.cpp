@@ -36,13 +36,10 @@ void SetColor(cairo_t* cr, uint32_t color) {
 // The tip's picture: text in a box of the tool tip colours.
 bool PaintTip(const SString& text, SImage* picture) {
     SFont* font = GetSystemFont(3);
-    SString description = font != nullptr ? font->Describe() : SString("Sans 12px");
     cairo_surface_t* scratch = cairo_image_surface_create(CAIRO_FORMAT_RGB24, 1, 1);
     cairo_t* measure = cairo_create(scratch);
     PangoLayout* layout = pango_cairo_create_layout(measure);
-    PangoFontDescription* pangoFont = pango_font_description_from_string(description.c_str());
-    pango_layout_set_font_description(layout, pangoFont);
-    pango_font_description_free(pangoFont);
+    SetLayoutFont(layout, font);
     pango_layout_set_width(layout, TIP_WIDTH * PANGO_SCALE);
     pango_layout_set_wrap(layout, PANGO_WRAP_WORD_CHAR);
     pango_layout_set_text(layout, text.c_str(), -1);

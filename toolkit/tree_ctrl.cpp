@@ -830,18 +830,7 @@ void STreeCtrl::Paint(cairo_t* cr) {
         if (!item->children.empty()) {
             double cx = ExpanderLeft(entry.level) + INDENT / 2.0;
             double cy = top + rowHeight / 2.0;
-            SetSource(cr, isSelected && focused ? ink : Mix(text, back, 60));
-            if (item->expanded) {
-                cairo_move_to(cr, cx - 4, cy - 2);
-                cairo_line_to(cr, cx + 4, cy - 2);
-                cairo_line_to(cr, cx, cy + 3);
-            } else {
-                cairo_move_to(cr, cx - 2, cy - 4);
-                cairo_line_to(cr, cx + 3, cy);
-                cairo_line_to(cr, cx - 2, cy + 4);
-            }
-            cairo_close_path(cr);
-            cairo_fill(cr);
+            Expander(cr, cx, cy, item->expanded, isSelected && focused ? ink : Mix(text, back, 60));
         }
         if (checks) {
             int boxTop = top + (rowHeight - CHECK_SIZE) / 2;

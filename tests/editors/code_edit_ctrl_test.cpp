@@ -129,6 +129,25 @@ TEST_F(CodeEditCtrlTest, PopupLabelsAndReadOnly) {
     EXPECT_TRUE(editor.GetPopupMenu()->Choose(2));
     EXPECT_EQ(SClipboard().GetText(), SString("alpha"));
     EXPECT_EQ(editor.GetPopupMenu()->GetHandle(), 0u);
+
+    // A frameless popup surface; a press outside or Escape closes it and
+    // gives the keys back to the editor.
+    for (bool escape : {false, true}) {
+        platform->Release(top.GetHandle(), 100, 5, WM_RBUTTONUP);
+        ASSERT_NE(editor.GetPopupMenu(), nullptr);
+        HWND handle = editor.GetPopupMenu()->GetHandle();
+        SHeadlessPlatform::Surface surface;
+        ASSERT_TRUE(platform->GetSurface(handle, &surface));
+        EXPECT_TRUE(surface.popup);
+        if (escape) {
+            platform->Key(handle, VK_ESCAPE);
+        } else {
+            platform->Press(handle, -30, -30);
+        }
+        SHeadlessPlatform::DispatchPending();
+        EXPECT_EQ(editor.GetPopupMenu()->GetHandle(), 0u) << escape;
+        EXPECT_EQ(GetFocus(), editor.GetHandle()) << escape;
+    }
 }
 
 TEST_F(CodeEditCtrlTest, MouseSelectsWordsAndLinesAndTheWheelScrolls) {

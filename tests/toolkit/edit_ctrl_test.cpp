@@ -248,6 +248,25 @@ TEST_F(EditTest, SelectAllOnFocusAndThePopupMenu) {
     EXPECT_EQ(edit.GetPopupMenu(), nullptr) << "a command closes the menu";
     EXPECT_EQ(GetFocus(), edit.GetHandle());
 
+    // A frameless popup surface; a press outside or Escape closes it and
+    // gives the keys back to the edit.
+    for (bool escape : {false, true}) {
+        menu = edit.ShowPopupMenu(5, 5);
+        ASSERT_NE(menu, nullptr);
+        HWND handle = menu->GetHandle();
+        SHeadlessPlatform::Surface surface;
+        ASSERT_TRUE(platform->GetSurface(handle, &surface));
+        EXPECT_TRUE(surface.popup);
+        if (escape) {
+            platform->Key(handle, VK_ESCAPE);
+        } else {
+            platform->Press(handle, -30, -30);
+        }
+        SHeadlessPlatform::DispatchPending();
+        EXPECT_EQ(edit.GetPopupMenu(), nullptr) << escape;
+        EXPECT_EQ(GetFocus(), edit.GetHandle()) << escape;
+    }
+
     SEditCtrl plain;
     ASSERT_TRUE(plain.Create(&top, Rect(10, 130, 100, 160), 3, EDIT_NOPOPUPMENU, "x"));
     EXPECT_EQ(plain.ShowPopupMenu(5, 5), nullptr);
