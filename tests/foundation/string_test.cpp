@@ -597,6 +597,16 @@ TEST(StringUnicode, Utf16ToUtf8ReplacesLoneSurrogates) {
     EXPECT_EQ(Text(Utf16ToUtf8(nullptr)), "");
 }
 
+TEST(StringUnicode, OneCodePointTakesOneToFourBytesAndSurrogatesNone) {
+    const std::pair<unsigned, std::string> cases[] = {
+        {0x41, "A"}, {0xE9, "\xC3\xA9"}, {0x65E5, "\xE6\x97\xA5"},
+        {0x1F3B5, "\xF0\x9F\x8E\xB5"}, {0x10FFFF, "\xF4\x8F\xBF\xBF"},
+        {0xD800, ""}, {0xDFFF, ""}, {0x110000, ""}};
+    for (const auto& [code, bytes] : cases) {
+        EXPECT_EQ(CodePointToUtf8(code), bytes) << std::hex << code;
+    }
+}
+
 TEST(StringUnicode, Utf32AndWideCopies) {
     const wchar_t text[] = {0x20AC, 0x1F600, 0xD800, 0x110000, 'a', 0};
     EXPECT_EQ(Text(SString(text)), "\xE2\x82\xAC\xF0\x9F\x98\x80\xEF\xBF\xBD\xEF\xBF\xBD"
