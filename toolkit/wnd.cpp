@@ -39,11 +39,16 @@ std::map<std::string, WindowClass>& Classes() {
 constexpr unsigned OWN_CLASS_STYLE = CS_HREDRAW | CS_VREDRAW | CS_DBLCLKS;
 
 std::atomic<SMenuBarPainter> menuBarPainter{nullptr};
+std::atomic<SMenuBarPressHandler> menuBarPress{nullptr};
 
 } // namespace
 
 void SetMenuBarPainter(SMenuBarPainter painter) {
     menuBarPainter.store(painter);
+}
+
+void SetMenuBarPressHandler(SMenuBarPressHandler handler) {
+    menuBarPress.store(handler);
 }
 
 ThreadWindowState& ThreadState() {
@@ -115,6 +120,16 @@ LRESULT DefWindowProc(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam)
         // A window that does not scroll hands the wheel to its parent.
         if (wnd != nullptr && wnd->GetParent() != 0) {
             return SendMessage(wnd->GetParent(), message, wParam, lParam);
+        }
+        return 0;
+    case WM_NCLBUTTONDOWN:
+        if (wnd != nullptr && wnd->GetMenu() != nullptr && wParam == HTMENU) {
+            SMenuBarPressHandler handler = menuBarPress.load();
+            if (handler != nullptr) {
+                SRect frame = wnd->GetWindowRect();
+                handler(wnd, wnd->GetMenu(), PointParamX(lParam) - frame.left,
+                        PointParamY(lParam) - frame.top);
+            }
         }
         return 0;
     default:

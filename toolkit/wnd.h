@@ -43,6 +43,10 @@ bool RegisterWindowClass(const char* className, SWindowProc procedure, unsigned 
 // colour. Null restores that.
 using SMenuBarPainter = void (*)(SWnd* window, SMenu* menu, cairo_t* cr, const SRect& bar);
 void SetMenuBarPainter(SMenuBarPainter painter);
+// Told of a left press on a window's menu bar (x, y in window
+// coordinates). The menu code installs it; null: presses do nothing.
+using SMenuBarPressHandler = void (*)(SWnd* window, SMenu* menu, int x, int y);
+void SetMenuBarPressHandler(SMenuBarPressHandler handler);
 
 // Thread-wide window state, each for the calling thread.
 HWND GetFocus();

@@ -1177,6 +1177,32 @@ bool GtkCaptureSurface(HWND top, SImage* picture) {
     return picture->LoadPixels(argb.data(), width, height);
 }
 
+bool GtkCaptureScreen(const SRect& area, SImage* picture) {
+    GdkWindow* root = gdk_get_default_root_window();
+    if (root == nullptr || picture == nullptr || area.IsEmpty()) {
+        return false;
+    }
+    int width = area.Width(), height = area.Height();
+    GdkPixbuf* pixbuf = gdk_pixbuf_get_from_window(root, area.left, area.top, width, height);
+    if (pixbuf == nullptr) {
+        return false;
+    }
+    int channels = gdk_pixbuf_get_n_channels(pixbuf);
+    int stride = gdk_pixbuf_get_rowstride(pixbuf);
+    const guchar* pixels = gdk_pixbuf_read_pixels(pixbuf);
+    std::vector<uint32_t> argb(static_cast<size_t>(width) * height);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const guchar* p = pixels + y * stride + x * channels;
+            argb[static_cast<size_t>(y) * width + x] =
+                0xFF000000u | (static_cast<uint32_t>(p[0]) << 16) |
+                (static_cast<uint32_t>(p[1]) << 8) | p[2];
+        }
+    }
+    g_object_unref(pixbuf);
+    return picture->LoadPixels(argb.data(), width, height);
+}
+
 bool GtkResizeSurface(HWND top, int width, int height) {
     Surface* surface = FindSurface(top);
     if (surface == nullptr) {
@@ -1232,6 +1258,10 @@ bool GtkGetToolTipRect(SRect* rect) {
 }
 
 bool GtkSimulateClick(HWND top, int x, int y) {
+    return GtkSimulateButtonClick(top, x, y, 1);
+}
+
+bool GtkSimulateButtonClick(HWND top, int x, int y, int button) {
     Surface* surface = FindSurface(top);
     GdkWindow* window = surface != nullptr ? gtk_widget_get_window(surface->area) : nullptr;
     if (window == nullptr || !GDK_IS_X11_DISPLAY(gdk_window_get_display(window))) {
@@ -1244,9 +1274,12 @@ bool GtkSimulateClick(HWND top, int x, int y) {
     if (!XTestQueryExtension(display, &eventBase, &errorBase, &major, &minor)) {
         return false;
     }
+    if (button < 1 || button > 3) {
+        return false;
+    }
     XTestFakeMotionEvent(display, -1, originX + x, originY + y, CurrentTime);
-    XTestFakeButtonEvent(display, 1, True, CurrentTime);
-    XTestFakeButtonEvent(display, 1, False, CurrentTime);
+    XTestFakeButtonEvent(display, static_cast<unsigned>(button), True, CurrentTime);
+    XTestFakeButtonEvent(display, static_cast<unsigned>(button), False, CurrentTime);
     XFlush(display);
     return true;
 }

@@ -19,6 +19,10 @@ bool GtkCaptureSurface(HWND top, SImage* picture);
 // A real click of the left button at a point of a top-level window's
 // client area, synthesised through the X test extension.
 bool GtkSimulateClick(HWND top, int x, int y);
+// The same with another button: 1 left, 2 middle, 3 right.
+bool GtkSimulateButtonClick(HWND top, int x, int y, int button);
+// The pixels the X server shows over a rectangle of the screen.
+bool GtkCaptureScreen(const SRect& area, SImage* picture);
 // A real turn of a wheel at a point, through the X test extension: button
 // 4 is a notch up, 5 down, 6 left, 7 right.
 bool GtkSimulateWheel(HWND top, int x, int y, int button);
