@@ -74,8 +74,8 @@ void ShowText(cairo_t* cr, const SString& text, int x, int top, int bottom, bool
         PangoAttrList* attributes = pango_attr_list_new();
         PangoAttribute* line = pango_attr_underline_new(PANGO_UNDERLINE_SINGLE);
         line->start_index = static_cast<unsigned>(underline);
-        line->end_index = static_cast<unsigned>(
-            g_utf8_next_char(shown.c_str() + underline) - shown.c_str());
+        line->end_index =
+            static_cast<unsigned>(g_utf8_next_char(shown.c_str() + underline) - shown.c_str());
         pango_attr_list_insert(attributes, line);
         pango_layout_set_attributes(layout, attributes);
         pango_attr_list_unref(attributes);
@@ -665,9 +665,11 @@ SSize SMenu::MeasurePopup() const {
             continue;
         }
         int underline = -1;
-        textWidth = std::max(textWidth, static_cast<int>(Measure(ShownText(item.text, &underline)).width));
+        textWidth =
+            std::max(textWidth, static_cast<int>(Measure(ShownText(item.text, &underline)).width));
         if (!item.shortcut.IsEmpty()) {
-            shortcutWidth = std::max(shortcutWidth, static_cast<int>(Measure(item.shortcut.c_str()).width));
+            shortcutWidth =
+                std::max(shortcutWidth, static_cast<int>(Measure(item.shortcut.c_str()).width));
         }
     }
     int width = 2 * FRAME + LEFT_COLUMN + textWidth + RIGHT_COLUMN +
@@ -723,8 +725,8 @@ SRect SMenu::GetBarItemRect(int index) const {
     int height = GetMenuBarHeight();
     for (int i = 0; i < GetItemCount(); ++i) {
         int underline = -1;
-        int width = static_cast<int>(Measure(ShownText(items[i].text, &underline)).width) +
-                    2 * BAR_PADDING;
+        int width =
+            static_cast<int>(Measure(ShownText(items[i].text, &underline)).width) + 2 * BAR_PADDING;
         if (i == index) {
             return SRect{x, 0, x + width, height};
         }

@@ -65,11 +65,11 @@ TEST(MenuItems, TextShortcutAndMnemonic) {
     } cases[] = {
         {"&Open\tCtrl+O", "&Open", "Ctrl+O", U'o'},
         {"Save &As", "Save &As", "", U'a'},
-        {"A&&B", "A&&B", "", 0},          // a plain "&"
-        {"&&&x", "&&&x", "", U'x'},       // a plain "&", then the mark
-        {"End&", "End&", "", 0},          // a mark with nothing after it
+        {"A&&B", "A&&B", "", 0},    // a plain "&"
+        {"&&&x", "&&&x", "", U'x'}, // a plain "&", then the mark
+        {"End&", "End&", "", 0},    // a mark with nothing after it
         {"\xC3\x89&\xC3\x89t\xC3\xA9", "\xC3\x89&\xC3\x89t\xC3\xA9", "", U'\u00E9'},
-        {"Tab\tA\tB", "Tab", "A\tB", 0},  // the first tab parts them
+        {"Tab\tA\tB", "Tab", "A\tB", 0}, // the first tab parts them
     };
     SMenu menu;
     for (const Case& c : cases) {
@@ -136,7 +136,7 @@ TEST_F(MenuTest, ArrowsSkipSeparatorsAndDisabledItemsAndEnterPicks) {
         {ctrlkey::DOWN, 0}, {ctrlkey::DOWN, 3}, // over the separator and Save
         {ctrlkey::DOWN, 5},                     // over Gone
         {ctrlkey::DOWN, 0},                     // round to the top
-        {ctrlkey::UP, 5},   {ctrlkey::UP, 3},  {ctrlkey::END, 5}, {ctrlkey::HOME, 0},
+        {ctrlkey::UP, 5},   {ctrlkey::UP, 3},   {ctrlkey::END, 5}, {ctrlkey::HOME, 0},
     };
     for (const Step& step : steps) {
         Key(step.key);
@@ -214,13 +214,14 @@ TEST_F(MenuTest, PopupsFlipAtTheWorkAreaEdge) {
     SSize subSize = menu.GetItem(3).submenu->MeasurePopup();
     struct Case {
         SPoint at;
-        SPoint top;       // of the first level
-        bool subOnRight;  // the submenu opens to the right
+        SPoint top;      // of the first level
+        bool subOnRight; // the submenu opens to the right
     } cases[] = {
         {{100, 100}, {100, 100}, true},
         {{990, 100}, {990 - size.width, 100}, false},
         {{100, 790}, {100, 790 - size.height}, true},
-        {{1000 - size.width - subSize.width / 2, 100}, {1000 - size.width - subSize.width / 2, 100},
+        {{1000 - size.width - subSize.width / 2, 100},
+         {1000 - size.width - subSize.width / 2, 100},
          false},
     };
     for (const Case& c : cases) {
@@ -277,6 +278,18 @@ TEST_F(MenuTest, APressOutsideClosesEveryLevel) {
     EXPECT_FALSE(menu.IsOpen());
     EXPECT_TRUE(Commands().empty());
     EXPECT_EQ(GetFocus(), owner.GetHandle());
+
+    // A menu that goes while open takes its surfaces with it.
+    HWND shown = 0;
+    {
+        SMenu brief;
+        brief.AppendItem(1, "&One");
+        ASSERT_TRUE(brief.TrackPopup(owner.GetHandle(), 10, 10));
+        shown = brief.GetLevel(0)->GetHandle();
+    }
+    SHeadlessPlatform::DispatchPending();
+    SHeadlessPlatform::Surface surface;
+    EXPECT_FALSE(platform->GetSurface(shown, &surface));
 }
 
 TEST_F(MenuTest, MenuBarOpensOnPressAndArrowsMoveBetweenMenus) {
