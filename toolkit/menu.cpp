@@ -713,6 +713,7 @@ SMenu* SMenu::GetLevelMenu(int level) const {
 bool SMenu::UseAsMenuBar(SWnd* window, bool keepClientHeight) {
     SetMenuBarPainter(&SMenu::BarPainter);
     SetMenuBarPressHandler(&SMenu::BarPress);
+    SetMenuBarKeyHandler(&SMenu::BarKey);
     if (window == nullptr || !window->SetMenu(this, keepClientHeight)) {
         return false;
     }
@@ -796,4 +797,21 @@ void SMenu::BarPress(SWnd* window, SMenu* menu, int x, int y) {
             return;
         }
     }
+}
+
+bool SMenu::BarKey(SWnd* window, SMenu* menu) {
+    if (menu->barWindow != window || menu->IsOpen()) {
+        return false;
+    }
+    if (menu->tracker == nullptr) {
+        menu->tracker = std::make_unique<Tracker>(menu);
+    }
+    menu->openBarItem = -1;
+    menu->tracker->BarStep(1);
+    if (!menu->IsOpen()) {
+        return false;
+    }
+    Level* first = menu->tracker->levels[0].get();
+    first->SetHot(first->Step(-1, 1));
+    return true;
 }

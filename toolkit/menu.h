@@ -89,7 +89,8 @@ public:
 
     // The menu bar. UseAsMenuBar puts the menu in window's menu bar slot
     // and draws it there; a press on a title opens its submenu below it,
-    // and Left and Right in an open menu move to the next title.
+    // and Left and Right in an open menu move to the next title. F10 in
+    // the window opens the first menu.
     bool UseAsMenuBar(SWnd* window, bool keepClientHeight);
     // The bar's titles: the rectangle of item index in window
     // coordinates; empty past the end.
@@ -111,6 +112,7 @@ private:
     void PaintBar(cairo_t* cr, const SRect& bar);
     static void BarPainter(SWnd* window, SMenu* menu, cairo_t* cr, const SRect& bar);
     static void BarPress(SWnd* window, SMenu* menu, int x, int y);
+    static bool BarKey(SWnd* window, SMenu* menu);
 
     std::vector<SMenuItem> items;
     std::unique_ptr<Tracker> tracker;

@@ -47,6 +47,10 @@ void SetMenuBarPainter(SMenuBarPainter painter);
 // coordinates). The menu code installs it; null: presses do nothing.
 using SMenuBarPressHandler = void (*)(SWnd* window, SMenu* menu, int x, int y);
 void SetMenuBarPressHandler(SMenuBarPressHandler handler);
+// Told of F10 pressed in a window whose top-level window has a menu bar;
+// true when it opened the bar's menu (the key then goes no further).
+using SMenuBarKeyHandler = bool (*)(SWnd* top, SMenu* menu);
+void SetMenuBarKeyHandler(SMenuBarKeyHandler handler);
 
 // Thread-wide window state, each for the calling thread.
 HWND GetFocus();

@@ -2,6 +2,7 @@
 #include "toolkit/wnd.h"
 
 #include <algorithm>
+#include <atomic>
 #include <filesystem>
 
 #include "foundation/keyboard.h"
@@ -69,7 +70,16 @@ constexpr Shortcut SHORTCUTS[] = {
     {'S', true, true, SHORTCUT_SAVE_AS},
 };
 
+// The menu code's F10 handler.
+std::atomic<SMenuBarKeyHandler> menuBarKey{nullptr};
+
+constexpr unsigned VK_F10_KEY = 0x79;
+
 } // namespace
+
+void SetMenuBarKeyHandler(SMenuBarKeyHandler handler) {
+    menuBarKey.store(handler);
+}
 
 bool SWnd::PreMessage(unsigned message, WPARAM* wParam, LPARAM* lParam, LRESULT* result) {
     ThreadWindowState& state = ThreadState();
@@ -306,6 +316,14 @@ bool SWnd::HandleKeyDown(unsigned key) {
     if (top != handle) {
         SendMessage(top, SM_KEY, key, handle);
         if (handle == 0) {
+            return false;
+        }
+    }
+    if (key == VK_F10_KEY && !ctrl && !shift) {
+        SWnd* topWnd = FromHandle(top);
+        SMenuBarKeyHandler handler = menuBarKey.load();
+        if (topWnd != nullptr && topWnd->GetMenu() != nullptr && handler != nullptr &&
+            handler(topWnd, topWnd->GetMenu())) {
             return false;
         }
     }

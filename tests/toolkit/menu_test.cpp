@@ -318,6 +318,17 @@ TEST_F(MenuTest, MenuBarOpensOnPressAndArrowsMoveBetweenMenus) {
     SHeadlessPlatform::DispatchPending();
     EXPECT_EQ(bar.GetOpenBarItem(), -1);
     EXPECT_EQ(Commands(), std::vector<int>{QUIT});
+    EXPECT_EQ(GetFocus(), owner.GetHandle());
+
+    // F10 opens the first menu with its first item highlighted; F10 again
+    // closes it.
+    platform->Key(owner.GetHandle(), ctrlkey::F10);
+    ASSERT_EQ(bar.GetOpenBarItem(), 0);
+    EXPECT_EQ(bar.GetHot(0), 0);
+    EXPECT_EQ(GetFocus(), bar.GetLevel(0)->GetHandle());
+    platform->Key(bar.GetLevel(0)->GetHandle(), ctrlkey::F10);
+    EXPECT_FALSE(bar.IsOpen());
+    EXPECT_EQ(GetFocus(), owner.GetHandle());
     owner.SetMenu(nullptr, false);
 }
 
