@@ -21,6 +21,10 @@ public:
         if (message == WM_COMMAND) {
             commands.push_back(static_cast<int>(wParam & 0xFFFF));
         }
+        SNotification note(message, wParam, lParam);
+        if (message == SN_STATUS_BAR_MOUSE && note.Mouse() != nullptr) {
+            statusMice.push_back(*note.Mouse());
+        }
         if (message == SN_CONTROL_BAR_HEIGHT) {
             heights.push_back(static_cast<int>(lParam));
         }
@@ -28,6 +32,7 @@ public:
     }
     std::vector<int> commands;
     std::vector<int> heights;
+    std::vector<SMouseEvent> statusMice;
 };
 
 SImage Picture(uint32_t argb) {
@@ -220,6 +225,11 @@ TEST_F(BarsTest, StatusPartsFollowTheBarsWidth) {
     EXPECT_STREQ(status.GetText(1).c_str(), "12 tracks");
     EXPECT_FALSE(status.SetText(3, "x"));
     EXPECT_FALSE(status.SetPartWidth(-1, 5));
+    // Its mouse events reach the parent, in the bar's own coordinates.
+    platform->Click(top.GetHandle(), 30, 280);
+    ASSERT_FALSE(top.statusMice.empty());
+    EXPECT_EQ(top.statusMice.front().code, MOUSE_DOWN | MOUSE_LEFT);
+    EXPECT_EQ(top.statusMice.front().client, (SPoint{30, 10}));
     // Two parts sharing the rest, with the grip's corner kept free.
     SStatusBarCtrl grip;
     ASSERT_TRUE(Make(grip, "", Rect(0, 240, 201, 262), top.GetHandle(),
