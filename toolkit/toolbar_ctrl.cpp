@@ -292,7 +292,9 @@ LRESULT SToolBarCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) 
         if (was >= 0 && was == index && IsEnabled() &&
             (buttons[index].state & TOOLBAR_STATE_ENABLED) != 0) {
             LRESULT result = SCtrlBase::OnMessage(message, wParam, lParam);
-            if (GetHandle() != 0) {
+            // The parent may have changed the buttons on the mouse event.
+            if (GetHandle() != 0 && index < GetButtonCount() &&
+                (buttons[index].state & TOOLBAR_STATE_ENABLED) != 0) {
                 Click(index);
             }
             return result;

@@ -263,3 +263,36 @@ TEST_F(BarsTest, ControlBarWrapsBandsAndTellsItsHeight) {
 }
 
 } // namespace
+
+namespace {
+
+// A parent that empties the toolbar when told of the release.
+class ClearingParent : public SWnd {
+public:
+    LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
+        SNotification note(message, wParam, lParam);
+        if (message == SN_TOOLBAR_MOUSE && note.Mouse() != nullptr &&
+            note.Mouse()->code == (MOUSE_UP | MOUSE_LEFT)) {
+            bar->RemoveAllButtons();
+        }
+        commands += message == WM_COMMAND ? 1 : 0;
+        return SWnd::OnMessage(message, wParam, lParam);
+    }
+    SToolBarCtrl* bar = nullptr;
+    int commands = 0;
+};
+
+TEST_F(ToolkitTest, ToolbarEmptiedByItsParentOnTheReleaseSendsNoCommand) {
+    ClearingParent parent;
+    SToolBarCtrl bar;
+    parent.bar = &bar;
+    ASSERT_TRUE(Make(parent, "top", Rect(100, 100, 400, 300)));
+    ASSERT_TRUE(Make(bar, "", Rect(0, 0, 300, 30), parent.GetHandle()));
+    bar.AddButton(1, -1, "One");
+    SRect rect = bar.GetButtonRect(0);
+    platform->Click(parent.GetHandle(), rect.left + 5, rect.top + 5);
+    EXPECT_EQ(bar.GetButtonCount(), 0);
+    EXPECT_EQ(parent.commands, 0);
+}
+
+} // namespace
