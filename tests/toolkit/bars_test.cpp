@@ -138,17 +138,6 @@ TEST_F(BarsTest, TheHoveredButtonsTextIsTheToolTip) {
     EXPECT_EQ(bar.GetHotButton(), -1);
 }
 
-TEST_F(BarsTest, SeparatorsAreNarrowAndButtonsDoNotOverlap) {
-    EXPECT_TRUE(bar.IsSeparator(1));
-    EXPECT_LT(bar.GetButtonRect(1).Width(), bar.GetButtonRect(0).Width());
-    for (int i = 1; i < bar.GetButtonCount(); ++i) {
-        EXPECT_EQ(bar.GetButtonRect(i).left, bar.GetButtonRect(i - 1).right);
-    }
-    SSize ideal = bar.GetIdealSize();
-    EXPECT_GE(ideal.width, bar.GetButtonRect(3).right);
-    EXPECT_GE(ideal.height, 16);
-}
-
 TEST(DisabledImage, IsGreyFadedAndKeepsTheSize) {
     SImage normal = Picture(0xFFE02010u);
     SImage disabled;
