@@ -8,8 +8,8 @@
 
 namespace {
 
-constexpr int PART_PAD = 4;     // between a part's divider and its text
-constexpr int GRIP_SIZE = 14;   // the size grip's square
+constexpr int PART_PAD = 4;      // between a part's divider and its text
+constexpr int GRIP_SIZE = 14;    // the size grip's square
 constexpr int GRIPPER_WIDTH = 8; // the handle at a band's left
 constexpr int BAND_GAP = 2;
 
@@ -76,7 +76,8 @@ void SStatusBarCtrl::Layout() {
         if (width < 0) {
             // The rest shared alike, the last taking what division leaves.
             ++flexibleSeen;
-            width = flexibleSeen == flexible ? rest - rest / flexible * (flexible - 1) : rest / flexible;
+            width = flexibleSeen == flexible ? rest - rest / flexible * (flexible - 1)
+                                             : rest / flexible;
         }
         int left = std::min(x, right);
         int end = std::min(x + width, right);
@@ -108,9 +109,9 @@ void SStatusBarCtrl::Paint(cairo_t* cr) {
         if (rect.Width() <= 0) {
             continue;
         }
-        ctrldraw::Text(cr, font, parts[i].text.c_str(),
-                       SRect{rect.left + PART_PAD, rect.top + 1, rect.right - PART_PAD, rect.bottom},
-                       text);
+        ctrldraw::Text(
+            cr, font, parts[i].text.c_str(),
+            SRect{rect.left + PART_PAD, rect.top + 1, rect.right - PART_PAD, rect.bottom}, text);
         if (i + 1 < parts.size()) {
             ctrldraw::Fill(cr, SRect{rect.right - 1, rect.top + 4, rect.right, rect.bottom - 3},
                            shadow);
@@ -136,8 +137,8 @@ int SControlBarCtrl::AddBand(SWnd* child, int width, int bandHeight) {
     Band band;
     band.child = child;
     band.width = std::max(1, width);
-    band.height = bandHeight > 0 ? bandHeight
-                                 : (child->GetHandle() != 0 ? child->GetRect().Height() : 0);
+    band.height =
+        bandHeight > 0 ? bandHeight : (child->GetHandle() != 0 ? child->GetRect().Height() : 0);
     band.height = std::max(1, band.height);
     bands.push_back(band);
     Layout();

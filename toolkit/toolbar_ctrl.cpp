@@ -7,10 +7,10 @@
 
 namespace {
 
-constexpr int BUTTON_PAD = 4;     // between a button's edge and its image
+constexpr int BUTTON_PAD = 4; // between a button's edge and its image
 constexpr int SEPARATOR_WIDTH = 8;
-constexpr int TEXT_PAD = 8;       // either side of a text-only button's text
-constexpr int BAR_PAD = 2;        // around the row of buttons
+constexpr int TEXT_PAD = 8; // either side of a text-only button's text
+constexpr int BAR_PAD = 2;  // around the row of buttons
 
 } // namespace
 
@@ -20,7 +20,8 @@ bool MakeDisabledImage(const SImage& image, SImage* result) {
         return false;
     }
     uint32_t* bits = result->GetBits();
-    size_t count = static_cast<size_t>(result->GetWidth()) * static_cast<size_t>(result->GetHeight());
+    size_t count =
+        static_cast<size_t>(result->GetWidth()) * static_cast<size_t>(result->GetHeight());
     for (size_t i = 0; i < count; ++i) {
         uint32_t pixel = bits[i];
         uint32_t alpha = pixel >> 24;
@@ -65,7 +66,7 @@ const SImage* SToolBarCtrl::GetImage(int index) const {
 
 const SImage* SToolBarCtrl::GetDisabledImage(int index) const {
     return index >= 0 && index < static_cast<int>(disabledImages.size()) ? &disabledImages[index]
-                                                                           : nullptr;
+                                                                         : nullptr;
 }
 
 int SToolBarCtrl::AddButton(int id, int image, const char* text, unsigned state, unsigned style,
@@ -221,7 +222,8 @@ void SToolBarCtrl::Layout() {
         if (!button.separator) {
             width = imageWidth + 2 * BUTTON_PAD;
             if (button.image < 0 && !button.text.IsEmpty()) {
-                width = std::max(width, ctrldraw::TextWidth(font, button.text.c_str()) + 2 * TEXT_PAD);
+                width =
+                    std::max(width, ctrldraw::TextWidth(font, button.text.c_str()) + 2 * TEXT_PAD);
             }
         }
         button.rect = SRect{x, BAR_PAD, x + width, BAR_PAD + height};
@@ -256,7 +258,8 @@ void SToolBarCtrl::Click(int index) {
     InvalidateButton(index);
     HWND parent = GetParent();
     if (parent != 0) {
-        SendMessage(parent, WM_COMMAND, static_cast<WPARAM>(static_cast<unsigned>(button.id) & 0xFFFFu),
+        SendMessage(parent, WM_COMMAND,
+                    static_cast<WPARAM>(static_cast<unsigned>(button.id) & 0xFFFFu),
                     static_cast<LPARAM>(GetHandle()));
     }
 }
@@ -348,8 +351,8 @@ void SToolBarCtrl::Paint(cairo_t* cr) {
             image->DrawAt(cr, x, y, imageWidth, imageHeight);
         } else {
             uint32_t color = GetSysColor(enabled ? SYS_COLOR_BTNTEXT : SYS_COLOR_GRAYTEXT);
-            ctrldraw::Text(cr, font, button.text.c_str(), ctrldraw::Moved(rect, shift, shift), color,
-                           SAlign::CENTER);
+            ctrldraw::Text(cr, font, button.text.c_str(), ctrldraw::Moved(rect, shift, shift),
+                           color, SAlign::CENTER);
         }
     }
 }

@@ -221,8 +221,8 @@ TEST_F(BarsTest, StatusPartsFollowTheBarsWidth) {
     EXPECT_EQ(top.statusMice.front().client, (SPoint{30, 10}));
     // Two parts sharing the rest, with the grip's corner kept free.
     SStatusBarCtrl grip;
-    ASSERT_TRUE(Make(grip, "", Rect(0, 240, 201, 262), top.GetHandle(),
-                     WS_VISIBLE | STATUS_SIZE_GRIP));
+    ASSERT_TRUE(
+        Make(grip, "", Rect(0, 240, 201, 262), top.GetHandle(), WS_VISIBLE | STATUS_SIZE_GRIP));
     grip.SetParts({-1, -1});
     EXPECT_EQ(grip.GetPartRect(0), Rect(0, 0, 93, 22));
     EXPECT_EQ(grip.GetPartRect(1), Rect(93, 0, 187, 22));

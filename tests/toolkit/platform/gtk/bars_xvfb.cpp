@@ -51,8 +51,9 @@ TEST(GtkBars, ToolbarStatesAndStatusBarAreDrawn) {
         bar.AddButton(5, -1, "Queue");
         bar.CheckButton(3, true);
         SRect hoveredRect = bar.GetButtonRect(1);
-        SendMessage(bar.GetHandle(), WM_MOUSEMOVE, 0,
-                    MakePointParam((hoveredRect.left + hoveredRect.right) / 2, hoveredRect.top + 4));
+        SendMessage(
+            bar.GetHandle(), WM_MOUSEMOVE, 0,
+            MakePointParam((hoveredRect.left + hoveredRect.right) / 2, hoveredRect.top + 4));
 
         SStatusBarCtrl status;
         SRect statusRect{0, 96, 420, 120};
@@ -93,7 +94,8 @@ TEST(GtkBars, ToolbarStatesAndStatusBarAreDrawn) {
         EXPECT_NE(grey, 0xF0D040u);
         // Grey laid half over the face: its channels stay close together,
         // where the yellow's spread wide.
-        int spread = std::abs(static_cast<int>((grey >> 16) & 0xFF) - static_cast<int>(grey & 0xFF));
+        int spread =
+            std::abs(static_cast<int>((grey >> 16) & 0xFF) - static_cast<int>(grey & 0xFF));
         EXPECT_LT(spread, 24) << std::hex << grey;
         // The separator's line, and text drawn on the text button.
         SRect separator = bar.GetButtonRect(4);
