@@ -124,6 +124,18 @@ void SToolBarCtrl::SetDefinition(
     }
 }
 
+bool SToolBarCtrl::LoadDefinition(
+    SFile* file, const SToolbarNameToId& nameToId,
+    const std::function<bool(const SString& name, SImage* image)>& loadImage) {
+    SToolbarDefinition definition;
+    bool loaded = definition.Load(file, nameToId);
+    if (!loaded) {
+        definition.Clear();
+    }
+    SetDefinition(definition, loadImage);
+    return loaded;
+}
+
 int SToolBarCtrl::FindButton(int id) const {
     for (size_t i = 0; i < buttons.size(); ++i) {
         if (buttons[i].id == id) {

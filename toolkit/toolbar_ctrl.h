@@ -47,6 +47,12 @@ public:
     void SetDefinition(const SToolbarDefinition& definition,
                        const std::function<bool(const SString& name, SImage* image)>& loadImage);
 
+    // Reads a toolbar definition from the file's position and makes its
+    // buttons. A null file, a wrong first line or a body that cannot be
+    // read leaves the bar empty, with no message; false then.
+    bool LoadDefinition(SFile* file, const SToolbarNameToId& nameToId,
+                        const std::function<bool(const SString& name, SImage* image)>& loadImage);
+
     int GetButtonCount() const { return static_cast<int>(buttons.size()); }
     int FindButton(int id) const; // index, -1 when none
     int GetButtonId(int index) const;

@@ -4,9 +4,11 @@
 // buttons, the disabled image is not the normal one; status bar parts
 // follow the bar's width; the control bar places its bands and tells its
 // height.
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "foundation/file.h"
 #include "foundation/image.h"
 #include "toolkit/bar_ctrls.h"
 #include "toolkit/notification.h"
@@ -188,6 +190,43 @@ TEST_F(BarsTest, ADefinitionMakesTheButtonsWithTheirImages) {
     EXPECT_FALSE(bar.IsButtonEnabled(-4));
     ClickButton(0);
     EXPECT_EQ(top.commands, std::vector<int>{7});
+}
+
+TEST_F(BarsTest, ADefinitionFileMakesTheBarOrLeavesItEmpty) {
+    auto memory = [](const std::string& bytes) {
+        auto file = std::make_unique<SFileMem>();
+        file->Reset(0);
+        file->Write(bytes.data(), static_cast<int>(bytes.size()));
+        file->Rewind();
+        return file;
+    };
+    const std::string body = "[]\r\nwidth=16\r\nheight=16\r\ncount=3\r\n[0]\r\nname=PLAY\r\n"
+                             "text=Play\r\n[1]\r\nseparator=1\r\n[2]\r\nname=X\r\ntext=X\r\n";
+    struct Case {
+        std::string bytes;
+        int buttons;
+    };
+    const Case cases[] = {
+        {"TAVORA TOOLBAR 1.0.0.0\r\n" + body, 3},
+        {"TAVORA TOOLBAR 9.0.0.0\r\n" + body, 0}, // a wrong first line
+        {"TAVORA TOOLBAR 1.0.0.0\r\n[]\r\ncount=0\r\n", 0},
+    };
+    for (const Case& c : cases) {
+        auto file = memory(c.bytes);
+        bar.LoadDefinition(
+            file.get(), [](const SString& name) { return name == SString("PLAY") ? 40 : 0; },
+            nullptr);
+        EXPECT_EQ(bar.GetButtonCount(), c.buttons);
+    }
+    EXPECT_FALSE(bar.LoadDefinition(nullptr, nullptr, nullptr));
+    auto file = memory(cases[0].bytes);
+    ASSERT_TRUE(bar.LoadDefinition(
+        file.get(), [](const SString& name) { return name == SString("PLAY") ? 40 : 0; }, nullptr));
+    // The third button has neither callback ID nor its own: -2 less its index.
+    EXPECT_EQ(bar.GetButtonId(0), 40);
+    EXPECT_EQ(bar.GetButtonId(2), -4);
+    ClickButton(2);
+    EXPECT_EQ(top.commands, std::vector<int>{0xFFFC}) << "the ID's low word";
 }
 
 TEST_F(BarsTest, StatusPartsFollowTheBarsWidth) {
