@@ -188,3 +188,7 @@ constexpr unsigned SN_GUI_MOUSE = 0x8CDB;
 constexpr unsigned SN_TAB_SELECT = 0x8CDC;  // the page now shown
 constexpr unsigned SN_PANEL_ITEM = 0x8CDD;  // group * 65536 + item, toggled
 constexpr unsigned SN_TREE_LABEL = 0x8CDE;  // the item whose text was edited
+// The bars' mouse events (SMouseEvent*).
+constexpr unsigned SN_TOOLBAR_MOUSE = 0x8CE0;
+constexpr unsigned SN_STATUS_BAR_MOUSE = 0x8CE1;
+constexpr unsigned SN_CONTROL_BAR_MOUSE = 0x8CE2;

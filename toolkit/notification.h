@@ -75,6 +75,9 @@ constexpr SNotifyKind NotificationKind(unsigned message) {
     case SN_TAB_MOUSE:
     case SN_PANEL_MOUSE:
     case SN_GUI_MOUSE:
+    case SN_TOOLBAR_MOUSE:
+    case SN_STATUS_BAR_MOUSE:
+    case SN_CONTROL_BAR_MOUSE:
         return SNotifyKind::MOUSE;
     case SN_MEDIA_LINK_CLICKED:
     case SN_WEB_BEFORE_NAVIGATE:
