@@ -1149,18 +1149,8 @@ void GtkSync() {
     }
 }
 
-bool GtkCaptureSurface(HWND top, SImage* picture) {
-    Surface* surface = FindSurface(top);
-    GdkWindow* window = surface != nullptr ? gtk_widget_get_window(surface->area) : nullptr;
-    if (window == nullptr || picture == nullptr) {
-        return false;
-    }
-    int width = gdk_window_get_width(window);
-    int height = gdk_window_get_height(window);
-    GdkPixbuf* pixbuf = gdk_pixbuf_get_from_window(window, 0, 0, width, height);
-    if (pixbuf == nullptr) {
-        return false;
-    }
+// An opaque picture of the pixbuf's pixels, which it then releases.
+static bool TakePixbuf(GdkPixbuf* pixbuf, int width, int height, SImage* picture) {
     int channels = gdk_pixbuf_get_n_channels(pixbuf);
     int stride = gdk_pixbuf_get_rowstride(pixbuf);
     const guchar* pixels = gdk_pixbuf_read_pixels(pixbuf);
@@ -1177,6 +1167,21 @@ bool GtkCaptureSurface(HWND top, SImage* picture) {
     return picture->LoadPixels(argb.data(), width, height);
 }
 
+bool GtkCaptureSurface(HWND top, SImage* picture) {
+    Surface* surface = FindSurface(top);
+    GdkWindow* window = surface != nullptr ? gtk_widget_get_window(surface->area) : nullptr;
+    if (window == nullptr || picture == nullptr) {
+        return false;
+    }
+    int width = gdk_window_get_width(window);
+    int height = gdk_window_get_height(window);
+    GdkPixbuf* pixbuf = gdk_pixbuf_get_from_window(window, 0, 0, width, height);
+    if (pixbuf == nullptr) {
+        return false;
+    }
+    return TakePixbuf(pixbuf, width, height, picture);
+}
+
 bool GtkCaptureScreen(const SRect& area, SImage* picture) {
     GdkWindow* root = gdk_get_default_root_window();
     if (root == nullptr || picture == nullptr || area.IsEmpty()) {
@@ -1187,20 +1192,7 @@ bool GtkCaptureScreen(const SRect& area, SImage* picture) {
     if (pixbuf == nullptr) {
         return false;
     }
-    int channels = gdk_pixbuf_get_n_channels(pixbuf);
-    int stride = gdk_pixbuf_get_rowstride(pixbuf);
-    const guchar* pixels = gdk_pixbuf_read_pixels(pixbuf);
-    std::vector<uint32_t> argb(static_cast<size_t>(width) * height);
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            const guchar* p = pixels + y * stride + x * channels;
-            argb[static_cast<size_t>(y) * width + x] =
-                0xFF000000u | (static_cast<uint32_t>(p[0]) << 16) |
-                (static_cast<uint32_t>(p[1]) << 8) | p[2];
-        }
-    }
-    g_object_unref(pixbuf);
-    return picture->LoadPixels(argb.data(), width, height);
+    return TakePixbuf(pixbuf, width, height, picture);
 }
 
 bool GtkResizeSurface(HWND top, int width, int height) {
