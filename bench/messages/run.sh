@@ -17,14 +17,10 @@
 set -euo pipefail
 
 repo=$(cd "$(dirname "$0")/../.." && pwd)
-build=${BUILD:-$repo/build}
-"$repo/scripts/install-deps.sh" >&2
+. "$repo/bench/common.sh"
 runs=${1:-7}
 
-if [ ! -f "$build/CMakeCache.txt" ]; then
-    cmake -S "$repo" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >&2
-fi
-cmake --build "$build" -j2 --target bench_messages >&2
+bench_build bench_messages
 
 echo "runs: $runs; medians"
 MELKORA_CONFIG_HOME=$(mktemp -d) "$build/bin/bench_messages" "$runs"
