@@ -23,6 +23,7 @@ constexpr unsigned WM_SETTEXT = 0x000C;
 constexpr unsigned WM_GETTEXT = 0x000D;
 constexpr unsigned WM_PAINT = 0x000F;
 constexpr unsigned WM_CLOSE = 0x0010;
+constexpr unsigned WM_QUERYENDSESSION = 0x0011; // the session is ending; non-zero lets it
 constexpr unsigned WM_QUIT = 0x0012;
 constexpr unsigned WM_ERASEBKGND = 0x0014;
 constexpr unsigned WM_SHOWWINDOW = 0x0018;

@@ -215,6 +215,11 @@ LRESULT SControlBarCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lPara
     if (message == WM_DESTROY) {
         bands.clear();
     }
+    if (message == WM_COMMAND && GetParent() != 0) {
+        // The commands of the bands' controls go on to the window that
+        // holds the bar.
+        return SendMessage(GetParent(), message, wParam, lParam);
+    }
     return SCtrlBase::OnMessage(message, wParam, lParam);
 }
 

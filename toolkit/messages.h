@@ -56,6 +56,7 @@ constexpr unsigned WS_SYSMENU = 0x00080000u;
 constexpr unsigned WS_THICKFRAME = 0x00040000u;
 constexpr unsigned WS_TABSTOP = 0x00010000u; // a child in the Tab order of its top-level window
 constexpr unsigned WS_OVERLAPPEDWINDOW = 0x00CF0000u;
+constexpr unsigned WS_EX_TOPMOST = 0x00000008u;
 constexpr unsigned WS_EX_ACCEPTFILES = 0x00000010u;
 // A top-level window made with it is a popup surface (a drop-down list).
 constexpr unsigned WS_EX_TOOLWINDOW = 0x00000080u;
@@ -91,7 +92,11 @@ constexpr unsigned VK_RETURN = 13;
 constexpr unsigned VK_SHIFT = 16;
 constexpr unsigned VK_CONTROL = 17;
 constexpr unsigned VK_ESCAPE = 27;
+constexpr unsigned VK_SPACE = 32;
 constexpr unsigned VK_DELETE = 46;
+constexpr unsigned VK_F1 = 0x70;
+constexpr unsigned VK_F5 = 0x74;
+constexpr unsigned VK_F8 = 0x77;
 
 // Commands of ShowWindow.
 constexpr int SW_HIDE = 0;
@@ -100,6 +105,7 @@ constexpr int SW_SHOWMINIMIZED = 2;
 constexpr int SW_SHOWMAXIMIZED = 3;
 constexpr int SW_SHOW = 5;
 constexpr int SW_MINIMIZE = 6;
+constexpr int SW_SHOWNA = 8;
 constexpr int SW_RESTORE = 9;
 
 // WM_SIZE kinds.

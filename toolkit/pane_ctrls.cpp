@@ -1,10 +1,13 @@
 #include "toolkit/pane_ctrls.h"
 
+#include "toolkit/notification.h"
+
 #include <algorithm>
 #include <cairo.h>
 
 #include "foundation/keyboard.h"
 #include "toolkit/draw.h"
+#include "toolkit/notification.h"
 #include "toolkit/sys_colors.h"
 
 using namespace ctrldraw;
@@ -254,6 +257,13 @@ void SSplitterCtrl::MakePanes() {
         panes.push_back(std::move(pane));
     }
     Layout();
+}
+
+LRESULT _SWnd::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
+    if (NotificationKind(message) != SNotifyKind::NONE && GetParent() != 0) {
+        return SendMessage(GetParent(), message, wParam, lParam);
+    }
+    return SWnd::OnMessage(message, wParam, lParam);
 }
 
 _SWnd* SSplitterCtrl::GetPane(int column, int row) const {

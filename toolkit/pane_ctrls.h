@@ -44,8 +44,13 @@ private:
     int hotTab = -1;
 };
 
-// A pane of the splitter: a plain child window the caller fills.
-class _SWnd : public SWnd {};
+// A pane of the splitter: a plain child window the caller fills. The
+// notifications of the controls in it go on to the splitter, whose owner
+// may relay them (the default drops them).
+class _SWnd : public SWnd {
+public:
+    LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override;
+};
 
 class SSplitterCtrl : public SCtrlBase {
 public:

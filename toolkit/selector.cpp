@@ -1,6 +1,7 @@
 // The choosers: requests handed to the platform, answers checked.
 #include "toolkit/selector.h"
 
+#include "foundation/network.h"
 #include "toolkit/platform/platform.h"
 #include "toolkit/wnd.h"
 
@@ -14,7 +15,40 @@ SString OrEmpty(const char* text) {
     return SString(text != nullptr ? text : "");
 }
 
+int ClosedAnswer(unsigned flags) {
+    switch (flags & 0xF) {
+    case MB_OK:
+        return IDOK;
+    case MB_YESNO:
+        return IDNO;
+    default:
+        return IDCANCEL;
+    }
+}
+
+int NetworkMessageBox(void* window, const char* text, const char* caption, unsigned flags) {
+    auto* owner = static_cast<SWnd*>(window);
+    return MessageBox(owner != nullptr ? owner->GetHandle() : 0, text, caption, flags);
+}
+
 } // namespace
+
+int MessageBox(HWND owner, const char* text, const char* caption, unsigned flags) {
+    SChooserRequest request;
+    request.kind = SChooserRequest::MESSAGE;
+    request.title = OrEmpty(caption);
+    request.text = OrEmpty(text);
+    request.boxFlags = flags;
+    SChooserAnswer answer;
+    GetPlatform()->RunChooser(owner, request, &answer);
+    int button = answer.button;
+    bool known = button == IDOK || button == IDCANCEL || button == IDYES || button == IDNO;
+    return answer.accepted && known ? button : ClosedAnswer(flags);
+}
+
+void InstallMessageBox() {
+    SetMessageBoxHook(NetworkMessageBox);
+}
 
 SSelector::SSelector(SWnd* ownerWnd) : owner(ownerWnd != nullptr ? ownerWnd->GetHandle() : 0) {}
 

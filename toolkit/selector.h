@@ -15,6 +15,29 @@
 
 class SWnd;
 
+// Message boxes: the buttons (one of the first four), the icon, and the
+// answers.
+constexpr unsigned MB_OK = 0x0;
+constexpr unsigned MB_OKCANCEL = 0x1;
+constexpr unsigned MB_YESNOCANCEL = 0x3;
+constexpr unsigned MB_YESNO = 0x4;
+constexpr unsigned MB_ICONERROR = 0x10;
+constexpr unsigned MB_ICONQUESTION = 0x20;
+constexpr unsigned MB_ICONWARNING = 0x30;
+constexpr unsigned MB_ICONINFORMATION = 0x40;
+constexpr int IDOK = 1;
+constexpr int IDCANCEL = 2;
+constexpr int IDYES = 6;
+constexpr int IDNO = 7;
+
+// Shows a modal message box over owner (0 for none) and returns the
+// button pressed; closing the box counts as Cancel (as No when the box
+// has no Cancel, as OK when it has only OK). The headless platform answers
+// from its queue (SChooserAnswer::button), Cancel when it is empty.
+int MessageBox(HWND owner, const char* text, const char* caption, unsigned flags);
+// Routes the network layer's message boxes (the update check) here.
+void InstallMessageBox();
+
 class SSelector {
 public:
     // owner: the window the choosers sit over (null for none).

@@ -1,32 +1,110 @@
-// melkora: the desktop program. Reads the command line, then starts the
-// toolkit on GTK and runs the main window until it closes.
+// melkora: the desktop program. Reads the command line, ends at once when
+// another instance runs, starts the toolkit on GTK and runs the main window
+// until it closes.
 #include <cstdio>
 #include <cstring>
+#include <memory>
+#include <string>
+
+#include "app/settings.h"
+#include "app/trace.h"
+#include "app/wnd_app_main.h"
+#include "foundation/disk.h"
+#include "toolkit/platform/gtk/gtk_platform.h"
+#include "toolkit/selector.h"
+#include "toolkit/wnd_app.h"
 
 namespace {
 
 constexpr const char* USAGE =
-    "usage: melkora [--root DIR] [--hide | /HIDE] [--remote N]\n"
+    "usage: melkora [--root DIR] [--hide | /HIDE]\n"
     "\n"
     "Options:\n"
-    "  --root DIR     uses DIR as the collection's root folder\n"
+    "  --root DIR     uses DIR as the collection's root folder (stored as the\n"
+    "                 \"Folder\" preference, as choosing it there would)\n"
     "  --hide, /HIDE  starts with the window hidden\n"
     "  --help         prints this text\n"
-    "  --version      prints the program's version\n";
+    "  --version      prints the program's version\n"
+    "\n"
+    "Environment:\n"
+    "  MELKORA_CONFIG_HOME   the settings folder (default $XDG_CONFIG_HOME/melkora)\n"
+    "  MELKORA_NO_SPLASH=1   no splash at start\n"
+    "  MELKORA_AUDIO_SINK=fake  silent sinks that keep time\n"
+    "  MELKORA_TRACE=1       milestones on stderr\n";
+
+struct Options {
+    bool hide = false;
+    std::string root;
+};
+
+// 0 to go on, else the exit status + 1.
+int ReadOptions(int argc, char** argv, Options* options) {
+    for (int i = 1; i < argc; ++i) {
+        const char* argument = argv[i];
+        if (strcmp(argument, "--help") == 0 || strcmp(argument, "-h") == 0) {
+            fputs(USAGE, stdout);
+            return 1;
+        }
+        if (strcmp(argument, "--version") == 0) {
+            printf("melkora %s\n", MELKORA_VERSION);
+            return 1;
+        }
+        if (strcmp(argument, "--hide") == 0 || strcasecmp(argument, "/HIDE") == 0) {
+            options->hide = true;
+        } else if (strcmp(argument, "--root") == 0 && i + 1 < argc) {
+            options->root = argv[++i];
+        } else {
+            fprintf(stderr, "melkora: unknown argument \"%s\"\n", argument);
+            fputs(USAGE, stderr);
+            return 3;
+        }
+    }
+    return 0;
+}
 
 } // namespace
 
 int main(int argc, char** argv) {
-    for (int i = 1; i < argc; ++i) {
-        if (strcmp(argv[i], "--help") == 0 || strcmp(argv[i], "-h") == 0) {
-            fputs(USAGE, stdout);
-            return 0;
-        }
-        if (strcmp(argv[i], "--version") == 0) {
-            printf("melkora %s\n", MELKORA_VERSION);
-            return 0;
-        }
+    Options options;
+    if (int status = ReadOptions(argc, argv, &options); status != 0) {
+        return status - 1;
     }
-    fputs("melkora: the main window is not built yet\n", stderr);
-    return 1;
+    if (!options.root.empty()) {
+        SDisk disk;
+        if (!disk.IsFolder(options.root.c_str())) {
+            fprintf(stderr, "melkora: \"%s\" is not a folder\n", options.root.c_str());
+            return 1;
+        }
+        char resolved[4096];
+        const char* root = realpath(options.root.c_str(), resolved) != nullptr ? resolved
+                                                                               : options.root.c_str();
+        WriteSettingString(SETTING_FOLDER, root);
+    }
+    if (!UseGtkPlatform()) {
+        fputs("melkora: no display to open the window on\n", stderr);
+        return 1;
+    }
+    if (!ToolkitStart(nullptr, options.hide ? SW_HIDE : SW_SHOW, true, true, false)) {
+        fputs("melkora: the window toolkit did not start\n", stderr);
+        return 1;
+    }
+    // A second start ends silently; the first goes on.
+    if (CountProgramInstances(nullptr) > 1) {
+        ToolkitEnd();
+        return 0;
+    }
+    InstallMessageBox();
+    {
+        auto window = std::make_unique<PWndApp>();
+        if (window->CreateMain()) {
+            if (!options.hide) {
+                window->Show(SW_SHOW);
+            }
+            Trace("ready", true);
+            RunLoop(nullptr, nullptr, nullptr);
+        }
+        window.reset();
+    }
+    ToolkitEnd();
+    return 0;
 }

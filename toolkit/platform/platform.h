@@ -16,7 +16,7 @@ class SImage;
 // A chooser the platform shows as its own dialog: open file(s), save a
 // file, a folder, a colour or a font. Filters are "Name|*.mp3;*.ogg".
 struct SChooserRequest {
-    enum Kind { OPEN_FILE, SAVE_FILE, FOLDER, COLOR, FONT };
+    enum Kind { OPEN_FILE, SAVE_FILE, FOLDER, COLOR, FONT, MESSAGE };
     Kind kind = OPEN_FILE;
     SString title;
     SString folder; // where to start; empty: the chooser's choice
@@ -27,6 +27,9 @@ struct SChooserRequest {
     SString fontFace;      // the font shown first
     double fontPoints = 0;
     unsigned fontFlags = 0; // FONT_BOLD, FONT_ITALIC
+    // A message box: its text (the title is the caption) and MB_* flags.
+    SString text;
+    unsigned boxFlags = 0;
 };
 
 // The user's answer: accepted false when the chooser was cancelled.
@@ -37,6 +40,7 @@ struct SChooserAnswer {
     SString fontFace;
     double fontPoints = 0;
     unsigned fontFlags = 0;
+    int button = 0; // a message box's answer: IDOK, IDCANCEL, IDYES or IDNO
 };
 
 class SPlatform {

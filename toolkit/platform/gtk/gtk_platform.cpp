@@ -387,6 +387,48 @@ bool RunFileChooser(GtkWindow* parent, const SChooserRequest& request, SChooserA
     return answer->accepted;
 }
 
+// A message box as a GtkMessageDialog; the response ids are the answers.
+bool RunMessageBox(GtkWindow* parent, const SChooserRequest& request, SChooserAnswer* answer) {
+    unsigned icon = request.boxFlags & 0xF0;
+    GtkMessageType type = icon == 0x10   ? GTK_MESSAGE_ERROR
+                          : icon == 0x20 ? GTK_MESSAGE_QUESTION
+                          : icon == 0x30 ? GTK_MESSAGE_WARNING
+                                         : GTK_MESSAGE_INFO;
+    GtkWidget* dialog = gtk_message_dialog_new(parent, GTK_DIALOG_MODAL, type, GTK_BUTTONS_NONE,
+                                               "%s", request.text.c_str());
+    gtk_window_set_title(GTK_WINDOW(dialog), request.title.c_str());
+    constexpr int OK = 1, CANCEL = 2, YES = 6, NO = 7;
+    switch (request.boxFlags & 0xF) {
+    case 0x1:
+        gtk_dialog_add_buttons(GTK_DIALOG(dialog), "_Cancel", CANCEL, "_OK", OK, nullptr);
+        gtk_dialog_set_default_response(GTK_DIALOG(dialog), OK);
+        break;
+    case 0x3:
+        gtk_dialog_add_buttons(GTK_DIALOG(dialog), "_Cancel", CANCEL, "_No", NO, "_Yes", YES, nullptr);
+        gtk_dialog_set_default_response(GTK_DIALOG(dialog), YES);
+        break;
+    case 0x4:
+        gtk_dialog_add_buttons(GTK_DIALOG(dialog), "_No", NO, "_Yes", YES, nullptr);
+        gtk_dialog_set_default_response(GTK_DIALOG(dialog), YES);
+        break;
+    default:
+        gtk_dialog_add_buttons(GTK_DIALOG(dialog), "_OK", OK, nullptr);
+        gtk_dialog_set_default_response(GTK_DIALOG(dialog), OK);
+        break;
+    }
+    ChooserWait wait;
+    wait.thread = GetCurrentThreadId();
+    g_signal_connect(dialog, "response", G_CALLBACK(OnChooserResponse), &wait);
+    gtk_widget_show_all(dialog);
+    gtk_window_present(GTK_WINDOW(dialog));
+    WaitForChooser(&wait);
+    g_signal_handlers_disconnect_by_data(dialog, &wait);
+    gtk_widget_destroy(dialog);
+    answer->button = wait.response > 0 ? wait.response : 0;
+    answer->accepted = answer->button != 0;
+    return answer->accepted;
+}
+
 bool RunDialogChooser(GtkWindow* parent, const SChooserRequest& request, SChooserAnswer* answer) {
     GtkWidget* dialog = request.kind == SChooserRequest::COLOR
                             ? gtk_color_chooser_dialog_new(request.title.c_str(), parent)
@@ -610,7 +652,9 @@ public:
         SWnd* ownerWnd = SWnd::FromHandle(owner);
         Surface* surface = ownerWnd != nullptr ? Find(ownerWnd->GetTopWindow()) : nullptr;
         GtkWindow* parent = surface != nullptr ? GTK_WINDOW(surface->window) : nullptr;
-        if (request.kind == SChooserRequest::COLOR || request.kind == SChooserRequest::FONT) {
+        if (request.kind == SChooserRequest::MESSAGE) {
+            RunMessageBox(parent, request, &result);
+        } else if (request.kind == SChooserRequest::COLOR || request.kind == SChooserRequest::FONT) {
             RunDialogChooser(parent, request, &result);
         } else {
             RunFileChooser(parent, request, &result);

@@ -1,0 +1,19 @@
+// PSplitterCtrl: the main window's splitter. It hands the notifications
+// that the main window handles (editor changes, page navigation, the
+// lists, clickable media controls and links, the volume) on to its owner,
+// so that a control in a cell talks to the main window as if it were its
+// child; for a page's navigation and a link it returns the owner's answer.
+#pragma once
+
+#include "toolkit/pane_ctrls.h"
+
+class PSplitterCtrl : public SSplitterCtrl {
+public:
+    // Where the relayed notifications go; the parent when not set.
+    void SetOwner(SWnd* window) { owner = window; }
+    static bool IsRelayed(unsigned message);
+    LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override;
+
+private:
+    SWnd* owner = nullptr;
+};

@@ -1,0 +1,287 @@
+// PWndApp: the main window. It builds every control of the window once,
+// reloads the library from the settings, follows the user through the
+// folder tree (the window-free PFolderView keeps what is shown), plays
+// through PMedia and its PPlayQueue, and takes every command: toolbar,
+// menus, keys, the tray and the remote commands. Panels round it reach it
+// through PPanelHost.
+#pragma once
+
+#include <memory>
+
+#include "app/player.h"
+#include "app/splitter.h"
+#include "controls/browser_ctrl.h"
+#include "controls/media_ctrl.h"
+#include "editors/code_edit_ctrl.h"
+#include "foundation/image.h"
+#include "foundation/image_water.h"
+#include "library/folder_view.h"
+#include "library/play_queue.h"
+#include "library/thread_stats.h"
+#include "panels/panel_host.h"
+#include "toolkit/bar_ctrls.h"
+#include "toolkit/button_ctrls.h"
+#include "toolkit/list_ctrl.h"
+#include "toolkit/menu.h"
+#include "toolkit/range_ctrls.h"
+#include "toolkit/toolbar_ctrl.h"
+#include "toolkit/wnd.h"
+
+class PWndApp;
+
+// Toolbar and menu commands.
+enum PCommand {
+    CMD_HOME = 1,
+    CMD_PARENT = 2,
+    CMD_PLAY_AT = 3,
+    CMD_PLAY_FOLDERS = 4,
+    CMD_PLAY_RANDOM = 5,
+    CMD_PLAY_ALL_RANDOM = 6,
+    CMD_PLAY_SELECTED = 7,
+    CMD_PREVIOUS = 8,
+    CMD_NEXT = 9,
+    CMD_PAUSE = 10,
+    CMD_STOP = 11,
+    CMD_REPEAT = 12,
+    CMD_SHUTDOWN = 13,
+    CMD_HIDE = 14,
+    CMD_OPEN_BOOK = 15,
+    CMD_MAKE_BOOK = 16,
+    CMD_SEND_BOOK = 17,
+    CMD_DESCRIPTIONS = 18,
+    CMD_PREFERENCES = 19,
+    CMD_HELP = 20,
+    CMD_DONATION = 21,
+    CMD_QUIT = 22,
+    CMD_FOLDER_ADD_QUEUE = 23,
+    CMD_FOLDER_ADD_PLAYLIST = 24,
+    CMD_EXPLORE = 25,
+    CMD_MAKE_COVER = 26,
+    CMD_DOWNLOAD_COVER_BOTH = 27,
+    CMD_DOWNLOAD_COVER = 28,
+    CMD_PROPERTIES = 29,
+    CMD_TRACK_ADD_QUEUE = 30,
+    CMD_TRACK_ADD_PLAYLIST = 31,
+    CMD_FIND_LYRICS = 32,
+    CMD_SEND_TO = 33,
+    CMD_DELETE = 34,
+    CMD_SEND_TO_SOMEONE = 100,
+    CMD_SEND_TO_FIRST = 101,
+};
+
+// Control ids.
+constexpr int ID_CONTROL_BAR = 1000;
+constexpr int ID_FOLDERS = 1001;
+constexpr int ID_TRACKS = 1002;
+constexpr int ID_EDITOR = 1003;
+constexpr int ID_WEB = 1004;
+constexpr int ID_INFO = 1006;
+constexpr int ID_VOLUME = 1007;
+constexpr int ID_THUMBS = 1008;
+
+// Timers.
+constexpr unsigned TIMER_WATER = 200;
+
+// The cover with the water effect: the mouse drops blobs into it, a right
+// press goes back to the thumbnails.
+class PCoverCtrl : public SMediaCtrl {
+public:
+    explicit PCoverCtrl(PWndApp& app) : app(app) {}
+    // The picture shown at rest (150 by 150), which the water moves.
+    void SetCover(const SImage& cover);
+    void ClearCover();
+    LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override;
+
+private:
+    void Drop(int x, int y, int radius, int height);
+    PWndApp& app;
+    SImage still;
+    SImage frame;
+    SImageWater water;
+};
+
+// The player of the main window: its reports go to the window.
+class PAppMedia : public PMedia {
+public:
+    explicit PAppMedia(PWndApp& app) : app(app) {}
+    void OnNowPlaying(const char* path, int position, int count) override;
+    void OnNowPlayingCleared() override;
+    void OnSkipped(const char* path) override;
+    void OnQueueGrown(int count) override;
+    void OnMediaEnded() override;
+    void OnMediaTick() override;
+    void OnBuffering(bool stopped) override;
+
+private:
+    PWndApp& app;
+};
+
+class PWndApp : public SWnd, public PPanelHost {
+public:
+    PWndApp();
+    ~PWndApp() override;
+
+    // Creates the window, hidden, with every control, and loads the
+    // library; false when the window could not be made.
+    bool CreateMain();
+
+    // The library.
+    bool ReloadLibrary(bool restore);
+    void SaveSettings();
+    bool RefreshFolder();
+    bool ShowSelection();
+    void ShowFolderCounts();
+    void ShowTrackText();
+    bool SaveTrackText();
+    bool SelectTrack(const char* name);
+    bool ToggleWindow(bool keepVisible);
+    void RunCommand(int command);
+
+    // PPanelHost.
+    SString GetRootFolder() const override;
+    SString GetCurrentFolder() const override;
+    bool NavigateFolder(const char* relative, const char* selectName, bool focusThumbs) override;
+    bool OpenFolder(const char* path, const char* selectName, bool focusThumbs) override;
+    void ShowMainWindow() override;
+    void HideMainWindow() override;
+    bool PlayFileInFolder(const char* name) override;
+    bool SetPlayQueue(const SStringArray& paths) override;
+    const SStringArray& GetPlayQueue() const override { return queue.GetEntries(); }
+    int GetPlayIndex() const override { return queue.GetIndex(); }
+    bool PlayQueueIndex(int index) override;
+    int GetPlayPosition() const override;
+    int GetPlayLength() const override;
+    bool IsMediaLoaded() const override;
+    void SeekSeconds(int seconds) override;
+    void LoadFolderCover(SImage* image, const char* folder) override;
+    bool GetAutoHideAfterPlay() const override { return autoHideAfterPlay; }
+    bool AskPlaylistName(SString* name) override;
+    bool AskYesNo(const char* text, const char* caption) override;
+
+    // The player's reports.
+    void OnNowPlaying(const char* path, int position, int count);
+    void OnNowPlayingCleared();
+    void OnQueueChanged();
+    void OnMediaTick();
+    void OnBuffering(bool stopped);
+
+    // For tests.
+    PFolderView& GetView() { return view; }
+    PPlayQueue& GetQueue() { return queue; }
+    PAppMedia& GetMedia() { return media; }
+    SListCtrl& GetFolderList() { return folders; }
+    SListCtrl& GetTrackList() { return tracks; }
+    SToolBarCtrl& GetToolBar() { return toolBar; }
+    SStatusBarCtrl& GetStatusBar() { return statusBar; }
+    SBrowserCtrl& GetWebPane() { return web; }
+    SCodeEditCtrl& GetEditor() { return editor; }
+    SSliderCtrl& GetVolumeSlider() { return volume; }
+    PSplitterCtrl& GetOuterSplitter() { return outer; }
+    PSplitterCtrl& GetInnerSplitter() { return inner; }
+    bool IsThumbnailView() const { return thumbnailView; }
+
+    LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override;
+
+private:
+    friend class PCoverCtrl;
+
+    void BuildControls();
+    void BuildToolbarImages(bool smallIcons, bool keepLayout);
+    void BuildToolbarButtons();
+    void BuildMenus();
+    void BuildSendToMenu();
+    void Layout();
+    void LayoutStatusBar();
+    void ApplyStartSettings();
+    void ShowFolder(bool focusThumbs);
+    void FillThumbnails();
+    void ShowPage(const char* url, const char* tag);
+    void HidePage();
+    void UpdateTransportButtons();
+    void OnStatistics(PStatsTable&& table);
+
+    // Commands.
+    bool OnCommand(int command);
+    bool OnKey(unsigned key, HWND sender);
+    void OnListKey(SWnd* list, int key);
+    void OnListMouse(SWnd* list, unsigned code, SPoint point);
+    void OnListSelect(SWnd* list);
+    void OnListDoubleClick(SWnd* list);
+    void OnRemoteCommand(int command);
+    LRESULT OnBeforeNavigate(const char* url);
+    LRESULT OnLinkClicked(const char* link);
+    void ShowFolderMenu(SPoint screen);
+    void ShowTrackMenu(SPoint screen);
+    bool AddToQueue(bool fromFolder);
+    bool AddToPlaylist(bool fromFolder);
+    bool GatherFiles(bool fromFolder, SStringArray* files);
+    bool MakeCover(const char* folder);
+    bool DeleteSelectedTracks();
+    bool SendToAddress(int command);
+    bool ShowProperties();
+    bool FindLyrics();
+    bool ShowImageAsCover(const char* path);
+    bool CloseMain();
+    SString SelectedFolderPath() const;
+    void HideVideoWindow();
+    // Companion windows of their own (book, descriptions, help,
+    // preferences, cover search).
+    bool OpenCompanion(int command);
+    bool CloseChildWindows();
+    // The panels round the window.
+    void ShowThumbnails(bool show);
+    void FocusView();
+    void ShowNowPlaying(const char* path, int position, int count);
+    void UpdateQueueCount();
+    void ReloadPlaylists(bool restore);
+    SString CurrentPlaylistName() const;
+    bool AppendToPlaylist(const SStringArray& files);
+    void ApplyStrip();
+    void RemoveStrip();
+    // Dialogs.
+    bool AskSite(const char* folder, SString* site);
+    bool SaveImageAtomic(const SImage& picture, const char* path);
+
+    // Members, in order of construction.
+    SMenu trayMenu;
+    SMenu folderMenu;
+    SMenu trackMenu;
+    SMenu sendToMenu; // owned by trackMenu as its submenu; this is the source
+    bool autoHideAfterPlay = false;
+    SControlBarCtrl controlBar;
+    SToolBarCtrl toolBar;
+    SStatusBarCtrl statusBar;
+    PSplitterCtrl outer;
+    PSplitterCtrl inner;
+    SSliderCtrl volume;
+    SWnd line;
+    SWnd playSpace;     // where the now-playing panel stands
+    SWnd playlistSpace; // where the playlist panel stands
+    std::unique_ptr<PThreadStats> stats;
+    SListCtrl folders;
+    SListCtrl tracks;
+    SCodeEditCtrl editor;
+    SMediaCtrl info;
+    PAppMedia media;
+    PPlayQueue queue;
+    PCoverCtrl cover;
+    SMediaCtrl caption;
+    SMediaCtrl parentCover;
+    SMediaCtrl parentCaption;
+    SWnd thumbSpace; // where the thumbnails stand
+    SBrowserCtrl web;
+    PFolderView view;
+
+    SString welcomePath;
+    SString bookPath;
+    std::vector<SString> sendToAddresses;
+    SImage defaultCover;
+    std::vector<SImage> folderImages;
+    SImage trackIcons[6];
+    SString textPath; // the track text shown in the editor, "" for none
+    bool textChanged = false;
+    bool thumbnailView = true;
+    bool smallIcons = false;
+    bool creating = false;
+    int bandHeight = 0;
+};
