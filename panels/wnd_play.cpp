@@ -16,6 +16,9 @@ namespace {
 // The labels scroll leftwards at this speed, in pixels per second, when
 // their text does not fit.
 constexpr double LABEL_SCROLL_SPEED = -30.0;
+// A scrolling name starts in its place, so that its beginning is read at
+// once, and comes back in from the right after it has passed.
+constexpr SPoint LABEL_SCROLL_START{0, 0};
 // Red, for the time while the seek bar is dragged.
 constexpr uint32_t DRAG_TIME_COLOR = 0x0000FF;
 constexpr unsigned LABEL_ALIGN = MEDIA_ALIGN_CENTER | MEDIA_ALIGN_MIDDLE;
@@ -269,12 +272,12 @@ void PWndPlay::SetPlayingTrack(const SPath* path, int number, int total) {
         SMediaCtrl& label = labels[which[i]];
         label.Show(SW_SHOW);
         label.SetText(texts[i]->c_str());
-        label.SetAutoScroll(LABEL_SCROLL_SPEED, 0);
+        label.SetAutoScroll(LABEL_SCROLL_SPEED, 0, false, &LABEL_SCROLL_START);
     }
     labels[PLAY_NUMBER].SetText(SString::FromInt(number).c_str());
-    labels[PLAY_NUMBER].SetAutoScroll(LABEL_SCROLL_SPEED, 0);
+    labels[PLAY_NUMBER].SetAutoScroll(LABEL_SCROLL_SPEED, 0, false, &LABEL_SCROLL_START);
     labels[PLAY_TOTAL].SetText(SString::FromInt(total).c_str());
-    labels[PLAY_TOTAL].SetAutoScroll(LABEL_SCROLL_SPEED, 0);
+    labels[PLAY_TOTAL].SetAutoScroll(LABEL_SCROLL_SPEED, 0, false, &LABEL_SCROLL_START);
 
     int kind = GetMediaClass(full.c_str());
     unsigned icon = kind >= 0 && kind < 5 ? ROW_ICONS[kind] : RESOURCE_ROW_OTHER;

@@ -112,6 +112,7 @@ bool PWndPlaylist::Create(SWnd* parent, const SRect& rect) {
         return false;
     }
     countLabel.SetAlign(MEDIA_ALIGN_RIGHT | MEDIA_ALIGN_MIDDLE);
+    countLabel.SetMargins(1, 1, 4, 1); // clear of the list beside it
 
     place = LayoutRect(PLAYLIST_ID_LIST, w, h);
     if (!list.Create(this, place, PLAYLIST_ID_LIST, LIST_SELECTION_SINGLE)) {

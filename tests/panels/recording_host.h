@@ -46,6 +46,10 @@ public:
     void SeekSeconds(int seconds) override { Note("SeekSeconds " + std::to_string(seconds)); }
     void LoadFolderCover(SImage* image, const char* folder) override {
         Note("LoadFolderCover " + std::string(folder));
+        if (coverPicture.IsValid()) {
+            image->CopyFrom(&coverPicture);
+            return;
+        }
         image->Create(150, 150, PIXEL_FORMAT_32ARGB);
         image->Fill(coverColor);
     }
@@ -80,7 +84,8 @@ public:
     int positionMs = 0;
     int lengthMs = 0;
     bool loaded = false;
-    uint32_t coverColor = 0xFF3070C0u;
+    uint32_t coverColor = 0xFF3070C0u; // of the covers, unless coverPicture is set
+    SImage coverPicture;
     bool answerName = true;
     std::string newName;
     bool answerYes = true;
