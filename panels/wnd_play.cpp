@@ -168,11 +168,16 @@ bool PWndPlay::Create(SWnd* parent, const SRect& rect) {
         bool clickable;
     };
     const Spec specs[] = {
-        {PLAY_COVER, 1000, 0, false},   {PLAY_ARTIST, 1002, WS_EX_STATICEDGE, true},
-        {PLAY_ALBUM, 1003, WS_EX_STATICEDGE, true}, {PLAY_NUMBER, 0, WS_EX_STATICEDGE, false},
-        {PLAY_TOTAL, 0, WS_EX_STATICEDGE, false},   {PLAY_QUEUE, 1001, 0, false},
-        {PLAY_SONG, 1004, 0, true},     {PLAY_ELAPSED, 0, 0, false},
-        {PLAY_LENGTH, 0, 0, false},     {PLAY_FILLER, 0, 0, false},
+        {PLAY_COVER, 1000, 0, false},
+        {PLAY_ARTIST, 1002, WS_EX_STATICEDGE, true},
+        {PLAY_ALBUM, 1003, WS_EX_STATICEDGE, true},
+        {PLAY_NUMBER, 0, WS_EX_STATICEDGE, false},
+        {PLAY_TOTAL, 0, WS_EX_STATICEDGE, false},
+        {PLAY_QUEUE, 1001, 0, false},
+        {PLAY_SONG, 1004, 0, true},
+        {PLAY_ELAPSED, 0, 0, false},
+        {PLAY_LENGTH, 0, 0, false},
+        {PLAY_FILLER, 0, 0, false},
     };
     for (const Spec& spec : specs) {
         SMediaCtrl& label = labels[spec.which];
@@ -186,8 +191,8 @@ bool PWndPlay::Create(SWnd* parent, const SRect& rect) {
             label.SetCursor(CURSOR_HAND + 1);
         }
     }
-    for (PLAY_LABEL which : {PLAY_ARTIST, PLAY_ALBUM, PLAY_NUMBER, PLAY_TOTAL, PLAY_ELAPSED,
-                             PLAY_LENGTH}) {
+    for (PLAY_LABEL which :
+         {PLAY_ARTIST, PLAY_ALBUM, PLAY_NUMBER, PLAY_TOTAL, PLAY_ELAPSED, PLAY_LENGTH}) {
         labels[which].SetAlign(LABEL_ALIGN);
     }
     labels[PLAY_SONG].SetAlign(MEDIA_ALIGN_LEFT | MEDIA_ALIGN_MIDDLE);
@@ -207,7 +212,7 @@ bool PWndPlay::Create(SWnd* parent, const SRect& rect) {
         seekBar.SetBackgroundImage(&tile);
     }
     seekBar.SetCursor(CURSOR_HAND + 1);
-    SetPlayingTrack(static_cast<const SPath*>(nullptr), 0, 0);
+    SetPlayingTrack(static_cast<const char*>(nullptr), 0, 0);
     return true;
 }
 
@@ -228,24 +233,18 @@ void PWndPlay::Layout() {
     }
 }
 
-void PWndPlay::SetPlayingTrack(const char* path, int number, int total) {
-    if (path == nullptr || path[0] == 0) {
-        SetPlayingTrack(static_cast<const SPath*>(nullptr), number, total);
-        return;
-    }
-    SPath file;
-    if (!file.Set(path)) {
-        SetPlayingTrack(static_cast<const SPath*>(nullptr), number, total);
-        return;
-    }
-    SetPlayingTrack(&file, number, total);
+void PWndPlay::SetPlayingTrack(const SPath* path, int number, int total) {
+    SString full = path != nullptr ? path->GetFullPath() : SString();
+    SetPlayingTrack(full.c_str(), number, total);
 }
 
-void PWndPlay::SetPlayingTrack(const SPath* path, int number, int total) {
+// The path is taken as it is: a name that SPath would refuse (a control
+// character is allowed in a Linux file name) still shows.
+void PWndPlay::SetPlayingTrack(const char* path, int number, int total) {
     if (GetHandle() == 0) {
         return;
     }
-    SString full = path != nullptr ? path->GetFullPath() : SString();
+    SString full = path != nullptr ? path : "";
     if (full.IsEmpty()) {
         playingPath.Empty();
         names = PTrackNames();

@@ -126,9 +126,8 @@ TEST(GtkPanels, APlayingTrackAndAPlaylistAreDrawn) {
         ASSERT_TRUE(PumpUntil([&] { return song.GetScrollOffset().x <= -24; }, 10))
             << "the song's name did not scroll";
         SImage shot;
-        ASSERT_TRUE(PumpUntil([&] {
-            return GtkCaptureSurface(top.GetHandle(), &shot) && shot.GetWidth() >= WIDTH;
-        }));
+        ASSERT_TRUE(PumpUntil(
+            [&] { return GtkCaptureSurface(top.GetHandle(), &shot) && shot.GetWidth() >= WIDTH; }));
         PumpUntil([] { return false; }, 1);
         ASSERT_TRUE(GtkCaptureSurface(top.GetHandle(), &shot));
         Save(shot, 0, PLAY_PANEL_HEIGHT, "now-playing.png");
@@ -153,9 +152,9 @@ TEST(GtkPanels, APlayingTrackAndAPlaylistAreDrawn) {
         uint32_t band = at(list.right - 30, listTop + (row.top + row.bottom) / 2);
         EXPECT_EQ(band, Rgb(GetSysColor(SYS_COLOR_HIGHLIGHT)));
         EXPECT_EQ(playlist.GetCountLabel().GetText(), "5 files");
-        EXPECT_EQ(host.Calls("LoadFolderCover"),
-                  std::vector<std::string>{"LoadFolderCover " + host.root +
-                                           "Nina Simone/Pastel Blues/"});
+        EXPECT_EQ(
+            host.Calls("LoadFolderCover"),
+            std::vector<std::string>{"LoadFolderCover " + host.root + "Nina Simone/Pastel Blues/"});
     }
     ToolkitEnd();
 }

@@ -54,8 +54,8 @@ TEST(PlayingTime, ReadsHoursThenTwoDigitMinutesAndSeconds) {
         int seconds;
         const char* text;
     } cases[] = {
-        {0, "0:00:00"},      {-5, "0:00:00"},    {59, "0:00:59"},        {60, "0:01:00"},
-        {3599, "0:59:59"},   {3600, "1:00:00"},  {3661, "1:01:01"},      {86399, "23:59:59"},
+        {0, "0:00:00"},      {-5, "0:00:00"},      {59, "0:00:59"},   {60, "0:01:00"},
+        {3599, "0:59:59"},   {3600, "1:00:00"},    {3661, "1:01:01"}, {86399, "23:59:59"},
         {86400, "24:00:00"}, {100000, "27:46:40"},
     };
     for (const Case& c : cases) {
@@ -130,6 +130,10 @@ TEST_F(PlayPanelTest, ATrackShowsItsNamesAndClearingHidesThem) {
     // Short names fit and stand still.
     EXPECT_FALSE(panel.GetLabel(PLAY_ARTIST).IsAutoScrollOn());
     EXPECT_FALSE(panel.GetLabel(PLAY_SONG).IsAutoScrollOn());
+
+    // A control character may stand in a Linux file name.
+    panel.SetPlayingTrack("/m/A/B/odd\tname.mp3", 1, 1);
+    EXPECT_EQ(Text(PLAY_SONG), "odd\tname");
 
     panel.SetPlayingTrack(static_cast<const SPath*>(nullptr), 0, 0);
     EXPECT_FALSE(panel.GetLabel(PLAY_ARTIST).IsVisible());

@@ -105,9 +105,9 @@ TEST_F(PlaylistPanelTest, LaysOutTheTableAndGivesTheListItsFont) {
     ASSERT_NE(panel.GetListFont(), nullptr);
     EXPECT_EQ(panel.GetListFont()->GetFace(), "Verdana");
     EXPECT_EQ(panel.GetListFont()->GetHeight(), PointsToHeight(7.5));
-    EXPECT_EQ(reinterpret_cast<const SFont*>(
-                  SendMessage(panel.GetList().GetHandle(), WM_GETFONT, 0, 0)),
-              panel.GetListFont());
+    EXPECT_EQ(
+        reinterpret_cast<const SFont*>(SendMessage(panel.GetList().GetHandle(), WM_GETFONT, 0, 0)),
+        panel.GetListFont());
 }
 
 TEST_F(PlaylistPanelTest, TheCountReadsFileOrFiles) {
@@ -159,8 +159,7 @@ TEST_F(PlaylistPanelTest, SelectingARowShowsItsCoverAndTheCoverLeadsToItsFolder)
 
     ClickRow(0);
     EXPECT_EQ(panel.GetStore().GetSelection(), 0);
-    EXPECT_EQ(host.Calls("LoadFolderCover"),
-              Lines{"LoadFolderCover " + host.root + "Art/Alb/"});
+    EXPECT_EQ(host.Calls("LoadFolderCover"), Lines{"LoadFolderCover " + host.root + "Art/Alb/"});
     ASSERT_NE(panel.GetCover().GetImage(), nullptr);
     EXPECT_EQ(panel.GetCover().GetImage()->GetPixel(75, 75), host.coverColor);
     Click(panel.GetCover());
