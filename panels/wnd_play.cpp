@@ -161,13 +161,13 @@ bool PWndPlay::Create(SWnd* parent, const SRect& rect) {
     SetBackColor(GetSysColor(SYS_COLOR_BTNFACE));
     int width = GetClientWidth();
     int height = GetClientHeight();
-    struct Spec {
+    struct Setup {
         PLAY_LABEL which;
         uintptr_t id;
         unsigned exStyle;
         bool clickable;
     };
-    const Spec specs[] = {
+    const Setup setups[] = {
         {PLAY_COVER, 1000, 0, false},
         {PLAY_ARTIST, 1002, WS_EX_STATICEDGE, true},
         {PLAY_ALBUM, 1003, WS_EX_STATICEDGE, true},
@@ -179,13 +179,13 @@ bool PWndPlay::Create(SWnd* parent, const SRect& rect) {
         {PLAY_LENGTH, 0, 0, false},
         {PLAY_FILLER, 0, 0, false},
     };
-    for (const Spec& spec : specs) {
-        SMediaCtrl& label = labels[spec.which];
-        SRect place = LayoutRect(spec.which, width, height);
-        if (!label.Create("", WS_VISIBLE, spec.exStyle, &place, GetHandle(), spec.id)) {
+    for (const Setup& setup : setups) {
+        SMediaCtrl& label = labels[setup.which];
+        SRect place = LayoutRect(setup.which, width, height);
+        if (!label.Create("", WS_VISIBLE, setup.exStyle, &place, GetHandle(), setup.id)) {
             return false;
         }
-        if (spec.clickable) {
+        if (setup.clickable) {
             label.SetButton(true);
             label.SetFlat(true);
             label.SetCursor(CURSOR_HAND + 1);

@@ -16,14 +16,14 @@ namespace {
 constexpr const char* LIST_FONT_FACE = "Verdana";
 constexpr double LIST_FONT_POINTS = 7.5;
 
-struct ButtonSpec {
+struct ButtonInfo {
     uintptr_t id;
     unsigned art;
     const char* tip;
 };
 
 // In the order of their IDs.
-constexpr ButtonSpec BUTTONS[PLAYLIST_BUTTON_COUNT] = {
+constexpr ButtonInfo BUTTONS[PLAYLIST_BUTTON_COUNT] = {
     {PLAYLIST_ID_PLAY, RESOURCE_PLAYLIST_PLAY, "Play all"},
     {PLAYLIST_ID_SHUFFLE, RESOURCE_PLAYLIST_SHUFFLE, "Play all shuffled"},
     {PLAYLIST_ID_NEW, RESOURCE_PLAYLIST_NEW, "New playlist"},
