@@ -2,6 +2,11 @@
 
 #include "foundation/message_numbers.h"
 
+void PSplitterCtrl::SetFirstColumn(int width) {
+    firstColumn = width;
+    SetDivider(true, 0, width);
+}
+
 bool PSplitterCtrl::IsRelayed(unsigned message) {
     switch (message) {
     case SN_EDITOR_CHANGE:
@@ -28,5 +33,29 @@ LRESULT PSplitterCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam)
         }
         return 0;
     }
-    return SSplitterCtrl::OnMessage(message, wParam, lParam);
+    LRESULT result = SSplitterCtrl::OnMessage(message, wParam, lParam);
+    if (GetColumnCount() > 1 && GetClientWidth() > 0) {
+        if (message == WM_SIZE && firstColumn >= 0) {
+            SetDivider(true, 0, firstColumn);
+        } else if (message != WM_SIZE && message != WM_MOVE) {
+            int now = GetDivider(true, 0);
+            if (now > 0) {
+                firstColumn = now;
+            }
+        }
+    }
+    if (paneLayout && GetHandle() != 0) {
+        std::vector<SSize> sizes;
+        for (int row = 0; row < GetRowCount(); ++row) {
+            for (int column = 0; column < GetColumnCount(); ++column) {
+                _SWnd* pane = GetPane(column, row);
+                sizes.push_back(pane != nullptr ? pane->GetClientSize() : SSize{});
+            }
+        }
+        if (sizes != paneSizes) {
+            paneSizes = std::move(sizes);
+            paneLayout();
+        }
+    }
+    return result;
 }

@@ -174,7 +174,7 @@ void PAppMedia::OnBuffering(bool stopped) {
 
 // The window.
 
-PWndApp::PWndApp() : media(*this), queue(media), cover(*this) {
+PWndApp::PWndApp() : media(*this), queue(media), cover(*this), play(this), playlist(this) {
     EnsureAppResources();
     defaultCover.LoadResource("BINARY", RESOURCE_DEFAULT_COVER);
     for (int i = 0; i < 6; ++i) {
@@ -223,12 +223,12 @@ void PWndApp::BuildControls() {
     statusBar.Create("", WS_VISIBLE, 0, &none, self);
     statusBar.SetParts({MIN_WIDTH - 400, MIN_WIDTH - 100, -1});
 
-    playSpace.Create("", WS_VISIBLE, 0, &none, self);
-    playSpace.SetBackColor(GetSysColor(SYS_COLOR_BTNFACE));
+    play.Create(this, SRect{0, 0, MIN_WIDTH, PLAY_PANEL_HEIGHT});
 
     outer.Create("", WS_VISIBLE, 0, &none, self);
     outer.SetOwner(this);
     outer.SetGrid(2, 1);
+    outer.SetPaneLayout([this] { LayoutPanes(); });
     _SWnd* left = outer.GetPane(0, 0);
     _SWnd* right = outer.GetPane(1, 0);
     right->SetBackColor(GetSysColor(SYS_COLOR_WINDOW));
@@ -239,6 +239,7 @@ void PWndApp::BuildControls() {
     info.SetBackColor(0xDEEDD7);
     info.SetTextColor(0x400000);
     info.SetAlign(0x11);
+    info.SetMarkup(true);
     folders.Create(left, none, ID_FOLDERS, LIST_SELECTION_SINGLE, WS_VISIBLE | WS_TABSTOP);
 
     thumbSpace.Create("", WS_VISIBLE, 0, &none, right->GetHandle(), ID_THUMBS);
@@ -257,6 +258,7 @@ void PWndApp::BuildControls() {
     inner.Create("", 0, 0, &none, right->GetHandle());
     inner.SetOwner(this);
     inner.SetGrid(2, 1);
+    inner.SetPaneLayout([this] { LayoutInner(); });
     tracks.Create(inner.GetPane(0, 0), none, ID_TRACKS, LIST_SELECTION_EXTENDED,
                   WS_VISIBLE | WS_TABSTOP);
     tracks.SetImages(trackIcons, 6);
@@ -266,11 +268,10 @@ void PWndApp::BuildControls() {
     web.SetSilent(false);
     web.SetHistory(false);
 
-    line.Create("", WS_VISIBLE, 0, &none, self);
+    line.Create("", WS_VISIBLE, 0, &none, right->GetHandle());
     line.SetBackColor(GetSysColor(SYS_COLOR_BTNSHADOW));
-    playlistSpace.Create("", WS_VISIBLE, 0, &none, self);
-    playlistSpace.SetBackColor(GetSysColor(SYS_COLOR_BTNFACE));
-    volume.Create("", WS_VISIBLE | WS_TABSTOP, 0, &none, self, ID_VOLUME);
+    playlist.Create(right, SRect{0, 0, MIN_WIDTH - SLIDER_WIDTH, PLAYLIST_PANEL_HEIGHT});
+    volume.Create("", WS_VISIBLE | WS_TABSTOP, 0, &none, right->GetHandle(), ID_VOLUME);
     volume.SetRange(0, 50);
     volume.SetSteps(1, 10);
 
@@ -372,11 +373,17 @@ void PWndApp::Layout() {
     statusBar.MoveWindow(SRect{0, height - statusHeight, width, height});
     LayoutStatusBar();
     int playTop = band;
-    playSpace.MoveWindow(SRect{0, playTop, width, playTop + PLAY_HEIGHT});
+    play.MoveWindow(SRect{0, playTop, width, playTop + PLAY_HEIGHT});
     int top = playTop + PLAY_HEIGHT;
     int bottom = height - statusHeight;
     outer.MoveWindow(SRect{0, top, width, bottom});
-    int stripTop = bottom - top - BOTTOM_STRIP;
+    LayoutPanes();
+}
+
+void PWndApp::LayoutPanes() {
+    if (outer.GetHandle() == 0) {
+        return;
+    }
 
     _SWnd* left = outer.GetPane(0, 0);
     SSize leftSize = left->GetClientSize();
@@ -394,14 +401,22 @@ void PWndApp::Layout() {
     inner.MoveWindow(SRect{152, 0, rightSize.width, paneBottom});
     web.MoveWindow(SRect{152, 0, rightSize.width, paneBottom});
 
-    // The bottom strip across the right column of the window: the line,
-    // the playlist panel and the volume.
-    int column = outer.GetDivider(true, 0) + PSplitterCtrl::BAR;
-    int stripY = top + std::max(stripTop, 0);
-    (void)column;
-    line.MoveWindow(SRect{0, stripY, width, stripY + 1});
-    playlistSpace.MoveWindow(SRect{0, stripY + 1, width - SLIDER_WIDTH, bottom});
-    volume.MoveWindow(SRect{width - SLIDER_WIDTH, stripY + 1, width, bottom});
+    // The bottom strip of the right column: the line, the playlist panel
+    // and the volume.
+    line.MoveWindow(SRect{0, paneBottom, rightSize.width, paneBottom + 1});
+    playlist.MoveWindow(SRect{0, paneBottom + 1, rightSize.width - SLIDER_WIDTH, rightSize.height});
+    volume.MoveWindow(SRect{rightSize.width - SLIDER_WIDTH, paneBottom + 1, rightSize.width,
+                            rightSize.height});
+}
+
+void PWndApp::LayoutInner() {
+    if (inner.GetHandle() == 0) {
+        return;
+    }
+    SSize left = inner.GetPane(0, 0)->GetClientSize();
+    SSize right = inner.GetPane(1, 0)->GetClientSize();
+    tracks.MoveWindow(SRect{0, 0, left.width, left.height});
+    editor.MoveWindow(SRect{0, 0, right.width, right.height});
 }
 
 void PWndApp::LayoutStatusBar() {
@@ -468,8 +483,8 @@ void PWndApp::SaveSettings() {
     placement.isMinimized = IsMinimized();
     placement.isMaximized = IsMaximized();
     WritePlacement(SETTING_WINDOW, placement);
-    WriteSettingInt(SETTING_COLUMN, static_cast<uint32_t>(outer.GetDivider(true, 0)));
-    WriteSettingInt(SETTING_COLUMN2, static_cast<uint32_t>(inner.GetDivider(true, 0)));
+    WriteSettingInt(SETTING_COLUMN, static_cast<uint32_t>(outer.GetFirstColumn()));
+    WriteSettingInt(SETTING_COLUMN2, static_cast<uint32_t>(inner.GetFirstColumn()));
     WriteSettingString(SETTING_PLAYLIST, CurrentPlaylistName().c_str());
     WriteSettingInt(SETTING_VOLUME, static_cast<uint32_t>(volume.GetValue()));
     WriteSettingBool(SETTING_REPEAT, queue.GetRepeat());
@@ -490,10 +505,10 @@ void PWndApp::ApplyStartSettings() {
     }
     Layout();
     int outerWidth = outer.GetClientWidth();
-    outer.SetDivider(true, 0, ColumnWidthFromSetting(ReadSettingInt(SETTING_COLUMN), outerWidth,
+    outer.SetFirstColumn(ColumnWidthFromSetting(ReadSettingInt(SETTING_COLUMN), outerWidth,
                                                      DEFAULT_FOLDER_COLUMN));
-    int innerWidth = inner.GetClientWidth() > 0 ? inner.GetClientWidth() : outerWidth - 220 - 150;
-    inner.SetDivider(true, 0, ColumnWidthFromSetting(ReadSettingInt(SETTING_COLUMN2), innerWidth,
+    int innerWidth = inner.GetClientWidth();
+    inner.SetFirstColumn(ColumnWidthFromSetting(ReadSettingInt(SETTING_COLUMN2), innerWidth,
                                                      DEFAULT_TRACK_COLUMN));
     Layout();
     int position = std::clamp(static_cast<int>(ReadSettingInt(SETTING_VOLUME)), 0, 50);

@@ -19,6 +19,8 @@
 #include "library/play_queue.h"
 #include "library/thread_stats.h"
 #include "panels/panel_host.h"
+#include "panels/wnd_play.h"
+#include "panels/wnd_playlist.h"
 #include "toolkit/bar_ctrls.h"
 #include "toolkit/button_ctrls.h"
 #include "toolkit/list_ctrl.h"
@@ -179,6 +181,8 @@ public:
     PSplitterCtrl& GetOuterSplitter() { return outer; }
     PSplitterCtrl& GetInnerSplitter() { return inner; }
     bool IsThumbnailView() const { return thumbnailView; }
+    PWndPlay& GetPlayPanel() { return play; }
+    PWndPlaylist& GetPlaylistPanel() { return playlist; }
 
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override;
 
@@ -192,6 +196,8 @@ private:
     void BuildSendToMenu();
     void Layout();
     void LayoutStatusBar();
+    void LayoutPanes();
+    void LayoutInner();
     void ApplyStartSettings();
     void ShowFolder(bool focusThumbs);
     void FillThumbnails();
@@ -255,8 +261,6 @@ private:
     PSplitterCtrl inner;
     SSliderCtrl volume;
     SWnd line;
-    SWnd playSpace;     // where the now-playing panel stands
-    SWnd playlistSpace; // where the playlist panel stands
     std::unique_ptr<PThreadStats> stats;
     SListCtrl folders;
     SListCtrl tracks;
@@ -270,6 +274,8 @@ private:
     SMediaCtrl parentCaption;
     SWnd thumbSpace; // where the thumbnails stand
     SBrowserCtrl web;
+    PWndPlay play;
+    PWndPlaylist playlist;
     PFolderView view;
 
     SString welcomePath;

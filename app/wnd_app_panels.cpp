@@ -20,20 +20,48 @@ void PWndApp::FocusView() {
 
 void PWndApp::FillThumbnails() {}
 
-void PWndApp::ShowNowPlaying(const char* /*path*/, int /*position*/, int /*count*/) {}
-
-void PWndApp::OnMediaTick() {}
-
-void PWndApp::UpdateQueueCount() {}
-
-void PWndApp::ReloadPlaylists(bool /*restore*/) {}
-
-SString PWndApp::CurrentPlaylistName() const {
-    return SString("");
+void PWndApp::ShowNowPlaying(const char* path, int position, int count) {
+    if (path == nullptr) {
+        play.SetPlayingTrack(static_cast<const SPath*>(nullptr), 0, 0);
+        play.ShowCover(nullptr);
+        return;
+    }
+    play.SetPlayingTrack(path, position, count);
+    SPath file(path);
+    SImage picture;
+    view.GetCovers().LoadCover(&picture, file.GetFolder().c_str());
+    play.ShowCover(&picture);
+    play.UpdatePlayingTime();
 }
 
-bool PWndApp::AppendToPlaylist(const SStringArray& /*files*/) {
-    return false;
+void PWndApp::OnMediaTick() {
+    play.UpdatePlayingTime();
+}
+
+void PWndApp::UpdateQueueCount() {
+    int index = queue.GetIndex();
+    if (index >= 0) {
+        play.SetPlayingTrack(queue.GetEntries().GetAt(index)->c_str(), index + 1, queue.GetCount());
+        play.UpdatePlayingTime();
+    }
+}
+
+void PWndApp::ReloadPlaylists(bool restore) {
+    playlist.RefreshPlaylists();
+    if (restore) {
+        SString name = ReadSettingString(SETTING_PLAYLIST);
+        if (!name.IsEmpty() && playlist.SelectPlaylist(name.c_str())) {
+            playlist.LoadPlaylist();
+        }
+    }
+}
+
+SString PWndApp::CurrentPlaylistName() const {
+    return playlist.GetCurrentName();
+}
+
+bool PWndApp::AppendToPlaylist(const SStringArray& files) {
+    return playlist.AppendFilesAndSave(files);
 }
 
 void PWndApp::ApplyStrip() {}
