@@ -532,7 +532,7 @@ void PWndApp::SeekSeconds(int seconds) {
 }
 
 void PWndApp::OnNowPlaying(const char* path, int position, int count) {
-    UpdateTransportButtons();
+    UpdateTransportButtons(true, count);
     ShowNowPlaying(path, position, count);
     if (media.HasPicture()) {
         if (!media.IsVisible()) {
@@ -566,7 +566,7 @@ void PWndApp::HideVideoWindow() {
 
 void PWndApp::OnNowPlayingCleared() {
     HideVideoWindow();
-    UpdateTransportButtons();
+    UpdateTransportButtons(false, 0);
     statusBar.SetText(2, "");
     ShowNowPlaying(nullptr, 0, 0);
 }

@@ -352,8 +352,10 @@ void PWndApp::BuildToolbarButtons() {
 }
 
 void PWndApp::UpdateTransportButtons() {
-    int count = queue.GetCount();
-    bool playing = queue.GetIndex() >= 0;
+    UpdateTransportButtons(queue.GetIndex() >= 0, queue.GetCount());
+}
+
+void PWndApp::UpdateTransportButtons(bool playing, int count) {
     toolBar.EnableButton(CMD_PREVIOUS, playing && count > 1);
     toolBar.EnableButton(CMD_NEXT, playing && count > 1);
     toolBar.EnableButton(CMD_PAUSE, playing);

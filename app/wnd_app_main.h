@@ -204,6 +204,7 @@ private:
     void ShowPage(const char* url, const char* tag);
     void HidePage();
     void UpdateTransportButtons();
+    void UpdateTransportButtons(bool playing, int count);
     void OnStatistics(PStatsTable&& table);
 
     // Commands.

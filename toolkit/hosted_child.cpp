@@ -32,6 +32,9 @@ bool SHostedChild::Attach(SWnd* window, void* widget) {
     owner = window->GetHandle();
     top = topHandle;
     placed = false;
+    // The widget starts hidden, whatever its maker left it as, so that its
+    // state and ours agree; Sync shows it when the window is visible.
+    GetPlatform()->ShowHostedChild(owner, false);
     shown = false;
     Children().push_back(this);
     Sync();

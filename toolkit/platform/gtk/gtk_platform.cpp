@@ -503,8 +503,16 @@ void OnSizeAllocate(GtkWidget*, GdkRectangle* allocation, gpointer data) {
                     SIZE_RESTORED);
 }
 
-gboolean OnConfigure(GtkWidget*, GdkEventConfigure* event, gpointer data) {
-    PlatformMoved(static_cast<Surface*>(data)->hwnd, event->x, event->y);
+gboolean OnConfigure(GtkWidget* widget, GdkEventConfigure* event, gpointer data) {
+    // A window manager that reparents gives the event's place relative to
+    // its frame; the place of the window on the screen is asked instead.
+    int x = event->x;
+    int y = event->y;
+    GdkWindow* window = gtk_widget_get_window(widget);
+    if (window != nullptr && gtk_widget_get_mapped(widget)) {
+        gdk_window_get_origin(window, &x, &y);
+    }
+    PlatformMoved(static_cast<Surface*>(data)->hwnd, x, y);
     return FALSE;
 }
 
