@@ -20,6 +20,9 @@ packages=(
     # toolkit: GTK 3 windows on X11; the window tests run on a virtual X
     # server and synthesise input through the X test extension
     libgtk-3-dev libxtst-dev xvfb xauth
+    # the end-to-end tests drive the real program with real input under a
+    # window manager, and take screenshots
+    xdotool openbox imagemagick
     # controls: the media player host on GStreamer (playbin, the codecs of
     # songs, videos and radio streams); gst-launch-1.0 makes the test media
     libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev gstreamer1.0-plugins-base

@@ -1,0 +1,279 @@
+#!/usr/bin/env python3
+"""End-to-end tests of the desktop program: each case starts the real
+melkora on a generated collection under a virtual X display and drives it
+with real mouse and key events. Run under xvfb-run:
+
+    xvfb-run -a -s "-screen 0 1280x800x24" python3 tests/e2e/run.py \
+        --binary build/bin/melkora --media build/test-media [--shots DIR] [CASE...]
+"""
+
+import argparse
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+import traceback
+
+sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
+import harness  # noqa: E402
+from harness import click, focus, key, read_settings, write_settings  # noqa: E402
+
+# Points of the window's client area (the window stands at harness.WINDOW).
+FOLDER_ROW_X = 60
+FOLDER_ROW_Y = 144  # the first row; each row is 19 high
+ROW_STEP = 19
+TRACK_ROW_X = 430
+TRACK_ROW_Y = 120
+RIGHT_PANE = (225, 111)  # the right column's top left corner
+PLAYLIST_LIST_X = 480
+
+
+def folder_row(index):
+    return FOLDER_ROW_X, FOLDER_ROW_Y + index * ROW_STEP
+
+
+def track_row(index):
+    return TRACK_ROW_X, TRACK_ROW_Y + index * ROW_STEP
+
+
+class Context:
+    def __init__(self, args):
+        self.args = args
+        self.base = tempfile.mkdtemp(prefix="melkora-e2e-")
+        self.runs = []
+
+    def make_collection(self):
+        """Root/Jazz/Band/Live and Root/Rock/Artist/{Album One, Album Two}:
+        real sounds of 1 and 5 seconds."""
+        root = os.path.join(self.base, "collection")
+        media = self.args.media
+        layout = {
+            "Jazz/Band/Live": [("01 Take.wav", "tone1s.wav")],
+            "Rock/Artist/Album One": [("01 One.wav", "tone1s.wav"), ("02 Two.ogg", "tone1s.ogg"),
+                                       ("03 Three.mp3", "tone5s.mp3")],
+            "Rock/Artist/Album Two": [("01 Long.ogg", "tone5s.ogg"), ("02 Longer.wav", "tone5s.wav")],
+        }
+        for folder, files in layout.items():
+            os.makedirs(os.path.join(root, folder), exist_ok=True)
+            for name, source in files:
+                shutil.copy(os.path.join(media, source), os.path.join(root, folder, name))
+        return root
+
+    def home(self, name):
+        home = os.path.join(self.base, name)
+        os.makedirs(home, exist_ok=True)
+        return home
+
+    def start(self, root, home, args=(), place=True):
+        if place and "Window" not in read_settings(home):
+            left, top, right, bottom = harness.WINDOW
+            values = {"Window": "7:%d,%d,%d,%d,1,0,0" % (left, top, right, bottom)}
+            values.update({k: v for k, v in read_settings(home).items()})
+            write_settings(home, values)
+        program = harness.Program(self.args.binary, root, home, args)
+        self.runs.append(program)
+        program.wait_for(r"^ready \d+", 20)
+        window = program.window()
+        focus(window)
+        return program, window
+
+    def shot(self, name):
+        if self.args.shots:
+            os.makedirs(self.args.shots, exist_ok=True)
+            harness.screenshot(os.path.join(self.args.shots, name + ".png"))
+
+    def close(self):
+        for program in self.runs:
+            program.kill()
+        shutil.rmtree(self.base, ignore_errors=True)
+
+
+def open_album(program, window, album_row):
+    """From the root: Rock, Artist, then selects the album row."""
+    click(window, *folder_row(1), repeat=2)  # Rock
+    program.wait_for(r"^folder \d+ .*/Rock/$")
+    click(window, *folder_row(0), repeat=2)  # Artist
+    program.wait_for(r"^folder \d+ .*/Rock/Artist/$")
+    click(window, *folder_row(album_row))
+
+
+# The cases.
+
+def case_plays_pauses_stops_and_moves_through_folders(ctx):
+    root = ctx.make_collection()
+    home = ctx.home("play")
+    program, window = ctx.start(root, home)
+    open_album(program, window, 0)
+    time.sleep(0.3)
+    # A double click on a track plays it to its end.
+    click(window, *track_row(0), repeat=2)
+    program.wait_for(r"^open .*/01 One\.wav$")
+    program.wait_for(r"^end .*/01 One\.wav$", 5)
+    # Every row selected and Enter: one track after the other.
+    click(window, *track_row(0))
+    key(window, "ctrl+a", "Return")
+    program.wait_for(r"^open .*/01 One\.wav$")
+    program.wait_for(r"^end .*/01 One\.wav$", 5)
+    program.wait_for(r"^open .*/02 Two\.ogg$", 5)
+    program.wait_for(r"^end .*/02 Two\.ogg$", 5)
+    program.wait_for(r"^open .*/03 Three\.mp3$", 5)
+    ctx.shot("playing")
+    # Space pauses: the five-second track does not end while paused.
+    key(window, "space")
+    program.none_for(r"^end ", 6.0)
+    key(window, "space")
+    program.wait_for(r"^end .*/03 Three\.mp3$", 6)
+    # Esc stops a track before its end.
+    click(window, *track_row(2), repeat=2)
+    program.wait_for(r"^open .*/03 Three\.mp3$")
+    key(window, "Escape")
+    program.none_for(r"^end ", 6.0)
+    # Backspace goes up a level; F5 lists the folder again.
+    key(window, "BackSpace")
+    program.wait_for(r"^folder \d+ .*/Rock/$")
+    key(window, "F5")
+    program.wait_for(r"^folder \d+ .*/Rock/$")
+
+
+def case_settings_are_stored_at_close_and_applied_at_start(ctx):
+    root = ctx.make_collection()
+    home = ctx.home("settings")
+    write_settings(home, {"Window": "7:0,0,1000,680,1,0,0", "Column": 260, "Column2": 240,
+                          "Volume": 20, "Repeat": 1})
+    program, window = ctx.start(root, home, place=False)
+    xdotool_close(window)
+    assert program.wait_exit(10) == 0
+    stored = read_settings(home)
+    for name in ("Window", "Column", "Column2", "Playlist", "Volume", "Repeat"):
+        assert name in stored, "%s not stored: %s" % (name, stored)
+    # What was stored came back at the start and was stored again.
+    assert stored["Column"] == "dword:%08x" % 260, stored
+    assert stored["Column2"] == "dword:%08x" % 240, stored
+    assert stored["Volume"] == "dword:%08x" % 20, stored
+    assert stored["Repeat"] == "dword:00000001", stored
+    assert stored["Playlist"] == "Playlist", stored
+    left, top, right, bottom = [int(v) for v in stored["Window"].split(":")[1].split(",")[:4]]
+    assert (right - left, bottom - top) == (1000, 680), stored["Window"]
+
+
+def case_a_second_start_ends_at_once(ctx):
+    root = ctx.make_collection()
+    home = ctx.home("second")
+    program, window = ctx.start(root, home)
+    second = harness.Program(ctx.args.binary, root, home)
+    assert second.wait_exit(10) == 0
+    assert program.alive()
+
+
+def case_a_folder_added_to_the_playlist_is_written_and_a_row_removed(ctx):
+    root = ctx.make_collection()
+    home = ctx.home("playlist")
+    program, window = ctx.start(root, home)
+    click(window, *folder_row(1), repeat=2)  # Rock
+    program.wait_for(r"^folder \d+ .*/Rock/$")
+    click(window, *folder_row(0), repeat=2)  # Artist
+    program.wait_for(r"^folder \d+ .*/Rock/Artist/$")
+    # The folder menu: its second line adds the folder to the open playlist.
+    click(window, *folder_row(0), button=3)
+    key(window, "Down", "Down", "Return")
+    lst = os.path.join(root, "Playlists", "Playlist.lst")
+    wait_until(lambda: os.path.exists(lst) and os.path.getsize(lst) > 0, 5, "the playlist was not written")
+    with open(lst, "rb") as f:
+        entries = f.read().split(b"\r\n")
+    assert entries[-1] == b"", entries
+    assert entries[:-1] == [b"Rock\\Artist\\Album One\\01 One.wav", b"Rock\\Artist\\Album One\\02 Two.ogg",
+                            b"Rock\\Artist\\Album One\\03 Three.mp3"], entries
+    # Delete in the playlist's list removes its first row from the file.
+    x, y = playlist_row(0)
+    click(window, x, y)
+    key(window, "Delete")
+    wait_until(lambda: open(lst, "rb").read().count(b"\r\n") == 2, 5, "the row was not removed")
+    ctx.shot("playlist")
+
+
+def case_a_track_deleted_goes_to_the_trash(ctx):
+    root = ctx.make_collection()
+    home = ctx.home("trash")
+    program, window = ctx.start(root, home)
+    open_album(program, window, 0)
+    click(window, *track_row(1))
+    x, y = track_row(1)
+    click(window, x, y, button=3)
+    key(window, "Up", "Return")  # "Delete", the menu's last line
+    time.sleep(0.8)
+    key(window, "Return")  # Yes in the question
+    gone = os.path.join(root, "Rock", "Artist", "Album One", "02 Two.ogg")
+    wait_until(lambda: not os.path.exists(gone), 5, "the track is still there")
+    trash = os.path.join(home, "data", "Trash", "files", "02 Two.ogg")
+    assert os.path.exists(trash), os.listdir(os.path.join(home, "data"))
+    program.wait_for(r"^folder \d+ .*/Rock/Artist/$")
+
+
+def playlist_row(index):
+    return PLAYLIST_LIST_X, PLAYLIST_ROW_Y + index * ROW_STEP
+
+
+PLAYLIST_ROW_Y = 0  # set from the window's size at the first use
+
+
+def xdotool_close(window):
+    """Closes the window as its frame's close button does."""
+    focus(window)
+    harness.xdotool("key", "alt+F4")
+
+
+def wait_until(condition, seconds, message):
+    deadline = time.monotonic() + seconds
+    while time.monotonic() < deadline:
+        try:
+            if condition():
+                return
+        except OSError:
+            pass
+        time.sleep(0.1)
+    raise AssertionError(message)
+
+
+CASES = [value for name, value in sorted(globals().items()) if name.startswith("case_")]
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--binary", required=True)
+    parser.add_argument("--media", required=True)
+    parser.add_argument("--shots")
+    parser.add_argument("cases", nargs="*")
+    args = parser.parse_args()
+    global PLAYLIST_ROW_Y
+    PLAYLIST_ROW_Y = harness.WINDOW[3] - harness.WINDOW[1] - 22 - 101 + 10
+    manager = None
+    if shutil.which("openbox"):
+        manager = subprocess.Popen(["openbox"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        time.sleep(0.5)
+    failed = 0
+    selected = [c for c in CASES if not args.cases or any(n in c.__name__ for n in args.cases)]
+    for case in selected:
+        ctx = Context(args)
+        started = time.monotonic()
+        try:
+            case(ctx)
+            print("PASS %s (%.1f s)" % (case.__name__[5:], time.monotonic() - started), flush=True)
+        except Exception:  # noqa: BLE001 - a failed case is reported, the others go on
+            failed += 1
+            print("FAIL %s" % case.__name__[5:], flush=True)
+            traceback.print_exc()
+            if ctx.runs:
+                print("  program's last lines: %s" % ctx.runs[-1].lines[-20:], flush=True)
+            ctx.shot("failed-" + case.__name__[5:])
+        finally:
+            ctx.close()
+    if manager:
+        manager.terminate()
+    print("%d of %d cases passed" % (len(selected) - failed, len(selected)))
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
