@@ -101,8 +101,10 @@ LRESULT PWndApp::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
         SWnd* control = note.Control();
         switch (message) {
         case SN_EDITOR_CHANGE:
-            if (note.From(&editor)) {
+            // Every change of a track's text is kept at once.
+            if (note.From(&editor) && !loadingText) {
                 textChanged = true;
+                SaveTrackText();
             }
             return 0;
         case SN_WEB_BEFORE_NAVIGATE:

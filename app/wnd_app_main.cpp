@@ -136,6 +136,17 @@ LRESULT PCoverCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
     return SMediaCtrl::OnMessage(message, wParam, lParam);
 }
 
+// The track list.
+
+void PTrackList::DrawItem(cairo_t* cr, int row, const SRect& rect, unsigned state) {
+    SListCtrl::DrawItem(cr, row, rect, state);
+    if (marker != nullptr && marker->IsValid() &&
+        static_cast<int>(static_cast<intptr_t>(GetData(row))) == TRACK_HAS_TEXT) {
+        int size = std::min(16, rect.Height());
+        marker->DrawAt(cr, rect.right - size - 4, rect.top + (rect.Height() - size) / 2, size, size);
+    }
+}
+
 // The player's reports.
 
 void PAppMedia::OnNowPlaying(const char* path, int position, int count) {
@@ -261,7 +272,8 @@ void PWndApp::BuildControls() {
     inner.SetPaneLayout([this] { LayoutInner(); });
     tracks.Create(inner.GetPane(0, 0), none, ID_TRACKS, LIST_SELECTION_EXTENDED,
                   WS_VISIBLE | WS_TABSTOP);
-    tracks.SetImages(trackIcons, 6);
+    tracks.SetImages(trackIcons, 5);
+    tracks.SetMarker(&trackIcons[TRACK_HAS_TEXT]);
     editor.Create("", WS_VISIBLE | WS_TABSTOP, 0, &none, inner.GetPane(1, 0)->GetHandle(), ID_EDITOR);
     editor.SetBackColors(0xF0FFFF, 0xF0FFFF, GetSysColor(SYS_COLOR_HIGHLIGHT));
     web.Create("", 0, 0, &none, right->GetHandle(), ID_WEB);
@@ -596,8 +608,7 @@ bool PWndApp::ShowSelection() {
         parentCover.SetImage(nullptr);
         parentCaption.SetText("");
         tracks.Clear();
-        editor.SetText("");
-        textPath = "";
+        ClearEditor();
         web.SetTag("");
         for (SWnd* window : std::initializer_list<SWnd*>{&cover, &caption, &parentCover, &parentCaption,
                                                          &inner, &web}) {
@@ -624,8 +635,7 @@ bool PWndApp::ShowSelection() {
     }
     tracks.SetRedraw(false, false);
     tracks.Clear();
-    editor.SetText("");
-    textPath = "";
+    ClearEditor();
     for (const PTrackRow& track : view.GetTrackRows()) {
         tracks.AddRow(track.text.c_str(), track.icon, static_cast<uintptr_t>(static_cast<intptr_t>(track.data)));
     }
@@ -681,9 +691,7 @@ void PWndApp::ShowPage(const char* url, const char* tag) {
 void PWndApp::ShowTrackText() {
     SaveTrackText();
     std::vector<int> rows = tracks.GetSelectedRows();
-    editor.SetText("");
-    textPath = "";
-    textChanged = false;
+    ClearEditor();
     if (rows.size() != 1) {
         return;
     }
@@ -696,8 +704,19 @@ void PWndApp::ShowTrackText() {
         return;
     }
     textPath = path;
+    loadingText = true;
     editor.SetText(LoadTrackText(path).c_str());
+    loadingText = false;
     textChanged = false;
+}
+
+void PWndApp::ClearEditor() {
+    // The text shown goes without touching its file.
+    textPath = "";
+    textChanged = false;
+    loadingText = true;
+    editor.SetText("");
+    loadingText = false;
 }
 
 bool PWndApp::SaveTrackText() {

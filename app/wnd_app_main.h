@@ -102,6 +102,17 @@ private:
     SImageWater water;
 };
 
+// The track list: a row whose track has a text file shows the text marker
+// at its right end.
+class PTrackList : public SListCtrl {
+public:
+    void SetMarker(const SImage* image) { marker = image; }
+    void DrawItem(cairo_t* cr, int row, const SRect& rect, unsigned state) override;
+
+private:
+    const SImage* marker = nullptr;
+};
+
 // The player of the main window: its reports go to the window.
 class PAppMedia : public PMedia {
 public:
@@ -135,6 +146,7 @@ public:
     void ShowFolderCounts();
     void ShowTrackText();
     bool SaveTrackText();
+    void ClearEditor();
     bool SelectTrack(const char* name);
     bool ToggleWindow(bool keepVisible);
     void RunCommand(int command);
@@ -264,7 +276,7 @@ private:
     SWnd line;
     std::unique_ptr<PThreadStats> stats;
     SListCtrl folders;
-    SListCtrl tracks;
+    PTrackList tracks;
     SCodeEditCtrl editor;
     SMediaCtrl info;
     PAppMedia media;
@@ -287,6 +299,7 @@ private:
     SImage trackIcons[6];
     SString textPath; // the track text shown in the editor, "" for none
     bool textChanged = false;
+    bool loadingText = false;
     bool thumbnailView = true;
     bool smallIcons = false;
     bool creating = false;

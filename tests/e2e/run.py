@@ -211,6 +211,60 @@ def case_a_track_deleted_goes_to_the_trash(ctx):
     program.wait_for(r"^folder \d+ .*/Rock/Artist/$")
 
 
+def case_a_kill_at_any_moment_leaves_whole_files(ctx):
+    """The program is killed at random moments while it writes its
+    settings and a playlist; each file is then either the old one or the
+    new one, never a part."""
+    import random
+    root = ctx.make_collection()
+    home = ctx.home("kill")
+    os.makedirs(os.path.join(root, "Playlists"), exist_ok=True)
+    lst = os.path.join(root, "Playlists", "Playlist.lst")
+    entries = [b"Rock\\Artist\\Album One\\01 One.wav", b"Rock\\Artist\\Album One\\02 Two.ogg",
+               b"Rock\\Artist\\Album Two\\01 Long.ogg"] * 200
+    with open(lst, "wb") as f:
+        f.write(b"".join(e + b"\r\n" for e in entries))
+    generator = random.Random(7)
+    for attempt in range(8):
+        program, window = ctx.start(root, home)
+        x, y = playlist_row(0)
+        click(window, x, y)
+        key(window, "Delete")
+        focus(window)
+        harness.xdotool("key", "alt+F4")
+        time.sleep(generator.uniform(0.0, 0.05))
+        program.kill()
+        with open(lst, "rb") as f:
+            data = f.read()
+        assert data.endswith(b"\r\n"), "a torn playlist after attempt %d" % attempt
+        rows = data.split(b"\r\n")[:-1]
+        assert set(rows) <= set(entries), "a torn entry after attempt %d" % attempt
+        stored = read_settings(home)
+        assert "Window" in stored and "Folder" in stored, stored
+        with open(os.path.join(home, "settings", "registry.ini"), "rb") as f:
+            assert f.read().startswith(b"MELKORA REGISTRY 1\n")
+
+
+def case_a_track_text_typed_in_the_editor_is_kept(ctx):
+    root = ctx.make_collection()
+    home = ctx.home("text")
+    program, window = ctx.start(root, home)
+    open_album(program, window, 0)
+    click(window, *track_row(0))
+    click(window, 700, 200)  # the editor beside the tracks
+    harness.xdotool("type", "--delay", 30, "Sung live ")
+    key(window, "space", "Escape")  # both reach the editor, neither pauses nor stops
+    text = os.path.join(root, "Rock", "Artist", "Album One", "01 One.txt")
+    wait_until(lambda: os.path.exists(text) and open(text, "rb").read().startswith(b"Sung live  "), 5,
+               "the track's text was not written")
+    ctx.shot("track-text")
+    # Another track shows its own (empty) text and leaves the first alone.
+    click(window, *track_row(1))
+    time.sleep(0.3)
+    assert open(text, "rb").read().startswith(b"Sung live"), "the first text changed"
+    assert not os.path.exists(os.path.join(root, "Rock", "Artist", "Album One", "02 Two.txt"))
+
+
 def playlist_row(index):
     return PLAYLIST_LIST_X, PLAYLIST_ROW_Y + index * ROW_STEP
 
