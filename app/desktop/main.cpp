@@ -101,7 +101,19 @@ int main(int argc, char** argv) {
                 window->Show(SW_SHOW);
             }
             Trace("ready", true);
+            // The end of the session: the settings are kept, then the
+            // window closes by its usual path.
+            GtkWatchSessionEnd(
+                [](void* argument) {
+                    auto* main = static_cast<PWndApp*>(argument);
+                    if (main->GetHandle() != 0 &&
+                        SendMessage(main->GetHandle(), WM_QUERYENDSESSION, 0, 0) != 0) {
+                        PostMessage(main->GetHandle(), WM_CLOSE, 0, 0);
+                    }
+                },
+                window.get());
             RunLoop(nullptr, nullptr, nullptr);
+            GtkWatchSessionEnd(nullptr, nullptr);
         }
         window.reset();
     }

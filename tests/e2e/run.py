@@ -158,6 +158,16 @@ def case_settings_are_stored_at_close_and_applied_at_start(ctx):
     assert (right - left, bottom - top) == (1000, 680), stored["Window"]
 
 
+def case_the_end_of_the_session_keeps_the_settings(ctx):
+    root = ctx.make_collection()
+    home = ctx.home("session")
+    program, window = ctx.start(root, home)
+    program.process.terminate()  # SIGTERM, as a session manager sends
+    assert program.wait_exit(10) == 0
+    stored = read_settings(home)
+    assert "Volume" in stored and "Column" in stored, stored
+
+
 def case_a_second_start_ends_at_once(ctx):
     root = ctx.make_collection()
     home = ctx.home("second")

@@ -1,6 +1,7 @@
 #include "toolkit/platform/gtk/gtk_platform.h"
 
 #include <gdk/gdkx.h>
+#include <glib-unix.h>
 #include <gtk/gtk.h>
 #include <X11/extensions/XTest.h>
 
@@ -1376,5 +1377,44 @@ void GtkSetDoubleClick(int milliseconds, int distance) {
     if (settings != nullptr) {
         g_object_set(settings, "gtk-double-click-time", milliseconds, "gtk-double-click-distance",
                      distance, nullptr);
+    }
+}
+
+namespace {
+
+struct SessionWatch {
+    void (*handler)(void*) = nullptr;
+    void* argument = nullptr;
+    guint sources[2] = {0, 0};
+};
+
+SessionWatch& Watch() {
+    static SessionWatch watch;
+    return watch;
+}
+
+gboolean OnSessionSignal(gpointer) {
+    SessionWatch& watch = Watch();
+    if (watch.handler != nullptr) {
+        watch.handler(watch.argument);
+    }
+    return G_SOURCE_CONTINUE;
+}
+
+} // namespace
+
+void GtkWatchSessionEnd(void (*handler)(void* argument), void* argument) {
+    SessionWatch& watch = Watch();
+    for (guint& source : watch.sources) {
+        if (source != 0) {
+            g_source_remove(source);
+            source = 0;
+        }
+    }
+    watch.handler = handler;
+    watch.argument = argument;
+    if (handler != nullptr) {
+        watch.sources[0] = g_unix_signal_add(SIGTERM, OnSessionSignal, nullptr);
+        watch.sources[1] = g_unix_signal_add(SIGHUP, OnSessionSignal, nullptr);
     }
 }

@@ -13,6 +13,11 @@
 // there is no display.
 bool UseGtkPlatform();
 
+// Calls handler on the main thread when the session ends: the session
+// manager (or a system shutting down) sends SIGTERM, and SIGHUP comes when
+// the terminal goes. Null stops watching.
+void GtkWatchSessionEnd(void (*handler)(void* argument), void* argument);
+
 // For the window tests on a virtual display.
 // The pixels the X server shows for a top-level window's client area.
 bool GtkCaptureSurface(HWND top, SImage* picture);
