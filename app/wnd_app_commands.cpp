@@ -2,6 +2,9 @@
 // commands, keys, context menus, the remote commands and the player's
 // reports.
 #include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <cstring>
 
 #include "app/settings.h"
 #include "app/trace.h"
@@ -41,6 +44,34 @@ SString UrlEncode(const char* text) {
         }
     }
     return out;
+}
+
+// The local path of a "file:" address (its escapes decoded); "" for any
+// other address.
+SString LocalPathOfAddress(const char* address) {
+    if (strncmp(address, "file://", 7) != 0) {
+        return SString("");
+    }
+    const char* p = address + 7;
+    if (*p != '/') {
+        const char* slash = strchr(p, '/'); // "file://host/path"
+        if (slash == nullptr) {
+            return SString("");
+        }
+        p = slash;
+    }
+    SString path;
+    for (; *p != 0 && *p != '?' && *p != '#'; ++p) {
+        if (*p == '%' && isxdigit(static_cast<unsigned char>(p[1])) &&
+            isxdigit(static_cast<unsigned char>(p[2]))) {
+            char digits[3] = {p[1], p[2], 0};
+            path += static_cast<char>(strtol(digits, nullptr, 16));
+            p += 2;
+        } else {
+            path += *p;
+        }
+    }
+    return path;
 }
 
 } // namespace
@@ -209,8 +240,8 @@ bool PWndApp::OnCommand(int command) {
         if (selected.IsEmpty()) {
             return false;
         }
-        SNetwork network;
-        return network.OpenUrl(selected.c_str());
+        SDisk disk;
+        return disk.Explore(selected.c_str(), SW_SHOW);
     }
     case CMD_MAKE_COVER:
         return !selected.IsEmpty() && MakeCover(selected.c_str());
@@ -718,24 +749,36 @@ LRESULT PWndApp::OnBeforeNavigate(const char* url) {
     if (url == nullptr) {
         return 0;
     }
-    SPath target(url);
-    SString extension = target.GetExtension(false, true);
-    if (extension != "link") {
+    SString address = url;
+    // The Book's folder links end in ".link": they open the folder in the
+    // main window instead of a page.
+    int dot = address.ReverseFind('.');
+    if (dot < 0 || SString(address.c_str() + dot + 1).CompareNoCase("link") != 0) {
         return 0;
     }
-    SStringArray rootParts;
-    SStringArray targetParts;
-    int rootCount = view.GetRoot().GetParts(&rootParts);
-    int count = target.GetParts(&targetParts);
+    SString path = LocalPathOfAddress(url);
+    SString rootText = GetRootFolder();
     SString relative;
-    for (int i = rootCount; i < count; ++i) {
-        if (!relative.IsEmpty()) {
-            relative += "/";
+    if (path.GetLength() > rootText.GetLength() &&
+        strncmp(path.c_str(), rootText.c_str(), static_cast<size_t>(rootText.GetLength())) == 0) {
+        relative = path.c_str() + rootText.GetLength();
+    } else {
+        // Another form of address: the part below the root's depth.
+        SPath target(path.IsEmpty() ? url : path.c_str());
+        SStringArray rootParts;
+        SStringArray targetParts;
+        int rootCount = view.GetRoot().GetParts(&rootParts);
+        int count = target.GetParts(&targetParts);
+        for (int i = rootCount; i < count; ++i) {
+            if (!relative.IsEmpty()) {
+                relative += "/";
+            }
+            relative += *targetParts.GetAt(i);
         }
-        relative += *targetParts.GetAt(i);
     }
-    SPath folder((GetRootFolder() + relative).c_str());
-    OpenFolder(folder.GetFolder().c_str(), folder.GetTitle().c_str(), false);
+    relative.Replace('\\', '/');
+    SPath folder((rootText + relative).c_str());
+    OpenFolder(folder.GetFolderPath().c_str(), folder.GetTitle().c_str(), false);
     return 1;
 }
 

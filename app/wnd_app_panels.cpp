@@ -29,7 +29,7 @@ void PWndApp::ShowNowPlaying(const char* path, int position, int count) {
     play.SetPlayingTrack(path, position, count);
     SPath file(path);
     SImage picture;
-    view.GetCovers().LoadCover(&picture, file.GetFolder().c_str());
+    view.GetCovers().LoadCover(&picture, file.GetFolderPath().c_str());
     play.ShowCover(&picture);
     play.UpdatePlayingTime();
 }
