@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "app/endpoints.h"
 #include "app/settings.h"
 #include "app/trace.h"
 #include "app/wnd_app_main.h"
@@ -23,28 +24,6 @@
 #include "toolkit/wnd_app.h"
 
 namespace {
-
-constexpr const char* DONATION_URL = "https://melkora.example.org/donate";
-constexpr const char* LYRICS_SEARCH_URL = "https://duckduckgo.com/?q=";
-
-SString UrlEncode(const char* text) {
-    static const char* digits = "0123456789ABCDEF";
-    SString out;
-    for (const char* p = text; *p != 0; ++p) {
-        auto c = static_cast<unsigned char>(*p);
-        if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' ||
-            c == '_' || c == '.') {
-            out += static_cast<char>(c);
-        } else if (c == ' ') {
-            out += '+';
-        } else {
-            out += '%';
-            out += digits[c >> 4];
-            out += digits[c & 15];
-        }
-    }
-    return out;
-}
 
 // The local path of a "file:" address (its escapes decoded); "" for any
 // other address.
@@ -228,7 +207,7 @@ bool PWndApp::OnCommand(int command) {
         return OpenCompanion(command);
     case CMD_DONATION: {
         SNetwork network;
-        return network.OpenUrl(DONATION_URL);
+        return network.OpenUrl(GetEndpoint(ENDPOINT_DONATION, DEFAULT_DONATION_URL).c_str());
     }
     case CMD_QUIT:
         return Close();
@@ -730,7 +709,8 @@ bool PWndApp::FindLyrics() {
     }
     SString name = tracks.GetText(rows[0]);
     SNetwork network;
-    return network.OpenUrl((SString(LYRICS_SEARCH_URL) + UrlEncode((name + " lyrics").c_str())).c_str());
+    SString address = GetEndpoint(ENDPOINT_LYRICS, DEFAULT_LYRICS_URL) + EscapeQuery((name + " lyrics").c_str());
+    return network.OpenUrl(address.c_str());
 }
 
 // Links and pages.
