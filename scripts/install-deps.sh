@@ -20,6 +20,10 @@ packages=(
     # toolkit: GTK 3 windows on X11; the window tests run on a virtual X
     # server and synthesise input through the X test extension
     libgtk-3-dev libxtst-dev xvfb xauth
+    # the tray icon as a StatusNotifierItem (optional at build time: without
+    # it the tray icon is a GtkStatusIcon); its test runs on a private
+    # session bus of dbus-run-session
+    libayatana-appindicator3-dev dbus-daemon
     # controls: the media player host on GStreamer (playbin, the codecs of
     # songs, videos and radio streams); gst-launch-1.0 makes the test media
     libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev gstreamer1.0-plugins-base
