@@ -31,6 +31,10 @@ packages=(
     gstreamer1.0-libav gstreamer1.0-tools
     # controls: the web view on WebKitGTK (loads HTML and MHTML pages)
     libwebkit2gtk-4.1-dev
+    # installing: the desktop entry and the AppStream metainfo are validated
+    # by the tests; make deb reads the libraries with dpkg-shlibdeps and
+    # builds the package under fakeroot
+    desktop-file-utils appstream dpkg-dev fakeroot
 )
 
 # Benchmarks also make synthetic collections and compare with other tools
