@@ -27,7 +27,7 @@ STrayIcon* FindIcon(int tray) {
     return found != Registry().end() ? found->second : nullptr;
 }
 
-void Mirror(const SMenu& menu, int depth, std::vector<STrayMenuItem>* out) {
+void Mirror(const SMenu& menu, int depth, int* secondaryId, std::vector<STrayMenuItem>* out) {
     for (int i = 0; i < menu.GetItemCount(); ++i) {
         const SMenuItem& item = menu.GetItem(i);
         STrayMenuItem copy;
@@ -38,8 +38,13 @@ void Mirror(const SMenu& menu, int depth, std::vector<STrayMenuItem>* out) {
         if (!item.separator) {
             copy.text = STrayIcon::MnemonicText(item.text);
         }
+        if (*secondaryId != 0 && item.id == *secondaryId && !item.separator &&
+            item.submenu == nullptr) {
+            copy.secondary = true;
+            *secondaryId = 0; // the first one only
+        }
         if (item.submenu != nullptr && depth + 1 < MAX_MENU_DEPTH) {
-            Mirror(*item.submenu, depth + 1, &copy.submenu);
+            Mirror(*item.submenu, depth + 1, secondaryId, &copy.submenu);
         }
         out->push_back(std::move(copy));
     }
@@ -110,7 +115,7 @@ void STrayIcon::SetMenu(SMenu* newMenu) {
     menu = newMenu;
     mirrored.clear();
     if (menu != nullptr) {
-        mirrored = MirrorMenu(*menu);
+        mirrored = MirrorMenu(*menu, secondaryId);
     }
     if (shown) {
         GetPlatform()->SetTrayMenu(id, mirrored);
@@ -120,7 +125,7 @@ void STrayIcon::SetMenu(SMenu* newMenu) {
 void STrayIcon::UpdateMenu() {
     std::vector<STrayMenuItem> now;
     if (menu != nullptr) {
-        now = MirrorMenu(*menu);
+        now = MirrorMenu(*menu, secondaryId);
     }
     if (now == mirrored) {
         return; // the platform rebuilds its menu only on a change
@@ -129,6 +134,11 @@ void STrayIcon::UpdateMenu() {
     if (shown) {
         GetPlatform()->SetTrayMenu(id, mirrored);
     }
+}
+
+void STrayIcon::SetSecondaryItem(int commandId) {
+    secondaryId = commandId;
+    UpdateMenu();
 }
 
 bool STrayIcon::ShowMenu() {
@@ -154,9 +164,9 @@ unsigned STrayIcon::NotifyCode(STrayEvent event) {
     return 0;
 }
 
-std::vector<STrayMenuItem> STrayIcon::MirrorMenu(const SMenu& menu) {
+std::vector<STrayMenuItem> STrayIcon::MirrorMenu(const SMenu& menu, int secondaryId) {
     std::vector<STrayMenuItem> items;
-    Mirror(menu, 0, &items);
+    Mirror(menu, 0, &secondaryId, &items);
     return items;
 }
 
@@ -187,6 +197,10 @@ SString STrayIcon::MnemonicText(const SString& text) {
 }
 
 void STrayIcon::OnEvent(STrayEvent event) {
+    if (event == STrayEvent::SECONDARY_ACTIVATE && secondaryId != 0) {
+        OnCommand(secondaryId);
+        return;
+    }
     if (owner != 0) {
         SendMessage(owner, SN_TRAY, 0, static_cast<LPARAM>(NotifyCode(event)));
     }

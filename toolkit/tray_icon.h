@@ -8,17 +8,20 @@
 // of a notification (toolkit/mouse_event.h) as lParam:
 //
 //   activation (a click, the host's Activate)         0x41, a left double click
-//   secondary activation (a middle click, the host's
-//   SecondaryActivate)                                0x41, a left double click
 //   a request for the menu (a right click, where the
 //   platform leaves the menu to the program)          0x14, a right button up
 //
 // so the owner toggles its window on 0x41 and, on 0x14, brings the menu up
-// to date and calls ShowMenu. The menu is mirrored from an SMenu the owner
-// keeps: SetMenu gives it, UpdateMenu copies it again after the owner
-// changed it (a StatusNotifierItem host shows the copy by itself, without
-// asking first). A pick in the copy reaches the owner as WM_COMMAND with
-// the item's ID, as from the SMenu itself.
+// to date and calls ShowMenu. Secondary activation (a middle click, the
+// host's SecondaryActivate) picks the menu's secondary item
+// (SetSecondaryItem: WM_COMMAND with its ID, as a pick in the menu); with
+// none named it is 0x41 as well where the platform reports it (a
+// StatusNotifierItem host can only activate an item of the menu, so there
+// it does nothing). The menu is mirrored from an SMenu the owner keeps:
+// SetMenu gives it, UpdateMenu copies it again after the owner changed it
+// (a StatusNotifierItem host shows the copy by itself, without asking
+// first). A pick in the copy reaches the owner as WM_COMMAND with the
+// item's ID, as from the SMenu itself.
 #pragma once
 
 #include <vector>
@@ -50,6 +53,9 @@ public:
     // null for none), made now and again by UpdateMenu.
     void SetMenu(SMenu* menu);
     void UpdateMenu();
+    // The ID of the item a secondary activation picks (the show and hide
+    // item, say); 0 for none.
+    void SetSecondaryItem(int commandId);
     // Shows the menu at the pointer: the platform's copy where it shows
     // one, the SMenu itself otherwise. False without a menu.
     bool ShowMenu();
@@ -63,9 +69,10 @@ public:
 
     // The mouse code the owner gets for an event (above).
     static unsigned NotifyCode(STrayEvent event);
-    // The copy of a menu the platform shows; submenus deeper than 16
+    // The copy of a menu the platform shows, the first item with the ID
+    // secondaryId (0: none) marked secondary; submenus deeper than 16
     // levels are left out.
-    static std::vector<STrayMenuItem> MirrorMenu(const SMenu& menu);
+    static std::vector<STrayMenuItem> MirrorMenu(const SMenu& menu, int secondaryId = 0);
     // "&"-marked item text as desktop menus mark it: "&Open" gives
     // "_Open", "&&" a plain "&", "_" becomes "__"; only the first mark
     // underlines, and the shortcut part is not shown.
@@ -81,5 +88,6 @@ private:
     bool shown = false;
     SString tip;
     SMenu* menu = nullptr;
+    int secondaryId = 0;
     std::vector<STrayMenuItem> mirrored;
 };

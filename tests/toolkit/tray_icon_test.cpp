@@ -59,7 +59,7 @@ TEST(TrayIconMapping, EachEventGivesTheOwnersMouseCode) {
         unsigned code;
     } cases[] = {
         {STrayEvent::ACTIVATE, 0x41},           // toggles the window
-        {STrayEvent::SECONDARY_ACTIVATE, 0x41}, // a middle click does the same
+        {STrayEvent::SECONDARY_ACTIVATE, 0x41}, // without a secondary item, the same
         {STrayEvent::CONTEXT_MENU, 0x14},       // brings up the menu
     };
     for (const Case& c : cases) {
@@ -76,10 +76,10 @@ TEST(TrayIconMapping, MnemonicMarksBecomeUnderscores) {
         {"Save && Quit", "Save & Quit"},
         {"&&&Stop", "&_Stop"},
         {"snake_case", "snake__case"},
-        {"&a&b", "_ab"},             // only the first mark underlines
-        {"&_x", "__x"},              // an underscore is never the mnemonic
-        {"Next\tCtrl+N", "Next"},    // the shortcut is not shown
-        {"&\tF1", "&"},              // a mark before the tab marks nothing
+        {"&a&b", "_ab"},          // only the first mark underlines
+        {"&_x", "__x"},           // an underscore is never the mnemonic
+        {"Next\tCtrl+N", "Next"}, // the shortcut is not shown
+        {"&\tF1", "&"},           // a mark before the tab marks nothing
         {"end&", "end&"},
         {"", ""},
         {"&\xC3\xA9t\xC3\xA9", "_\xC3\xA9t\xC3\xA9"}, // a mark before a UTF-8 letter
@@ -141,6 +141,49 @@ TEST_F(TrayIconTest, UserActionsReachTheOwner) {
     EXPECT_FALSE(platform->GetTrayIcon(tray.GetId(), &record));
     platform->TrayAction(tray.GetId(), STrayEvent::ACTIVATE);
     EXPECT_EQ(TrayCodes().size(), 3u);
+}
+
+TEST_F(TrayIconTest, SecondaryActivationPicksTheSecondaryItem) {
+    STrayIcon tray;
+    tray.SetMenu(&menu);
+    ASSERT_TRUE(tray.Add(owner.GetHandle(), icon, "tip"));
+    int given = Record(tray).menuUpdates;
+    tray.SetSecondaryItem(TOGGLE);
+    SHeadlessPlatform::TrayIcon record = Record(tray);
+    EXPECT_EQ(record.menuUpdates, given + 1) << "the mark is part of the copy";
+    for (size_t i = 0; i < record.menu.size(); ++i) {
+        EXPECT_EQ(record.menu[i].secondary, record.menu[i].id == TOGGLE) << i;
+    }
+    platform->TrayAction(tray.GetId(), STrayEvent::SECONDARY_ACTIVATE);
+    platform->TrayAction(tray.GetId(), STrayEvent::ACTIVATE);
+    EXPECT_EQ(Commands(), (std::vector<int>{TOGGLE}));
+    EXPECT_EQ(TrayCodes(), (std::vector<int64_t>{0x41})) << "activation still toggles";
+
+    // None named: a secondary activation is an activation.
+    tray.SetSecondaryItem(0);
+    EXPECT_FALSE(Record(tray).menu[2].secondary);
+    platform->TrayAction(tray.GetId(), STrayEvent::SECONDARY_ACTIVATE);
+    EXPECT_EQ(TrayCodes(), (std::vector<int64_t>{0x41, 0x41}));
+}
+
+TEST_F(TrayIconTest, OnlyTheFirstPlainItemWithTheIdIsMarkedSecondary) {
+    SMenu twice;
+    twice.AppendItem(5, "first");
+    twice.AppendSubmenu("sub")->AppendItem(5, "second");
+    twice.AppendSeparator();
+    std::vector<STrayMenuItem> copy = STrayIcon::MirrorMenu(twice, 5);
+    EXPECT_TRUE(copy[0].secondary);
+    EXPECT_FALSE(copy[1].submenu[0].secondary);
+    // A submenu's item or a separator is never the one, whatever its ID.
+    SMenu holder;
+    holder.AppendSubmenu("sub")->AppendItem(7, "inner");
+    holder.GetItem(0).id = 6;
+    holder.AppendSeparator();
+    holder.GetItem(1).id = 8;
+    copy = STrayIcon::MirrorMenu(holder, 6);
+    EXPECT_FALSE(copy[0].secondary);
+    EXPECT_FALSE(STrayIcon::MirrorMenu(holder, 8)[1].secondary);
+    EXPECT_TRUE(STrayIcon::MirrorMenu(holder, 7)[0].submenu[0].secondary);
 }
 
 TEST_F(TrayIconTest, ReportsForADestroyedIconAreDropped) {

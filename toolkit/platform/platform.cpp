@@ -61,7 +61,8 @@ void SPlatform::DestroyHostedChild(HWND /*owner*/) {}
 
 bool STrayMenuItem::operator==(const STrayMenuItem& other) const {
     return id == other.id && text == other.text && separator == other.separator &&
-           checked == other.checked && disabled == other.disabled && submenu == other.submenu;
+           checked == other.checked && disabled == other.disabled && secondary == other.secondary &&
+           submenu == other.submenu;
 }
 
 bool SPlatform::AddTrayIcon(int /*tray*/, const SImage& /*icon*/, const char* /*iconName*/,

@@ -48,6 +48,8 @@ struct STrayMenuItem {
     bool separator = false;
     bool checked = false;
     bool disabled = false;
+    // The item a secondary activation picks (a middle click on the icon).
+    bool secondary = false;
     std::vector<STrayMenuItem> submenu;
 
     bool operator==(const STrayMenuItem& other) const;

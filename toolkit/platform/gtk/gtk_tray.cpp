@@ -1,9 +1,9 @@
 #include "toolkit/platform/gtk/gtk_tray.h"
 
+#include <X11/Xlib.h>
 #include <gdk/gdkx.h>
 #include <glib/gstdio.h>
 #include <gtk/gtk.h>
-#include <X11/Xlib.h>
 
 #include <map>
 #include <memory>
@@ -25,8 +25,7 @@ struct Tray {
     int id = 0;
 #ifdef MELKORA_HAVE_APPINDICATOR
     AppIndicator* indicator = nullptr;
-    GtkWidget* secondary = nullptr; // the item a host's SecondaryActivate activates
-    std::string iconFolder;         // the pictures written for the host, by name
+    std::string iconFolder; // the pictures written for the host, by name
     int iconSerial = 0;
 #endif
     GtkStatusIcon* status = nullptr;
@@ -51,8 +50,9 @@ GdkPixbuf* PixbufOf(const SImage& icon) {
     if (surface == nullptr) {
         return nullptr;
     }
-    GdkPixbuf* pixbuf = gdk_pixbuf_get_from_surface(surface, 0, 0, cairo_image_surface_get_width(surface),
-                                                    cairo_image_surface_get_height(surface));
+    GdkPixbuf* pixbuf =
+        gdk_pixbuf_get_from_surface(surface, 0, 0, cairo_image_surface_get_width(surface),
+                                    cairo_image_surface_get_height(surface));
     cairo_surface_destroy(surface);
     return pixbuf;
 }
@@ -89,7 +89,8 @@ void OnItemActivate(GtkMenuItem* item, gpointer data) {
     PlatformTrayCommand(GPOINTER_TO_INT(data), id);
 }
 
-GtkWidget* BuildMenu(int tray, const std::vector<STrayMenuItem>& items) {
+// The menu of the items; the item marked secondary, if any, in *secondary.
+GtkWidget* BuildMenu(int tray, const std::vector<STrayMenuItem>& items, GtkWidget** secondary) {
     GtkWidget* menu = gtk_menu_new();
     for (const STrayMenuItem& item : items) {
         GtkWidget* widget = nullptr;
@@ -105,11 +106,15 @@ GtkWidget* BuildMenu(int tray, const std::vector<STrayMenuItem>& items) {
         if (!item.separator) {
             gtk_widget_set_sensitive(widget, !item.disabled);
             if (!item.submenu.empty()) {
-                gtk_menu_item_set_submenu(GTK_MENU_ITEM(widget), BuildMenu(tray, item.submenu));
+                gtk_menu_item_set_submenu(GTK_MENU_ITEM(widget),
+                                          BuildMenu(tray, item.submenu, secondary));
             } else {
                 g_object_set_data(G_OBJECT(widget), "melkora-command", GINT_TO_POINTER(item.id));
                 g_signal_connect(widget, "activate", G_CALLBACK(OnItemActivate),
                                  GINT_TO_POINTER(tray));
+                if (item.secondary && !item.disabled && *secondary == nullptr) {
+                    *secondary = widget;
+                }
             }
         }
         gtk_menu_shell_append(GTK_MENU_SHELL(menu), widget);
@@ -149,7 +154,8 @@ void ShowStatusIcon(Tray* tray) {
 GtkStatusIcon* MakeStatusIcon(Tray* tray) {
     tray->status = gtk_status_icon_new();
     ShowStatusIcon(tray);
-    g_signal_connect(tray->status, "activate", G_CALLBACK(OnStatusActivate), GINT_TO_POINTER(tray->id));
+    g_signal_connect(tray->status, "activate", G_CALLBACK(OnStatusActivate),
+                     GINT_TO_POINTER(tray->id));
     g_signal_connect(tray->status, "popup-menu", G_CALLBACK(OnStatusPopupMenu),
                      GINT_TO_POINTER(tray->id));
     g_signal_connect(tray->status, "button-press-event", G_CALLBACK(OnStatusPress),
@@ -190,8 +196,8 @@ bool HasNotifierWatcher() {
     }
     GVariant* reply = g_dbus_connection_call_sync(
         connection, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-        "NameHasOwner", g_variant_new("(s)", "org.kde.StatusNotifierWatcher"), G_VARIANT_TYPE("(b)"),
-        G_DBUS_CALL_FLAGS_NONE, 1000, nullptr, nullptr);
+        "NameHasOwner", g_variant_new("(s)", "org.kde.StatusNotifierWatcher"),
+        G_VARIANT_TYPE("(b)"), G_DBUS_CALL_FLAGS_NONE, 1000, nullptr, nullptr);
     gboolean owned = FALSE;
     if (reply != nullptr) {
         g_variant_get(reply, "(b)", &owned);
@@ -221,10 +227,6 @@ void IndicatorUnfallback(AppIndicator* indicator, GtkStatusIcon*) {
     if (Tray* tray = FindByIndicator(indicator)) {
         DropStatusIcon(tray);
     }
-}
-
-void OnSecondaryActivate(GtkMenuItem*, gpointer data) {
-    PlatformTrayEvent(GPOINTER_TO_INT(data), STrayEvent::SECONDARY_ACTIVATE);
 }
 
 void RemoveIconFolder(Tray* tray) {
@@ -259,7 +261,8 @@ void ShowIndicatorIcon(Tray* tray) {
         g_free(folder);
         app_indicator_set_icon_theme_path(tray->indicator, tray->iconFolder.c_str());
     }
-    std::string old = tray->iconFolder + "/melkora-tray-" + std::to_string(tray->iconSerial) + ".png";
+    std::string old =
+        tray->iconFolder + "/melkora-tray-" + std::to_string(tray->iconSerial) + ".png";
     std::string name = "melkora-tray-" + std::to_string(++tray->iconSerial);
     std::string path = tray->iconFolder + "/" + name + ".png";
     if (gdk_pixbuf_save(tray->pixbuf, path.c_str(), "png", nullptr, nullptr)) {
@@ -273,7 +276,8 @@ bool MakeIndicator(Tray* tray) {
     klass->fallback = IndicatorFallback;
     klass->unfallback = IndicatorUnfallback;
     g_type_class_unref(klass);
-    std::string id = tray->id == 1 ? "melkora-browser" : "melkora-browser-" + std::to_string(tray->id);
+    std::string id =
+        tray->id == 1 ? "melkora-browser" : "melkora-browser-" + std::to_string(tray->id);
     tray->indicator = app_indicator_new(id.c_str(), "", APP_INDICATOR_CATEGORY_APPLICATION_STATUS);
     if (tray->indicator == nullptr) {
         return false;
@@ -281,16 +285,10 @@ bool MakeIndicator(Tray* tray) {
     ShowIndicatorIcon(tray);
     app_indicator_set_title(tray->indicator, tray->tip.c_str());
     // A menu from the start: a host shows no item without one.
-    tray->menu = BuildMenu(tray->id, {});
+    GtkWidget* secondary = nullptr;
+    tray->menu = BuildMenu(tray->id, {}, &secondary);
     g_object_ref_sink(tray->menu);
     app_indicator_set_menu(tray->indicator, GTK_MENU(tray->menu));
-    tray->secondary = gtk_menu_item_new();
-    g_object_ref_sink(tray->secondary);
-    gtk_widget_show(tray->secondary);
-    // Out of any menu, the item is activated as "activate-item".
-    g_signal_connect(tray->secondary, "activate-item", G_CALLBACK(OnSecondaryActivate),
-                     GINT_TO_POINTER(tray->id));
-    app_indicator_set_secondary_activate_target(tray->indicator, tray->secondary);
     app_indicator_set_status(tray->indicator, APP_INDICATOR_STATUS_ACTIVE);
     return true;
 }
@@ -310,12 +308,6 @@ void Destroy(Tray* tray) {
         app_indicator_set_status(tray->indicator, APP_INDICATOR_STATUS_PASSIVE);
         g_object_unref(tray->indicator); // the library drops its status icon by unfallback
         tray->indicator = nullptr;
-    }
-    if (tray->secondary != nullptr) {
-        g_signal_handlers_disconnect_by_data(tray->secondary, GINT_TO_POINTER(tray->id));
-        gtk_widget_destroy(tray->secondary);
-        g_object_unref(tray->secondary);
-        tray->secondary = nullptr;
     }
     RemoveIconFolder(tray);
 #endif
@@ -390,11 +382,15 @@ void GtkTraySetMenu(int id, const std::vector<STrayMenuItem>& items) {
     if (tray == nullptr) {
         return;
     }
-    GtkWidget* menu = BuildMenu(id, items);
+    GtkWidget* secondary = nullptr;
+    GtkWidget* menu = BuildMenu(id, items, &secondary);
     g_object_ref_sink(menu);
 #ifdef MELKORA_HAVE_APPINDICATOR
     if (tray->indicator != nullptr) {
+        // A host's SecondaryActivate (a middle click) activates this item,
+        // which must be a shown item of the menu in place.
         app_indicator_set_menu(tray->indicator, GTK_MENU(menu));
+        app_indicator_set_secondary_activate_target(tray->indicator, secondary);
     }
 #endif
     DropMenu(tray);
@@ -470,10 +466,104 @@ bool GtkTrayPretendXEmbedHost(bool on) {
     return gtk_selection_owner_set_for_display(display, manager, selection, GDK_CURRENT_TIME);
 }
 
+namespace {
+
+// The pretended watcher: the item that registered (its bus name and
+// object path) and the answers of the item to what the test asked.
+struct Watcher {
+    GDBusConnection* connection = nullptr;
+    std::string itemName;
+    std::string itemPath;
+    std::map<std::string, std::string> properties;
+};
+
+Watcher& TheWatcher() {
+    static Watcher watcher;
+    return watcher;
+}
+
+const char* WATCHER_XML =
+    "<node><interface name='org.kde.StatusNotifierWatcher'>"
+    "<method name='RegisterStatusNotifierItem'><arg type='s' direction='in'/></method>"
+    "<method name='RegisterStatusNotifierHost'><arg type='s' direction='in'/></method>"
+    "<property name='RegisteredStatusNotifierItems' type='as' access='read'/>"
+    "<property name='IsStatusNotifierHostRegistered' type='b' access='read'/>"
+    "<property name='ProtocolVersion' type='i' access='read'/>"
+    "<signal name='StatusNotifierItemRegistered'><arg type='s'/></signal>"
+    "</interface></node>";
+
+void OnWatcherCall(GDBusConnection*, const gchar* sender, const gchar*, const gchar*,
+                   const gchar* method, GVariant* parameters, GDBusMethodInvocation* invocation,
+                   gpointer) {
+    if (g_strcmp0(method, "RegisterStatusNotifierItem") == 0) {
+        const gchar* item = nullptr;
+        g_variant_get(parameters, "(&s)", &item);
+        // An item names its object path (its bus name is the sender's) or
+        // its bus name (its path is then the usual one).
+        Watcher& watcher = TheWatcher();
+        if (item != nullptr && item[0] == '/') {
+            watcher.itemName = sender != nullptr ? sender : "";
+            watcher.itemPath = item;
+        } else {
+            watcher.itemName = item != nullptr ? item : "";
+            watcher.itemPath = "/StatusNotifierItem";
+        }
+    }
+    g_dbus_method_invocation_return_value(invocation, nullptr);
+}
+
+GVariant* OnWatcherProperty(GDBusConnection*, const gchar*, const gchar*, const gchar*,
+                            const gchar* property, GError**, gpointer) {
+    if (g_strcmp0(property, "IsStatusNotifierHostRegistered") == 0) {
+        return g_variant_new_boolean(TRUE);
+    }
+    if (g_strcmp0(property, "ProtocolVersion") == 0) {
+        return g_variant_new_int32(0);
+    }
+    const gchar* none[] = {nullptr};
+    return g_variant_new_strv(none, 0);
+}
+
+void OnItemProperty(GObject* source, GAsyncResult* result, gpointer data) {
+    std::string* property = static_cast<std::string*>(data);
+    GVariant* reply = g_dbus_connection_call_finish(G_DBUS_CONNECTION(source), result, nullptr);
+    std::string value = "(no answer)";
+    if (reply != nullptr) {
+        GVariant* inner = nullptr;
+        g_variant_get(reply, "(v)", &inner);
+        if (inner != nullptr) {
+            if (g_variant_is_of_type(inner, G_VARIANT_TYPE_STRING) ||
+                g_variant_is_of_type(inner, G_VARIANT_TYPE_OBJECT_PATH)) {
+                value = g_variant_get_string(inner, nullptr);
+            }
+            g_variant_unref(inner);
+        }
+        g_variant_unref(reply);
+    }
+    TheWatcher().properties[*property] = value;
+    delete property;
+}
+
+} // namespace
+
 bool GtkTrayPretendNotifierWatcher() {
+    Watcher& watcher = TheWatcher();
+    if (watcher.connection != nullptr) {
+        return true;
+    }
     GDBusConnection* connection = g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr);
     if (connection == nullptr) {
         return false;
+    }
+    GDBusNodeInfo* node = g_dbus_node_info_new_for_xml(WATCHER_XML, nullptr);
+    static const GDBusInterfaceVTable vtable = {OnWatcherCall, OnWatcherProperty, nullptr, {}};
+    guint object = node != nullptr
+                       ? g_dbus_connection_register_object(connection, "/StatusNotifierWatcher",
+                                                           node->interfaces[0], &vtable, nullptr,
+                                                           nullptr, nullptr)
+                       : 0;
+    if (node != nullptr) {
+        g_dbus_node_info_unref(node);
     }
     // 4: DBUS_NAME_FLAG_DO_NOT_QUEUE; the answer 1 is "primary owner".
     GVariant* reply = g_dbus_connection_call_sync(
@@ -485,15 +575,53 @@ bool GtkTrayPretendNotifierWatcher() {
         g_variant_get(reply, "(u)", &answer);
         g_variant_unref(reply);
     }
+    if (object == 0 || answer != 1) {
+        g_object_unref(connection);
+        return false;
+    }
     // Kept for the rest of the process: the bus is shared only while someone
     // holds it, and the name goes with the connection.
-    static GDBusConnection* kept = nullptr;
-    if (kept == nullptr) {
-        kept = connection;
-    } else {
-        g_object_unref(connection);
+    watcher.connection = connection;
+    return true;
+}
+
+bool GtkTrayWatcherHasItem() {
+    return !TheWatcher().itemName.empty();
+}
+
+bool GtkTrayCallItem(const char* method) {
+    Watcher& watcher = TheWatcher();
+    if (watcher.connection == nullptr || watcher.itemName.empty()) {
+        return false;
     }
-    return answer == 1;
+    // Asynchronous: the item answers on this same thread's loop.
+    g_dbus_connection_call(watcher.connection, watcher.itemName.c_str(), watcher.itemPath.c_str(),
+                           "org.kde.StatusNotifierItem", method, g_variant_new("(ii)", 0, 0),
+                           nullptr, G_DBUS_CALL_FLAGS_NONE, 2000, nullptr, nullptr, nullptr);
+    return true;
+}
+
+bool GtkTrayAskItemProperty(const char* property) {
+    Watcher& watcher = TheWatcher();
+    if (watcher.connection == nullptr || watcher.itemName.empty()) {
+        return false;
+    }
+    watcher.properties.erase(property);
+    g_dbus_connection_call(watcher.connection, watcher.itemName.c_str(), watcher.itemPath.c_str(),
+                           "org.freedesktop.DBus.Properties", "Get",
+                           g_variant_new("(ss)", "org.kde.StatusNotifierItem", property),
+                           G_VARIANT_TYPE("(v)"), G_DBUS_CALL_FLAGS_NONE, 2000, nullptr,
+                           OnItemProperty, new std::string(property));
+    return true;
+}
+
+bool GtkTrayItemProperty(const char* property, SString* value) {
+    auto it = TheWatcher().properties.find(property);
+    if (it == TheWatcher().properties.end()) {
+        return false;
+    }
+    *value = it->second.c_str();
+    return true;
 }
 
 G_GNUC_END_IGNORE_DEPRECATIONS

@@ -25,8 +25,14 @@ int GtkTrayKind(int tray);
 // Takes (or gives up) the X selection of an XEmbed tray's manager, as a
 // panel with a tray does, so that a test sees the GtkStatusIcon chosen.
 bool GtkTrayPretendXEmbedHost(bool on);
-// Takes the name of a StatusNotifierItem watcher on the session bus, as a
-// desktop's host does (the watcher answers no call, so a library that
-// registers with it then gives up on it); false without a bus or when
-// another holds the name.
+// A StatusNotifierItem watcher on the session bus, as a desktop's panel
+// runs one, for the window tests: takes its name and answers its calls;
+// false without a bus or when another holds the name. Then: whether an
+// item registered, a call of the item's (Activate, SecondaryActivate, each
+// at 0, 0), and a string property of the item asked for and, once the
+// answer came (the loop runs meanwhile), read.
 bool GtkTrayPretendNotifierWatcher();
+bool GtkTrayWatcherHasItem();
+bool GtkTrayCallItem(const char* method);
+bool GtkTrayAskItemProperty(const char* property);
+bool GtkTrayItemProperty(const char* property, SString* value);

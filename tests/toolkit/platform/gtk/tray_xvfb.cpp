@@ -6,7 +6,10 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <cstring>
+#include <vector>
 
+#include "foundation/message_numbers.h"
 #include "toolkit/menu.h"
 #include "toolkit/platform/gtk/gtk_platform.h"
 #include "toolkit/platform/gtk/gtk_pump.h"
@@ -16,6 +19,24 @@
 #include "toolkit/wnd_app.h"
 
 namespace {
+
+// Notes the tray codes it hears.
+class TrayOwner : public SWnd {
+public:
+    std::vector<int64_t> codes;
+    std::vector<int> commands;
+    LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
+        if (message == SN_TRAY) {
+            codes.push_back(static_cast<int64_t>(lParam));
+            return 0;
+        }
+        if (message == WM_COMMAND) {
+            commands.push_back(static_cast<int>(wParam));
+            return 0;
+        }
+        return SWnd::OnMessage(message, wParam, lParam);
+    }
+};
 
 class GtkTray : public ::testing::Test {
 protected:
@@ -44,7 +65,7 @@ protected:
         auto until = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
         PumpUntil([&] { return std::chrono::steady_clock::now() > until; });
     }
-    SWnd owner;
+    TrayOwner owner;
     SImage icon;
     SMenu menu;
 };
@@ -90,10 +111,9 @@ TEST_F(GtkTray, AnXEmbedTrayGetsAStatusIcon) {
 }
 
 // On a private session bus (tray_host_xvfb in ctest, under
-// dbus-run-session) with a watcher's name taken: the icon is made a
-// StatusNotifierItem. The watcher answers nothing; whether the library
-// keeps waiting or gives up and asks for a GtkStatusIcon (which the
-// platform makes its own), the icon stays and every change goes through.
+// dbus-run-session) with a watcher answering as a panel's does: the icon
+// registers as a StatusNotifierItem, shows the tip as its title, and the
+// host's SecondaryActivate (a middle click) picks the secondary item.
 TEST_F(GtkTray, AWatcherOnTheBusGetsAStatusNotifierItem) {
     if (getenv("MELKORA_TEST_PRIVATE_BUS") == nullptr) {
         GTEST_SKIP() << "needs a private session bus (ctest runs it as tray_host_xvfb)";
@@ -104,17 +124,35 @@ TEST_F(GtkTray, AWatcherOnTheBusGetsAStatusNotifierItem) {
     ASSERT_TRUE(GtkTrayPretendNotifierWatcher());
     STrayIcon tray;
     tray.SetMenu(&menu);
+    tray.SetSecondaryItem(14);
     // No theme icon of that name: the picture is written for the host.
     ASSERT_TRUE(tray.Add(owner.GetHandle(), icon, "Melkora Browser", "melkora-no-such-icon"));
     EXPECT_TRUE(tray.IsShown());
     EXPECT_EQ(GtkTrayKind(tray.GetId()), 1);
-    Spin(500);
-    EXPECT_NE(GtkTrayKind(tray.GetId()), 0);
-    EXPECT_TRUE(tray.ChangeIcon(icon));
+    ASSERT_TRUE(PumpUntil([] { return GtkTrayWatcherHasItem(); }, 10)) << "the item registered";
+
+    SString value;
+    ASSERT_TRUE(GtkTrayAskItemProperty("Title"));
+    ASSERT_TRUE(PumpUntil([&] { return GtkTrayItemProperty("Title", &value); }));
+    EXPECT_EQ(value, "Melkora Browser");
+    ASSERT_TRUE(GtkTrayAskItemProperty("IconName"));
+    ASSERT_TRUE(PumpUntil([&] { return GtkTrayItemProperty("IconName", &value); }));
+    EXPECT_EQ(strncmp(value.c_str(), "melkora-tray-", 13), 0) << value.c_str();
+
+    ASSERT_TRUE(GtkTrayCallItem("SecondaryActivate"));
+    EXPECT_TRUE(PumpUntil([&] { return !owner.commands.empty(); }));
+    EXPECT_EQ(owner.commands, (std::vector<int>{14}));
+    EXPECT_TRUE(owner.codes.empty());
+
     EXPECT_TRUE(tray.ChangeTip("Playing"));
+    ASSERT_TRUE(GtkTrayAskItemProperty("Title"));
+    ASSERT_TRUE(PumpUntil([&] { return GtkTrayItemProperty("Title", &value); }));
+    EXPECT_EQ(value, "Playing");
+    EXPECT_TRUE(tray.ChangeIcon(icon));
     menu.FindItem(14)->text = "&Show Window";
     tray.UpdateMenu();
     Spin(100);
+    EXPECT_EQ(GtkTrayKind(tray.GetId()), 1) << "the watcher answered: no fallback";
     tray.Remove();
     EXPECT_EQ(GtkTrayKind(tray.GetId()), 0);
     Spin(100);
