@@ -6,6 +6,9 @@
 #                   threaded tests under ThreadSanitizer
 #   make fuzz       build the libFuzzer targets and run each for FUZZ_SECONDS
 #   make run        start the desktop program on a demo collection
+#   make install    build, then install under PREFIX (/usr/local), below DESTDIR
+#   make uninstall  remove what make install put there
+#   make deb        build the Debian package melkora_VERSION_ARCH.deb in build/
 
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
@@ -13,9 +16,12 @@ TSAN_BUILD ?= build-tsan
 FUZZ_BUILD ?= build-fuzz
 JOBS       ?= $(shell nproc)
 FUZZ_SECONDS ?= 300
+PREFIX     ?= /usr/local
+DESTDIR    ?=
 GENERATOR  := $(shell command -v ninja >/dev/null 2>&1 && echo "-G Ninja")
 
-.PHONY: all build deps test test-fast test-asan test-tsan fuzz fuzz-build run format clean
+.PHONY: all build deps test test-fast test-asan test-tsan fuzz fuzz-build run format clean \
+        install uninstall deb
 
 all: build
 
@@ -70,6 +76,17 @@ fuzz: fuzz-build
 run: deps
 	@echo "The desktop program arrives with its main window; 'make run' starts it from then on."
 	@echo "Until then: 'make' builds the libraries and 'make test' runs the suite."
+
+install: build
+	DESTDIR="$(DESTDIR)" cmake --install $(BUILD) --prefix "$(PREFIX)"
+
+uninstall:
+	DESTDIR="$(DESTDIR)" cmake -DMANIFEST=$(CURDIR)/$(BUILD)/install_manifest.txt \
+	    -P $(CURDIR)/cmake/Uninstall.cmake
+
+# The package holds the programs of the build, stripped.
+deb: build
+	@./scripts/make-deb.sh $(BUILD)
 
 format:
 	git ls-files '*.h' '*.cpp' | xargs clang-format -i

@@ -23,6 +23,10 @@ packages=(
     # the end-to-end tests drive the real program with real input under a
     # window manager, and take screenshots
     xdotool openbox imagemagick
+    # the tray icon as a StatusNotifierItem (optional at build time: without
+    # it the tray icon is a GtkStatusIcon); its test runs on a private
+    # session bus of dbus-run-session
+    libayatana-appindicator3-dev dbus-daemon
     # controls: the media player host on GStreamer (playbin, the codecs of
     # songs, videos and radio streams); gst-launch-1.0 makes the test media
     libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev gstreamer1.0-plugins-base
@@ -30,6 +34,10 @@ packages=(
     gstreamer1.0-libav gstreamer1.0-tools
     # controls: the web view on WebKitGTK (loads HTML and MHTML pages)
     libwebkit2gtk-4.1-dev
+    # installing: the desktop entry and the AppStream metainfo are validated
+    # by the tests; make deb reads the libraries with dpkg-shlibdeps and
+    # builds the package under fakeroot
+    desktop-file-utils appstream dpkg-dev fakeroot
 )
 
 # Benchmarks also make synthetic collections and compare with other tools

@@ -3,7 +3,8 @@
 // control's SWnd* as wParam; lParam holds, by the notification's kind,
 // nothing, a code, a mouse record (the point), a text or an item. A reader
 // of another kind than the message's gives null or 0, never a cast of the
-// wrong thing:
+// wrong thing (SN_TRAY, from the tray icon, which is no window, has a
+// null wParam):
 //
 //     SNotification note(message, wParam, lParam);
 //     if (note.Is(SN_MEDIA_MOUSE) && note.From(&coverCtrl)) {

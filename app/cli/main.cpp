@@ -42,6 +42,7 @@ constexpr const char* USAGE =
     "\n"
     "Options:\n"
     "  --help                          prints this text (or a job's usage)\n"
+    "  --version                       prints the program's version\n"
     "  --images \"A;B\"                  shared cover names (accepted by every job)\n";
 
 constexpr const char* STATS_USAGE = "usage: melkora-cli stats ROOT [--purge]\n";
@@ -210,6 +211,10 @@ int main(int argc, char** argv) {
     if (job == "--help" || job == "-h") {
         fputs(USAGE, stdout);
         PrintPagesUsage(stdout);
+        return EXIT_OK;
+    }
+    if (job == "--version") {
+        printf("melkora-cli %s\n", MELKORA_VERSION);
         return EXIT_OK;
     }
     // The jobs of the generated pages read their own arguments.

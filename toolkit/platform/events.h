@@ -7,6 +7,7 @@
 #include "foundation/message.h"
 
 class SStringArray;
+enum class STrayEvent;
 typedef struct _cairo cairo_t;
 
 // A mouse message (WM_MOUSEMOVE, WM_LBUTTONDOWN...) at a point, with the
@@ -51,3 +52,10 @@ void PlatformImPreedit(HWND top, const char* text, int caret);
 // A hosted child (SPlatform::HostChild) took the keyboard focus, as when
 // the user clicks into it: its owner becomes the thread's focus window.
 void PlatformHostedFocus(HWND owner);
+
+// The user activated the tray icon tray (SPlatform::AddTrayIcon) or asked
+// for its menu; its STrayIcon tells its owner (SN_TRAY).
+void PlatformTrayEvent(int tray, STrayEvent event);
+// The user picked the item id of the tray icon's menu as the platform
+// showed it: its owner gets WM_COMMAND with the ID, as from an SMenu.
+void PlatformTrayCommand(int tray, int id);

@@ -59,6 +59,29 @@ void SPlatform::FocusHostedChild(HWND /*owner*/, bool /*focus*/) {}
 
 void SPlatform::DestroyHostedChild(HWND /*owner*/) {}
 
+bool STrayMenuItem::operator==(const STrayMenuItem& other) const {
+    return id == other.id && text == other.text && separator == other.separator &&
+           checked == other.checked && disabled == other.disabled && secondary == other.secondary &&
+           submenu == other.submenu;
+}
+
+bool SPlatform::AddTrayIcon(int /*tray*/, const SImage& /*icon*/, const char* /*iconName*/,
+                            const char* /*tip*/) {
+    return false;
+}
+
+void SPlatform::SetTrayIcon(int /*tray*/, const SImage& /*icon*/, const char* /*iconName*/) {}
+
+void SPlatform::SetTrayTip(int /*tray*/, const char* /*tip*/) {}
+
+void SPlatform::SetTrayMenu(int /*tray*/, const std::vector<STrayMenuItem>& /*items*/) {}
+
+bool SPlatform::PopupTrayMenu(int /*tray*/) {
+    return false;
+}
+
+void SPlatform::RemoveTrayIcon(int /*tray*/) {}
+
 SPlatform* GetPlatform() {
     std::unique_ptr<SPlatform>& platform = Current();
     if (platform == nullptr) {

@@ -43,6 +43,28 @@ struct SChooserAnswer {
     int button = 0; // a message box's answer: IDOK, IDCANCEL, IDYES or IDNO
 };
 
+// One item of the tray icon's menu as the platform shows it: a copy of an
+// SMenu's item, its text with the mnemonic marked by "_" ("__" for a plain
+// underscore) as desktop menus mark it.
+struct STrayMenuItem {
+    int id = 0;
+    SString text;
+    bool separator = false;
+    bool checked = false;
+    bool disabled = false;
+    // The item a secondary activation picks (a middle click on the icon).
+    bool secondary = false;
+    std::vector<STrayMenuItem> submenu;
+
+    bool operator==(const STrayMenuItem& other) const;
+};
+
+// What the user did to a tray icon: activated it (a click, or the host's
+// Activate), activated it the other way (a middle click, the host's
+// SecondaryActivate), or asked for its menu where the platform leaves
+// showing it to the program.
+enum class STrayEvent { ACTIVATE, SECONDARY_ACTIVATE, CONTEXT_MENU };
+
 class SPlatform {
 public:
     virtual ~SPlatform();
@@ -152,6 +174,23 @@ public:
     // Gives the widget the keyboard focus, or gives it back to the surface.
     virtual void FocusHostedChild(HWND owner, bool focus);
     virtual void DestroyHostedChild(HWND owner);
+
+    // Tray icons, keyed by a number the toolkit gives each. AddTrayIcon
+    // shows an icon in the desktop's notification area: the picture, or
+    // the icon theme's iconName where the theme has it, with the tip. It
+    // gives false when the desktop has no notification area, which is no
+    // failure: the other calls then do nothing. The menu is the one the
+    // desktop shows itself (where the host shows the menu, as a
+    // StatusNotifierItem host does); PopupTrayMenu shows it at the pointer
+    // where the platform leaves that to the program, false when it cannot.
+    // What the user does comes back through PlatformTrayEvent and
+    // PlatformTrayCommand. The defaults have no notification area.
+    virtual bool AddTrayIcon(int tray, const SImage& icon, const char* iconName, const char* tip);
+    virtual void SetTrayIcon(int tray, const SImage& icon, const char* iconName);
+    virtual void SetTrayTip(int tray, const char* tip);
+    virtual void SetTrayMenu(int tray, const std::vector<STrayMenuItem>& items);
+    virtual bool PopupTrayMenu(int tray);
+    virtual void RemoveTrayIcon(int tray);
 };
 
 // The platform in use; the headless one until SetPlatform. The toolkit owns

@@ -17,6 +17,7 @@
 #include "toolkit/messages.h"
 #include "toolkit/platform/events.h"
 #include "toolkit/platform/gtk/gtk_theme.h"
+#include "toolkit/platform/gtk/gtk_tray.h"
 #include "toolkit/platform/platform.h"
 #include "toolkit/wnd.h"
 #include "toolkit/wnd_app.h"
@@ -608,6 +609,7 @@ void OnClipboardClear(GtkClipboard*, gpointer data) {
 class GtkPlatform : public SPlatform {
 public:
     ~GtkPlatform() override {
+        GtkTrayRemoveAll();
         if (toolTip.window != nullptr) {
             g_signal_handlers_disconnect_by_data(toolTip.window, &toolTip);
             gtk_widget_destroy(toolTip.window);
@@ -620,6 +622,19 @@ public:
             delete surface;
         }
     }
+
+    bool AddTrayIcon(int tray, const SImage& icon, const char* iconName, const char* tip) override {
+        return GtkTrayAdd(tray, icon, iconName, tip);
+    }
+    void SetTrayIcon(int tray, const SImage& icon, const char* iconName) override {
+        GtkTraySetIcon(tray, icon, iconName);
+    }
+    void SetTrayTip(int tray, const char* tip) override { GtkTraySetTip(tray, tip); }
+    void SetTrayMenu(int tray, const std::vector<STrayMenuItem>& items) override {
+        GtkTraySetMenu(tray, items);
+    }
+    bool PopupTrayMenu(int tray) override { return GtkTrayPopupMenu(tray); }
+    void RemoveTrayIcon(int tray) override { GtkTrayRemove(tray); }
 
     Surface* Find(HWND hwnd) {
         auto it = surfaces.find(hwnd);

@@ -533,3 +533,94 @@ bool SHeadlessPlatform::GetHostedChild(HWND owner, HostedChild* child) const {
     *child = it->second;
     return true;
 }
+
+bool SHeadlessPlatform::AddTrayIcon(int tray, const SImage& icon, const char* iconName,
+                                    const char* tip) {
+    std::lock_guard<std::mutex> lock(mutex);
+    if (!trayAvailable) {
+        return false;
+    }
+    TrayIcon& record = trayIcons[tray];
+    record.icon.Empty();
+    record.icon.CopyFrom(&icon);
+    record.iconName = iconName != nullptr ? iconName : "";
+    record.tip = tip != nullptr ? tip : "";
+    return true;
+}
+
+void SHeadlessPlatform::SetTrayIcon(int tray, const SImage& icon, const char* iconName) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = trayIcons.find(tray);
+    if (it != trayIcons.end()) {
+        it->second.icon.Empty();
+        it->second.icon.CopyFrom(&icon);
+        it->second.iconName = iconName != nullptr ? iconName : "";
+    }
+}
+
+void SHeadlessPlatform::SetTrayTip(int tray, const char* tip) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = trayIcons.find(tray);
+    if (it != trayIcons.end()) {
+        it->second.tip = tip != nullptr ? tip : "";
+    }
+}
+
+void SHeadlessPlatform::SetTrayMenu(int tray, const std::vector<STrayMenuItem>& items) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = trayIcons.find(tray);
+    if (it != trayIcons.end()) {
+        it->second.menu = items;
+        ++it->second.menuUpdates;
+    }
+}
+
+bool SHeadlessPlatform::PopupTrayMenu(int tray) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = trayIcons.find(tray);
+    if (it == trayIcons.end() || !trayPopupAvailable) {
+        return false;
+    }
+    ++it->second.popups;
+    return true;
+}
+
+void SHeadlessPlatform::RemoveTrayIcon(int tray) {
+    std::lock_guard<std::mutex> lock(mutex);
+    trayIcons.erase(tray);
+}
+
+void SHeadlessPlatform::SetTrayAvailable(bool available) {
+    std::lock_guard<std::mutex> lock(mutex);
+    trayAvailable = available;
+}
+
+void SHeadlessPlatform::SetTrayPopupAvailable(bool available) {
+    std::lock_guard<std::mutex> lock(mutex);
+    trayPopupAvailable = available;
+}
+
+bool SHeadlessPlatform::GetTrayIcon(int tray, TrayIcon* icon) const {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto it = trayIcons.find(tray);
+    if (it == trayIcons.end()) {
+        return false;
+    }
+    icon->icon.CopyFrom(&it->second.icon);
+    icon->iconName = it->second.iconName;
+    icon->tip = it->second.tip;
+    icon->menu = it->second.menu;
+    icon->menuUpdates = it->second.menuUpdates;
+    icon->popups = it->second.popups;
+    return true;
+}
+
+void SHeadlessPlatform::TrayAction(int tray, STrayEvent event) {
+    PlatformTrayEvent(tray, event);
+    DispatchPending();
+}
+
+void SHeadlessPlatform::TrayPick(int tray, int id) {
+    PlatformTrayCommand(tray, id);
+    DispatchPending();
+}

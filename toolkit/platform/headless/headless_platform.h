@@ -49,6 +49,16 @@ public:
         int moves = 0; // how many times it was placed
     };
 
+    // A tray icon as the platform holds it.
+    struct TrayIcon {
+        SImage icon;
+        SString iconName;
+        SString tip;
+        std::vector<STrayMenuItem> menu;
+        int menuUpdates = 0; // how many times the menu was given
+        int popups = 0;      // how many times PopupTrayMenu showed it
+    };
+
     SHeadlessPlatform();
     ~SHeadlessPlatform() override;
 
@@ -89,6 +99,24 @@ public:
     void ShowHostedChild(HWND owner, bool show) override;
     void FocusHostedChild(HWND owner, bool focus) override;
     void DestroyHostedChild(HWND owner) override;
+    // Tray icons: recorded while the desktop has a notification area
+    // (SetTrayAvailable, on at first); without one, AddTrayIcon gives false.
+    bool AddTrayIcon(int tray, const SImage& icon, const char* iconName, const char* tip) override;
+    void SetTrayIcon(int tray, const SImage& icon, const char* iconName) override;
+    void SetTrayTip(int tray, const char* tip) override;
+    void SetTrayMenu(int tray, const std::vector<STrayMenuItem>& items) override;
+    bool PopupTrayMenu(int tray) override;
+    void RemoveTrayIcon(int tray) override;
+    void SetTrayAvailable(bool available);
+    // Whether the platform shows the menu for PopupTrayMenu (on at first);
+    // off, as a platform that leaves it to the program.
+    void SetTrayPopupAvailable(bool available);
+    // A copy of the tray icon's record; false when it is not shown.
+    bool GetTrayIcon(int tray, TrayIcon* icon) const;
+    // The user: an event on the icon, a pick in its menu; both dispatch
+    // the queue.
+    void TrayAction(int tray, STrayEvent event);
+    void TrayPick(int tray, int id);
     // A copy of the hosted child over owner; false when there is none.
     bool GetHostedChild(HWND owner, HostedChild* child) const;
 
@@ -170,4 +198,7 @@ private:
     std::deque<SChooserAnswer> chooserAnswers;
     std::vector<SChooserRequest> chooserRequests;
     std::map<HWND, HostedChild> hostedChildren;
+    std::map<int, TrayIcon> trayIcons;
+    bool trayAvailable = true;
+    bool trayPopupAvailable = true;
 };

@@ -1,0 +1,40 @@
+# Removes what `make install` put in place: every file of the manifest
+# (run with -DMANIFEST=...; DESTDIR from the environment, as at install),
+# then each folder above them that is left empty, up to the folders that
+# other programs share (bin, share, share/applications and the like).
+cmake_minimum_required(VERSION 3.20)
+
+if(NOT EXISTS "${MANIFEST}")
+    message(FATAL_ERROR "Nothing to uninstall: ${MANIFEST} is missing (run make install first)")
+endif()
+file(STRINGS "${MANIFEST}" installed)
+set(destdir "$ENV{DESTDIR}")
+set(folders "")
+foreach(path IN LISTS installed)
+    set(file "${destdir}${path}")
+    if(EXISTS "${file}" OR IS_SYMLINK "${file}")
+        message(STATUS "Removing ${file}")
+        file(REMOVE "${file}")
+    endif()
+    get_filename_component(folder "${file}" DIRECTORY)
+    list(APPEND folders "${folder}")
+endforeach()
+
+# Folders shared with other programs stay, even when empty.
+set(shared_names bin share applications metainfo man man1 icons hicolor mime packages)
+list(REMOVE_DUPLICATES folders)
+foreach(folder IN LISTS folders)
+    while(IS_DIRECTORY "${folder}")
+        get_filename_component(name "${folder}" NAME)
+        if(name IN_LIST shared_names)
+            break()
+        endif()
+        file(GLOB left "${folder}/*" "${folder}/.*")
+        if(left)
+            break()
+        endif()
+        message(STATUS "Removing ${folder}/")
+        file(REMOVE_RECURSE "${folder}")
+        get_filename_component(folder "${folder}" DIRECTORY)
+    endwhile()
+endforeach()
