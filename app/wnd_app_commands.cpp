@@ -137,6 +137,14 @@ LRESULT PWndApp::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
         case SN_TOOLBAR_COMMAND:
             OnCommand(static_cast<int>(note.Code()));
             return 0;
+        case SN_TRAY:
+            if (note.Code() == 0x14) {
+                UpdateTrayMenu();
+                tray.ShowMenu();
+            } else if (note.Code() == 0x41) {
+                ToggleWindow(false);
+            }
+            return 0;
         case SN_SCROLL_FORWARD:
             if (note.From(&volume)) {
                 media.SetVolume(VolumeFromSlider(volume.GetValue()));
@@ -419,6 +427,18 @@ void PWndApp::BuildMenus() {
     trayMenu.AppendItem(CMD_HIDE, "Hide Window");
     trayMenu.AppendSeparator();
     trayMenu.AppendItem(CMD_QUIT, "Quit");
+}
+
+void PWndApp::UpdateTrayMenu() {
+    SMenuItem* item = trayMenu.FindItem(CMD_HIDE);
+    if (item != nullptr) {
+        item->text = IsVisible() ? "Hide Window" : "Show Window";
+    }
+    // The transport follows the toolbar's buttons.
+    for (int id : {CMD_PREVIOUS, CMD_NEXT, CMD_PAUSE, CMD_STOP}) {
+        trayMenu.EnableItem(id, toolBar.IsButtonEnabled(id));
+    }
+    tray.UpdateMenu();
 }
 
 void PWndApp::BuildSendToMenu() {

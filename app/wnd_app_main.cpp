@@ -223,6 +223,11 @@ void PWndApp::BuildControls() {
     CenterOnParent(false);
     SetBackColor(GetSysColor(SYS_COLOR_BTNFACE));
     BuildMenus();
+    SImage icon;
+    icon.LoadResource("BINARY", RESOURCE_ICON_LARGE);
+    tray.Add(GetHandle(), icon, SString(PROGRAM_TITLE), "melkora-browser");
+    tray.SetMenu(&trayMenu);
+    tray.SetSecondaryItem(CMD_HIDE);
 
     SRect none{0, 0, 10, 10};
     HWND self = GetHandle();
@@ -372,6 +377,7 @@ void PWndApp::UpdateTransportButtons(bool playing, int count) {
     toolBar.EnableButton(CMD_NEXT, playing && count > 1);
     toolBar.EnableButton(CMD_PAUSE, playing);
     toolBar.EnableButton(CMD_STOP, playing);
+    UpdateTrayMenu();
 }
 
 void PWndApp::Layout() {
@@ -759,11 +765,10 @@ bool PWndApp::ToggleWindow(bool keepVisible) {
     if (!IsVisible()) {
         Show(SW_SHOW);
         FocusView();
-        return true;
-    }
-    if (!keepVisible) {
+    } else if (!keepVisible) {
         Show(SW_HIDE);
     }
+    UpdateTrayMenu();
     return true;
 }
 
@@ -775,6 +780,7 @@ void PWndApp::HideMainWindow() {
     if (IsVisible()) {
         Show(SW_HIDE);
     }
+    UpdateTrayMenu();
 }
 
 // Settings and closing.

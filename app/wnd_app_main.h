@@ -27,6 +27,7 @@
 #include "toolkit/menu.h"
 #include "toolkit/range_ctrls.h"
 #include "toolkit/toolbar_ctrl.h"
+#include "toolkit/tray_icon.h"
 #include "toolkit/wnd.h"
 
 class PWndApp;
@@ -206,6 +207,7 @@ private:
     void BuildToolbarButtons();
     void BuildMenus();
     void BuildSendToMenu();
+    void UpdateTrayMenu();
     void Layout();
     void LayoutStatusBar();
     void LayoutPanes();
@@ -267,6 +269,7 @@ private:
     SMenu trackMenu;
     SMenu sendToMenu; // owned by trackMenu as its submenu; this is the source
     bool autoHideAfterPlay = false;
+    STrayIcon tray;
     SControlBarCtrl controlBar;
     SToolBarCtrl toolBar;
     SStatusBarCtrl statusBar;

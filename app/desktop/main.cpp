@@ -17,11 +17,12 @@
 namespace {
 
 constexpr const char* USAGE =
-    "usage: melkora [--root DIR] [--hide | /HIDE]\n"
+    "usage: melkora [--root DIR | DIR] [--hide | /HIDE]\n"
     "\n"
     "Options:\n"
     "  --root DIR     uses DIR as the collection's root folder (stored as the\n"
-    "                 \"Folder\" preference, as choosing it there would)\n"
+    "                 \"Folder\" preference, as choosing it there would);\n"
+    "                 a folder given alone does the same\n"
     "  --hide, /HIDE  starts with the window hidden\n"
     "  --help         prints this text\n"
     "  --version      prints the program's version\n"
@@ -53,6 +54,9 @@ int ReadOptions(int argc, char** argv, Options* options) {
             options->hide = true;
         } else if (strcmp(argument, "--root") == 0 && i + 1 < argc) {
             options->root = argv[++i];
+        } else if (argument[0] != '-' && options->root.empty()) {
+            // A folder given alone (a file manager's "Open with") is the root.
+            options->root = argument;
         } else {
             fprintf(stderr, "melkora: unknown argument \"%s\"\n", argument);
             fputs(USAGE, stderr);
