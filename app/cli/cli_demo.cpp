@@ -73,7 +73,7 @@ const std::vector<DemoGenre>& Genres() {
             ". #title Night Drive#, their first", ". #title Static Bloom#",
             "\t. recorded in one afternoon", "\t. mixed in another",
             ". #title Live at the Harbor Hall#, on video", "{See also}",
-            "On tour with #name Mira Vale@Rock\\Mira Vale#."},
+            "On tour with #name Mira Vale@Rock/Mira Vale#."},
            {{"Night Drive", "ogg", COVER_RINGS,
              {{"01 Headlights", Tune(INSTRUMENT_SQUARE, BACKING_BAND, 64, true, 132, 5.0, 11)},
               {"02 Neon Rain", Tune(INSTRUMENT_SAW, BACKING_BAND, 62, false, 120, 4.5, 12)}}},

@@ -172,22 +172,38 @@ TEST_F(DemoCollection, DescriptionsUseTheMarksAndLinkTheCollectionsFolders) {
     EXPECT_TRUE(hasHeading);
     EXPECT_TRUE(hasNestedBullet);
 
+    // Every link of every description leads to a folder of the collection.
     PKnownFolders known;
     ASSERT_TRUE(known.Load(root.c_str()));
-    SString description;
-    ASSERT_TRUE(ReadDescriptionFile((root + "/Rock.txt").c_str(), description));
-    std::string text = description.c_str();
     std::string html;
-    for (size_t start = 0; start <= text.size();) {
-        size_t end = text.find("\r\n", start);
-        end = end == std::string::npos ? text.size() : end;
-        html += ConvertDescriptionLine(SString(text.substr(start, end - start).c_str()), &known).c_str();
-        start = end + 2;
+    int links = 0;
+    for (const fs::path& path : texts) {
+        SString description;
+        ASSERT_TRUE(ReadDescriptionFile(path.c_str(), description));
+        std::string text = description.c_str();
+        for (size_t start = 0; start <= text.size();) {
+            size_t end = text.find("\r\n", start);
+            end = end == std::string::npos ? text.size() : end;
+            std::string line =
+                ConvertDescriptionLine(SString(text.substr(start, end - start).c_str()), &known).c_str();
+            for (size_t href = line.find("href=\""); href != std::string::npos;
+                 href = line.find("href=\"", href + 1)) {
+                size_t close = line.find(".link\"", href);
+                ASSERT_NE(close, std::string::npos) << line;
+                std::string folder = root + "/" + line.substr(href + 6, close - href - 6);
+                EXPECT_TRUE(fs::is_directory(folder)) << path << ": " << line;
+                ++links;
+            }
+            html += line;
+            start = end + 2;
+        }
     }
-    EXPECT_NE(html.find("<a href=\"Rock/Mira Vale.link\" class=txtName>Mira Vale</a>"), std::string::npos)
-        << html;
+    EXPECT_GE(links, 10);
     EXPECT_NE(html.find("<font class=txtGenre>Rock</font>"), std::string::npos) << html;
-    EXPECT_NE(html.find(DESCRIPTION_BULLET), std::string::npos) << html;
+    EXPECT_NE(html.find("<font class=txtQuote>"), std::string::npos) << html;
+    EXPECT_NE(html.find("<div class=txtTab><div class=txtTab>" + std::string(DESCRIPTION_BULLET)),
+              std::string::npos)
+        << html;
 }
 
 TEST_F(DemoCollection, ArtistsCarryASiteLinkAndTracksTheirTexts) {
