@@ -1,6 +1,6 @@
 // melkora-cli demo: the collection that `make run` opens. The job runs once
-// for the whole suite (it encodes about twenty files), and each case reads
-// what it made through the program's own readers.
+// (it encodes about twenty files), and each check reads what it made
+// through the program's own readers.
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
@@ -57,47 +57,28 @@ bool IsSong(const fs::path& path) {
     return extension == ".ogg" || extension == ".mp3" || extension == ".flac" || extension == ".wav";
 }
 
-class DemoCollection : public ::testing::Test {
-protected:
-    // The job runs into an empty folder that exists already: the one case
-    // of a folder that is there and still taken.
-    static void SetUpTestSuite() {
-        dir = std::make_unique<TempDir>();
-        root = dir->MakeFolder("collection");
-        job = RunDemoCli(*dir, "demo " + Quoted(root));
-    }
-    static void TearDownTestSuite() { dir.reset(); }
-
-    void SetUp() override {
-        ASSERT_EQ(job.status, 0) << job.err;
-        EXPECT_EQ(job.out, "");
-        EXPECT_EQ(job.err, "");
-    }
-
-    static std::vector<fs::path> Files(bool (*wanted)(const fs::path&)) {
-        std::vector<fs::path> found;
-        for (const auto& entry : fs::recursive_directory_iterator(root)) {
-            if (entry.is_regular_file() && wanted(entry.path())) {
-                found.push_back(entry.path());
-            }
-        }
-        return found;
-    }
-
-    static std::unique_ptr<TempDir> dir;
-    static std::string root;
-    static DemoRun job;
+// The collection of the one run, shared by the checks below.
+struct Demo {
+    std::unique_ptr<TempDir> dir;
+    std::string root;
 };
+Demo demo;
 
-std::unique_ptr<TempDir> DemoCollection::dir;
-std::string DemoCollection::root;
-DemoRun DemoCollection::job;
+std::vector<fs::path> Files(bool (*wanted)(const fs::path&)) {
+    std::vector<fs::path> found;
+    for (const auto& entry : fs::recursive_directory_iterator(demo.root)) {
+        if (entry.is_regular_file() && wanted(entry.path())) {
+            found.push_back(entry.path());
+        }
+    }
+    return found;
+}
 
-TEST_F(DemoCollection, EveryFolderHasItsCoverAndEveryArtistItsTexts) {
+void EveryFolderHasItsCoverAndEveryArtistItsTexts() {
     int genres = 0;
     int artists = 0;
     int albums = 0;
-    for (auto entry = fs::recursive_directory_iterator(root); entry != fs::recursive_directory_iterator();
+    for (auto entry = fs::recursive_directory_iterator(demo.root); entry != fs::recursive_directory_iterator();
          ++entry) {
         if (!entry->is_directory() || entry->path().filename() == "Playlists") {
             continue;
@@ -127,7 +108,7 @@ TEST_F(DemoCollection, EveryFolderHasItsCoverAndEveryArtistItsTexts) {
     EXPECT_GE(albums, artists);
 }
 
-TEST_F(DemoCollection, CoversDecodeAt150SquareAndEachIsItsOwn) {
+void CoversDecodeAt150SquareAndEachIsItsOwn() {
     std::vector<fs::path> covers = Files([](const fs::path& path) { return path.extension() == ".png"; });
     ASSERT_GE(covers.size(), 15u);
     std::set<std::string> contents;
@@ -143,14 +124,14 @@ TEST_F(DemoCollection, CoversDecodeAt150SquareAndEachIsItsOwn) {
     EXPECT_EQ(contents.size(), covers.size()) << "two covers are the same picture";
     // The program finds them as its own covers.
     PCovers finder;
-    finder.SetRoot((root + "/").c_str());
-    EXPECT_EQ(std::string(finder.FindCover((root + "/Jazz/Odile Marsh/Velvet Hours/").c_str()).c_str()),
-              root + "/Jazz/Odile Marsh/Velvet Hours.png");
+    finder.SetRoot((demo.root + "/").c_str());
+    EXPECT_EQ(std::string(finder.FindCover((demo.root + "/Jazz/Odile Marsh/Velvet Hours/").c_str()).c_str()),
+              demo.root + "/Jazz/Odile Marsh/Velvet Hours.png");
 }
 
 // Descriptions: lines joined by CR LF with none after the last; their marks
 // turn into the page's links to the collection's own folders.
-TEST_F(DemoCollection, DescriptionsUseTheMarksAndLinkTheCollectionsFolders) {
+void DescriptionsUseTheMarksAndLinkTheCollectionsFolders() {
     std::vector<fs::path> texts = Files([](const fs::path& path) {
         return path.extension() == ".txt" && fs::is_directory(path.parent_path() / path.stem());
     });
@@ -174,7 +155,7 @@ TEST_F(DemoCollection, DescriptionsUseTheMarksAndLinkTheCollectionsFolders) {
 
     // Every link of every description leads to a folder of the collection.
     PKnownFolders known;
-    ASSERT_TRUE(known.Load(root.c_str()));
+    ASSERT_TRUE(known.Load(demo.root.c_str()));
     std::string html;
     int links = 0;
     for (const fs::path& path : texts) {
@@ -190,7 +171,7 @@ TEST_F(DemoCollection, DescriptionsUseTheMarksAndLinkTheCollectionsFolders) {
                  href = line.find("href=\"", href + 1)) {
                 size_t close = line.find(".link\"", href);
                 ASSERT_NE(close, std::string::npos) << line;
-                std::string folder = root + "/" + line.substr(href + 6, close - href - 6);
+                std::string folder = demo.root + "/" + line.substr(href + 6, close - href - 6);
                 EXPECT_TRUE(fs::is_directory(folder)) << path << ": " << line;
                 ++links;
             }
@@ -206,8 +187,8 @@ TEST_F(DemoCollection, DescriptionsUseTheMarksAndLinkTheCollectionsFolders) {
         << html;
 }
 
-TEST_F(DemoCollection, ArtistsCarryASiteLinkAndTracksTheirTexts) {
-    SString caption = ComposeCoverCaption((root + "/Rock/The Copper Lanterns/").c_str());
+void ArtistsCarryASiteLinkAndTracksTheirTexts() {
+    SString caption = ComposeCoverCaption((demo.root + "/Rock/The Copper Lanterns/").c_str());
     EXPECT_STREQ(caption.c_str(),
                  "The Copper Lanterns\n\n<link>example.com/copper-lanterns</link>");
     std::vector<fs::path> trackTexts = Files([](const fs::path& path) {
@@ -225,13 +206,13 @@ TEST_F(DemoCollection, ArtistsCarryASiteLinkAndTracksTheirTexts) {
 
 // The playlist: every entry ends with CR LF, names a file of the collection
 // with "\" separators, and the playlist panel's store reads it.
-TEST_F(DemoCollection, PlaylistNamesFilesOfTheCollection) {
-    std::string bytes = TempDir::Read(root + "/Playlists/Favourites.lst");
+void PlaylistNamesFilesOfTheCollection() {
+    std::string bytes = TempDir::Read(demo.root + "/Playlists/Favourites.lst");
     ASSERT_GE(bytes.size(), 2u);
     EXPECT_EQ(bytes.substr(bytes.size() - 2), "\r\n");
     EXPECT_EQ(bytes.find('/'), std::string::npos);
     PPlaylistStore store;
-    store.SetRoot((root + "/").c_str());
+    store.SetRoot((demo.root + "/").c_str());
     ASSERT_TRUE(store.RefreshPlaylists(false));
     ASSERT_TRUE(store.SelectPlaylist("Favourites"));
     ASSERT_TRUE(store.LoadPlaylist());
@@ -247,7 +228,7 @@ TEST_F(DemoCollection, PlaylistNamesFilesOfTheCollection) {
 
 // Each song opens as the player opens it, with one sound stream of three to
 // six seconds; the video has a picture and a sound of three.
-TEST_F(DemoCollection, SongsAndTheVideoOpenWithTheirLengths) {
+void SongsAndTheVideoOpenWithTheirLengths() {
     std::vector<fs::path> songs = Files(IsSong);
     ASSERT_GE(songs.size(), 12u);
     std::set<std::string> extensions;
@@ -273,14 +254,44 @@ TEST_F(DemoCollection, SongsAndTheVideoOpenWithTheirLengths) {
 }
 
 // The program's own player plays the video to its end.
-TEST_F(DemoCollection, TheProgramsPlayerPlaysTheVideo) {
+void TheProgramsPlayerPlaysTheVideo() {
     std::vector<fs::path> videos =
         Files([](const fs::path& path) { return path.extension() == ".mkv"; });
     ASSERT_EQ(videos.size(), 1u);
     std::string video = videos[0].string();
-    DemoRun play = RunDemoCli(*dir, "play " + Quoted(video) + " --sink fake");
+    DemoRun play = RunDemoCli(*demo.dir, "play " + Quoted(video) + " --sink fake");
     EXPECT_EQ(play.status, 0) << play.err;
     EXPECT_EQ(play.out, "open " + video + "\nend " + video + "\nstop\n");
+}
+
+// One run of the job makes the collection that every check reads; it runs
+// into an empty folder that exists already, the one case of a folder that
+// is there and still taken.
+TEST(DemoJob, MakesACollectionTheProgramShowsAndPlays) {
+    demo.dir = std::make_unique<TempDir>();
+    demo.root = demo.dir->MakeFolder("collection");
+    DemoRun job = RunDemoCli(*demo.dir, "demo " + Quoted(demo.root));
+    ASSERT_EQ(job.status, 0) << job.err;
+    EXPECT_EQ(job.out, "");
+    EXPECT_EQ(job.err, "");
+    const struct {
+        const char* name;
+        void (*check)();
+    } checks[] = {
+        {"EveryFolderHasItsCoverAndEveryArtistItsTexts", EveryFolderHasItsCoverAndEveryArtistItsTexts},
+        {"CoversDecodeAt150SquareAndEachIsItsOwn", CoversDecodeAt150SquareAndEachIsItsOwn},
+        {"DescriptionsUseTheMarksAndLinkTheCollectionsFolders",
+         DescriptionsUseTheMarksAndLinkTheCollectionsFolders},
+        {"ArtistsCarryASiteLinkAndTracksTheirTexts", ArtistsCarryASiteLinkAndTracksTheirTexts},
+        {"PlaylistNamesFilesOfTheCollection", PlaylistNamesFilesOfTheCollection},
+        {"SongsAndTheVideoOpenWithTheirLengths", SongsAndTheVideoOpenWithTheirLengths},
+        {"TheProgramsPlayerPlaysTheVideo", TheProgramsPlayerPlaysTheVideo},
+    };
+    for (const auto& check : checks) {
+        SCOPED_TRACE(check.name);
+        check.check();
+    }
+    demo.dir.reset();
 }
 
 // What the job refuses, and that it leaves a refused folder as it was.
