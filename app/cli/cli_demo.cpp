@@ -349,13 +349,22 @@ int RunDemoJob(int argc, char** argv) {
             return 0;
         }
     }
-    if (argc != 1 || strncmp(argv[0], "--", 2) == 0) {
+    // The shared cover names, which every job accepts, play no part here.
+    std::vector<const char*> positional;
+    for (int i = 0; i < argc; ++i) {
+        if (strcmp(argv[i], "--images") == 0 && i + 1 < argc) {
+            ++i;
+        } else {
+            positional.push_back(argv[i]);
+        }
+    }
+    if (positional.size() != 1 || strncmp(positional[0], "--", 2) == 0) {
         fputs(DEMO_USAGE, stderr);
         return 2;
     }
     std::string root;
     std::string reason;
-    if (!PrepareRoot(argv[0], root, reason) || !MakeTree(root, reason) ||
+    if (!PrepareRoot(positional[0], root, reason) || !MakeTree(root, reason) ||
         !MakeExtras(root, reason)) {
         return Fail(reason);
     }

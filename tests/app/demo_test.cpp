@@ -19,6 +19,7 @@
 #include "foundation/image.h"
 #include "library/metadata.h"
 #include "library/playlist.h"
+#include "library/statistics.h"
 #include "pages/description.h"
 #include "support/temp_dir.h"
 
@@ -253,6 +254,13 @@ void SongsAndTheVideoOpenWithTheirLengths() {
     EXPECT_NEAR(double(info.durationMs), 3000.0, 100.0);
 }
 
+// Every song and the video are of kinds the program counts and plays.
+void TheProgramCountsEverySongAndTheVideo() {
+    PStatsTable table = CountLibrary(demo.root.c_str());
+    std::string expected = std::to_string(Files(IsSong).size()) + " songs, 1 video, 0 radio";
+    EXPECT_EQ(std::string(table.FormatTotals().c_str()), expected);
+}
+
 // The program's own player plays the video to its end.
 void TheProgramsPlayerPlaysTheVideo() {
     std::vector<fs::path> videos =
@@ -285,6 +293,7 @@ TEST(DemoJob, MakesACollectionTheProgramShowsAndPlays) {
         {"ArtistsCarryASiteLinkAndTracksTheirTexts", ArtistsCarryASiteLinkAndTracksTheirTexts},
         {"PlaylistNamesFilesOfTheCollection", PlaylistNamesFilesOfTheCollection},
         {"SongsAndTheVideoOpenWithTheirLengths", SongsAndTheVideoOpenWithTheirLengths},
+        {"TheProgramCountsEverySongAndTheVideo", TheProgramCountsEverySongAndTheVideo},
         {"TheProgramsPlayerPlaysTheVideo", TheProgramsPlayerPlaysTheVideo},
     };
     for (const auto& check : checks) {
@@ -311,6 +320,9 @@ TEST(DemoJob, RefusesWhatItMustNotFill) {
         {"demo a b", 2, "usage: melkora-cli demo DIR"},
         {"demo --force", 2, "usage: melkora-cli demo DIR"},
         {"demo --help", 0, ""},
+        // The shared cover names every job takes change nothing here.
+        {"demo --images 'A;B' " + Quoted(dir / "full"), 1, "melkora-cli: the folder is not empty: "},
+        {"demo --images", 2, "usage: melkora-cli demo DIR"},
     };
     TempDir scratch;
     for (const Case& c : cases) {
