@@ -51,12 +51,18 @@ Rgb FromHsv(double hue, double saturation, double value) {
     double q = value * (1 - saturation * f);
     double t = value * (1 - saturation * (1 - f));
     switch (sector) {
-    case 0: return {value, t, p};
-    case 1: return {q, value, p};
-    case 2: return {p, value, t};
-    case 3: return {p, q, value};
-    case 4: return {t, p, value};
-    default: return {value, p, q};
+    case 0:
+        return {value, t, p};
+    case 1:
+        return {q, value, p};
+    case 2:
+        return {p, value, t};
+    case 3:
+        return {p, q, value};
+    case 4:
+        return {t, p, value};
+    default:
+        return {value, p, q};
     }
 }
 
@@ -284,8 +290,8 @@ bool WriteDemoCover(const char* path, const char* title, int style, double hue, 
     cairo_destroy(cr);
     cairo_surface_flush(surface);
     SImage picture;
-    bool ok = cairo_surface_status(surface) == CAIRO_STATUS_SUCCESS &&
-              picture.LoadSurface(surface, 0, 0);
+    bool ok =
+        cairo_surface_status(surface) == CAIRO_STATUS_SUCCESS && picture.LoadSurface(surface, 0, 0);
     cairo_surface_destroy(surface);
     SFileMem bytes;
     return ok && picture.Save(&bytes, IMAGE_PNG) && bytes.SaveFile(path);
@@ -301,8 +307,8 @@ constexpr int MINOR[7] = {0, 2, 3, 5, 7, 8, 10};
 constexpr int MAJOR_LOOP[4] = {0, 4, 5, 3};
 constexpr int MINOR_LOOP[4] = {0, 5, 2, 6};
 // Rhythms of one bar of melody, in eighths; each sums to 8.
-constexpr int RHYTHMS[][7] = {{2, 2, 2, 2}, {1, 1, 2, 1, 1, 2}, {3, 1, 2, 2},   {2, 1, 1, 4},
-                              {1, 1, 1, 1, 2, 2}, {4, 2, 2}, {2, 2, 1, 1, 2}};
+constexpr int RHYTHMS[][7] = {{2, 2, 2, 2},       {1, 1, 2, 1, 1, 2}, {3, 1, 2, 2},   {2, 1, 1, 4},
+                              {1, 1, 1, 1, 2, 2}, {4, 2, 2},          {2, 2, 1, 1, 2}};
 constexpr int RHYTHM_COUNT = int(sizeof(RHYTHMS) / sizeof(RHYTHMS[0]));
 
 double Frequency(double note) {
@@ -487,7 +493,8 @@ std::vector<int16_t> RenderDemoTune(const PDemoTune& tune) {
                 break;
             case BACKING_SWING: {
                 constexpr int WALK[4] = {0, 2, 4, 5};
-                mixer.Bass(at, beat * 0.9, NoteOf(tune.rootNote - 24, tune.minor, chord + WALK[b]), 0.4);
+                mixer.Bass(at, beat * 0.9, NoteOf(tune.rootNote - 24, tune.minor, chord + WALK[b]),
+                           0.4);
                 mixer.Hit(at, 0.09, 0.06, true);
                 if (b % 2 == 1) {
                     mixer.Hit(at, 0.12, 0.09, false);
@@ -525,7 +532,8 @@ std::vector<int16_t> RenderDemoTune(const PDemoTune& tune) {
                 degree = std::clamp(degree + STEPS[dice.Pick(8)], 4, 13);
             }
             double length = rhythm[i] * eighth * 0.92;
-            mixer.Note(tune.instrument, start, length, NoteOf(tune.rootNote, tune.minor, degree), 0.35);
+            mixer.Note(tune.instrument, start, length, NoteOf(tune.rootNote, tune.minor, degree),
+                       0.35);
             position += rhythm[i];
         }
     }

@@ -10,16 +10,16 @@ constexpr int DEMO_SAMPLE_RATE = 44100;
 
 // The look of a cover: what is drawn under the title.
 enum PDemoCoverStyle {
-    COVER_RINGS = 0,   // concentric rings off centre
-    COVER_STRIPES,     // diagonal bands
-    COVER_WAVES,       // stacked sine lines
-    COVER_DOTS,        // scattered discs
-    COVER_MOUNTAINS,   // layered ridges under a sun
-    COVER_SUNBURST,    // rays from a corner
-    COVER_GRID,        // tilted squares
-    COVER_RECORD,      // a record with its label
-    COVER_PORTRAIT,    // a head and shoulders (artists)
-    COVER_LETTER,      // one large initial (genres)
+    COVER_RINGS = 0, // concentric rings off centre
+    COVER_STRIPES,   // diagonal bands
+    COVER_WAVES,     // stacked sine lines
+    COVER_DOTS,      // scattered discs
+    COVER_MOUNTAINS, // layered ridges under a sun
+    COVER_SUNBURST,  // rays from a corner
+    COVER_GRID,      // tilted squares
+    COVER_RECORD,    // a record with its label
+    COVER_PORTRAIT,  // a head and shoulders (artists)
+    COVER_LETTER,    // one large initial (genres)
     COVER_STYLE_COUNT
 };
 
@@ -51,11 +51,11 @@ enum PDemoBacking {
 struct PDemoTune {
     int instrument = INSTRUMENT_SQUARE;
     int backing = BACKING_BAND;
-    int rootNote = 60;     // MIDI note of the key's root
-    bool minor = false;    // natural minor, else major
+    int rootNote = 60;  // MIDI note of the key's root
+    bool minor = false; // natural minor, else major
     int beatsPerMinute = 120;
-    double seconds = 4.0;  // length, 1 to 30
-    uint32_t seed = 1;     // varies the melody
+    double seconds = 4.0; // length, 1 to 30
+    uint32_t seed = 1;    // varies the melody
 };
 
 // Renders a tune into mono samples at DEMO_SAMPLE_RATE, peaking a little

@@ -253,7 +253,8 @@ bool GstEncodeFile(const char* chain, const char* path, int timeoutMs, const SGs
         linked = linked && gst_element_link(source, bin) != FALSE;
     }
     std::string reason = "the chain does not link";
-    bool ok = linked && gst_element_set_state(pipeline, GST_STATE_PLAYING) != GST_STATE_CHANGE_FAILURE;
+    bool ok =
+        linked && gst_element_set_state(pipeline, GST_STATE_PLAYING) != GST_STATE_CHANGE_FAILURE;
     if (linked && !ok) {
         reason = "the chain does not start";
     }

@@ -27,8 +27,8 @@ struct SGstPcm {
 // torn file. False, with error (when given) telling why and nothing left
 // at path, when the chain does not parse, an element is missing, the
 // stream fails, or it has not ended within timeoutMs milliseconds.
-bool GstEncodeFile(const char* chain, const char* path, int timeoutMs,
-                   const SGstPcm* pcm = nullptr, SString* error = nullptr);
+bool GstEncodeFile(const char* chain, const char* path, int timeoutMs, const SGstPcm* pcm = nullptr,
+                   SString* error = nullptr);
 
 // What GstProbeFile finds in a file.
 struct SGstMediaInfo {

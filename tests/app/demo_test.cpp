@@ -55,7 +55,8 @@ std::string Quoted(const std::string& text) {
 
 bool IsSong(const fs::path& path) {
     std::string extension = path.extension().string();
-    return extension == ".ogg" || extension == ".mp3" || extension == ".flac" || extension == ".wav";
+    return extension == ".ogg" || extension == ".mp3" || extension == ".flac" ||
+           extension == ".wav";
 }
 
 // The collection of the one run, shared by the checks below.
@@ -79,8 +80,8 @@ void EveryFolderHasItsCoverAndEveryArtistItsTexts() {
     int genres = 0;
     int artists = 0;
     int albums = 0;
-    for (auto entry = fs::recursive_directory_iterator(demo.root); entry != fs::recursive_directory_iterator();
-         ++entry) {
+    for (auto entry = fs::recursive_directory_iterator(demo.root);
+         entry != fs::recursive_directory_iterator(); ++entry) {
         if (!entry->is_directory() || entry->path().filename() == "Playlists") {
             continue;
         }
@@ -110,7 +111,8 @@ void EveryFolderHasItsCoverAndEveryArtistItsTexts() {
 }
 
 void CoversDecodeAt150SquareAndEachIsItsOwn() {
-    std::vector<fs::path> covers = Files([](const fs::path& path) { return path.extension() == ".png"; });
+    std::vector<fs::path> covers =
+        Files([](const fs::path& path) { return path.extension() == ".png"; });
     ASSERT_GE(covers.size(), 15u);
     std::set<std::string> contents;
     for (const fs::path& cover : covers) {
@@ -126,8 +128,10 @@ void CoversDecodeAt150SquareAndEachIsItsOwn() {
     // The program finds them as its own covers.
     PCovers finder;
     finder.SetRoot((demo.root + "/").c_str());
-    EXPECT_EQ(std::string(finder.FindCover((demo.root + "/Jazz/Odile Marsh/Velvet Hours/").c_str()).c_str()),
-              demo.root + "/Jazz/Odile Marsh/Velvet Hours.png");
+    EXPECT_EQ(
+        std::string(
+            finder.FindCover((demo.root + "/Jazz/Odile Marsh/Velvet Hours/").c_str()).c_str()),
+        demo.root + "/Jazz/Odile Marsh/Velvet Hours.png");
 }
 
 // Descriptions: lines joined by CR LF with none after the last; their marks
@@ -167,7 +171,8 @@ void DescriptionsUseTheMarksAndLinkTheCollectionsFolders() {
             size_t end = text.find("\r\n", start);
             end = end == std::string::npos ? text.size() : end;
             std::string line =
-                ConvertDescriptionLine(SString(text.substr(start, end - start).c_str()), &known).c_str();
+                ConvertDescriptionLine(SString(text.substr(start, end - start).c_str()), &known)
+                    .c_str();
             for (size_t href = line.find("href=\""); href != std::string::npos;
                  href = line.find("href=\"", href + 1)) {
                 size_t close = line.find(".link\"", href);
@@ -199,7 +204,8 @@ void ArtistsCarryASiteLinkAndTracksTheirTexts() {
     for (const fs::path& text : trackTexts) {
         bool besideATrack = false;
         for (const auto& file : fs::directory_iterator(text.parent_path())) {
-            besideATrack = besideATrack || (file.path().stem() == text.stem() && file.path() != text);
+            besideATrack =
+                besideATrack || (file.path().stem() == text.stem() && file.path() != text);
         }
         EXPECT_TRUE(besideATrack) << text;
     }
@@ -236,7 +242,8 @@ void SongsAndTheVideoOpenWithTheirLengths() {
     for (const fs::path& song : songs) {
         SGstMediaInfo info;
         SString error;
-        ASSERT_TRUE(GstProbeFile(song.c_str(), 10000, &info, &error)) << song << ": " << error.c_str();
+        ASSERT_TRUE(GstProbeFile(song.c_str(), 10000, &info, &error))
+            << song << ": " << error.c_str();
         EXPECT_EQ(info.audioStreams, 1) << song;
         EXPECT_EQ(info.videoStreams, 0) << song;
         EXPECT_GE(info.durationMs, 2900u) << song;
@@ -286,7 +293,8 @@ TEST(DemoJob, MakesACollectionTheProgramShowsAndPlays) {
         const char* name;
         void (*check)();
     } checks[] = {
-        {"EveryFolderHasItsCoverAndEveryArtistItsTexts", EveryFolderHasItsCoverAndEveryArtistItsTexts},
+        {"EveryFolderHasItsCoverAndEveryArtistItsTexts",
+         EveryFolderHasItsCoverAndEveryArtistItsTexts},
         {"CoversDecodeAt150SquareAndEachIsItsOwn", CoversDecodeAt150SquareAndEachIsItsOwn},
         {"DescriptionsUseTheMarksAndLinkTheCollectionsFolders",
          DescriptionsUseTheMarksAndLinkTheCollectionsFolders},
@@ -321,7 +329,8 @@ TEST(DemoJob, RefusesWhatItMustNotFill) {
         {"demo --force", 2, "usage: melkora-cli demo DIR"},
         {"demo --help", 0, ""},
         // The shared cover names every job takes change nothing here.
-        {"demo --images 'A;B' " + Quoted(dir / "full"), 1, "melkora-cli: the folder is not empty: "},
+        {"demo --images 'A;B' " + Quoted(dir / "full"), 1,
+         "melkora-cli: the folder is not empty: "},
         {"demo --images", 2, "usage: melkora-cli demo DIR"},
     };
     TempDir scratch;

@@ -59,14 +59,15 @@ TEST(GstEncode, AFailureLeavesTheFolderAsItWas) {
         std::string target = dir.Write("song.wav", "old");
         SString error;
         EXPECT_FALSE(GstEncodeFile(c.chain, target.c_str(), c.timeoutMs, c.pcm, &error)) << c.chain;
-        EXPECT_EQ(std::string(error.c_str()).rfind(c.reason, 0), 0u) << c.chain << ": " << error.c_str();
+        EXPECT_EQ(std::string(error.c_str()).rfind(c.reason, 0), 0u)
+            << c.chain << ": " << error.c_str();
         EXPECT_FALSE(error.IsEmpty()) << c.chain;
         EXPECT_EQ(TempDir::Read(target), "old") << c.chain;
         EXPECT_EQ(CountEntries(dir.Path()), 1u) << c.chain;
     }
     SString error;
-    EXPECT_FALSE(GstEncodeFile("audioconvert ! wavenc", "/nonexistent-folder/x.wav", 5000, &pcm,
-                               &error));
+    EXPECT_FALSE(
+        GstEncodeFile("audioconvert ! wavenc", "/nonexistent-folder/x.wav", 5000, &pcm, &error));
     EXPECT_EQ(std::string(error.c_str()).rfind("cannot write beside", 0), 0u) << error.c_str();
 }
 
@@ -94,7 +95,8 @@ TEST(GstEncode, SamplesBecomeAFileOfTheirLength) {
         SString error;
         ASSERT_TRUE(GstEncodeFile(c.chain, path.c_str(), 20000, &pcm, &error)) << error.c_str();
         SGstMediaInfo info;
-        ASSERT_TRUE(GstProbeFile(path.c_str(), 10000, &info, &error)) << c.name << ": " << error.c_str();
+        ASSERT_TRUE(GstProbeFile(path.c_str(), 10000, &info, &error))
+            << c.name << ": " << error.c_str();
         EXPECT_EQ(info.audioStreams, 1) << c.name;
         EXPECT_EQ(info.videoStreams, 0) << c.name;
         // MP3 pads its last frames and the encoder's delay: up to a tenth more.
