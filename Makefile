@@ -5,7 +5,8 @@
 #                   then build and run it again under ASan and UBSan, and the
 #                   threaded tests under ThreadSanitizer
 #   make fuzz       build the libFuzzer targets and run each for FUZZ_SECONDS
-#   make run        start the desktop program on a demo collection
+#   make run        install what is missing, build, and start the desktop program
+#                   on a demo collection made once in build/demo/
 #   make install    build, then install under PREFIX (/usr/local), below DESTDIR
 #   make uninstall  remove what make install put there
 #   make deb        build the Debian package melkora_VERSION_ARCH.deb in build/
@@ -73,9 +74,20 @@ fuzz-build: deps $(FUZZ_BUILD)/CMakeCache.txt
 fuzz: fuzz-build
 	@./scripts/run-fuzzers.sh $(FUZZ_BUILD)/bin $(FUZZ_SECONDS) $(FUZZ_TARGETS)
 
+# The demo collection is made once, into a folder of its own that is put in
+# place only when the job has finished, so a run cut short makes it again.
+# The program keeps its settings beside it, never in the user's own.
+DEMO_DIR := $(abspath $(BUILD)/demo)
+
 run: deps
-	@echo "The desktop program arrives with its main window; 'make run' starts it from then on."
-	@echo "Until then: 'make' builds the libraries and 'make test' runs the suite."
+	$(MAKE) build
+	@if [ ! -d "$(DEMO_DIR)/collection" ]; then \
+	    rm -rf "$(DEMO_DIR)/collection.new" && mkdir -p "$(DEMO_DIR)" && \
+	    "$(BUILD)/bin/melkora-cli" demo "$(DEMO_DIR)/collection.new" && \
+	    mv "$(DEMO_DIR)/collection.new" "$(DEMO_DIR)/collection"; \
+	fi
+	mkdir -p "$(DEMO_DIR)/settings"
+	MELKORA_CONFIG_HOME="$(DEMO_DIR)/settings" "$(BUILD)/bin/melkora" --root "$(DEMO_DIR)/collection"
 
 install: build
 	DESTDIR="$(DESTDIR)" cmake --install $(BUILD) --prefix "$(PREFIX)"

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "app/cli/cli_definition.h"
+#include "app/cli/cli_demo.h"
 #include "app/cli/cli_pages.h"
 #include "app/cli/cli_play.h"
 #include "foundation/array.h"
@@ -39,6 +40,9 @@ constexpr const char* USAGE =
     "  definition FILE                 reads a dialog, menu, toolbar, tree or table\n"
     "                                  definition (its kind from the first line) and\n"
     "                                  writes it back through the program's writer\n"
+    "  demo DIR                        makes a demo collection in DIR (new or empty):\n"
+    "                                  genres, artists and albums with covers, texts,\n"
+    "                                  a playlist, short songs and a video\n"
     "\n"
     "Options:\n"
     "  --help                          prints this text (or a job's usage)\n"
@@ -226,6 +230,9 @@ int main(int argc, char** argv) {
     }
     if (job == "definition") {
         return RunDefinitionJob(argc - 2, argv + 2);
+    }
+    if (job == "demo") {
+        return RunDemoJob(argc - 2, argv + 2);
     }
     if (!TakeCommonOptions(arguments)) {
         return Usage(USAGE);
