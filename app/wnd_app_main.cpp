@@ -415,7 +415,7 @@ void PWndApp::LayoutPanes() {
     int paneBottom = std::max(rightSize.height - BOTTOM_STRIP, 200);
     thumbSpace.MoveWindow(SRect{0, 0, rightSize.width, paneBottom});
     cover.MoveWindow(SRect{0, 0, 150, 150});
-    caption.MoveWindow(SRect{0, 150, 150, 190});
+    caption.MoveWindow(SRect{0, 150, 150, 212}); // the name, a blank line and the site link
     parentCover.MoveWindow(SRect{0, paneBottom - 150, 150, paneBottom});
     parentCaption.MoveWindow(SRect{0, paneBottom - 180, 150, paneBottom - 150});
     inner.MoveWindow(SRect{152, 0, rightSize.width, paneBottom});
