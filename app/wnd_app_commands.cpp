@@ -384,6 +384,10 @@ void PWndApp::OnListSelect(SWnd* list) {
         return;
     }
     toolBar.EnableButton(CMD_PLAY_SELECTED, !rows.empty());
+    // A selection made with Alt held goes on to what plays.
+    if (!rows.empty() && (SKeyboard::GetModifiers() & SKeyboard::MODIFIER_ALT) != 0) {
+        AddToQueue(false);
+    }
     ShowTrackText();
 }
 

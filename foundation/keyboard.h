@@ -10,6 +10,7 @@ public:
     // Bits of a modifier state.
     static constexpr unsigned MODIFIER_SHIFT = 1;
     static constexpr unsigned MODIFIER_CTRL = 2;
+    static constexpr unsigned MODIFIER_ALT = 4;
 
     // Key codes run from 0 to KEY_CODE_COUNT - 1.
     static constexpr int KEY_CODE_COUNT = 256;

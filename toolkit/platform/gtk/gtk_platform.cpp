@@ -1091,6 +1091,9 @@ public:
         if ((state & GDK_CONTROL_MASK) != 0) {
             result |= SKeyboard::MODIFIER_CTRL;
         }
+        if ((state & GDK_MOD1_MASK) != 0) {
+            result |= SKeyboard::MODIFIER_ALT;
+        }
         return result;
     }
 
