@@ -4,6 +4,7 @@
 #include <string>
 
 #include "foundation/disk.h"
+#include "library/cover_cache.h"
 #include "library/media.h"
 
 namespace {
@@ -83,24 +84,34 @@ bool PFolderView::NavigateFolder(const char* relative, const char* selectName,
         return false;
     }
 
+    // The folders' facts and cover files are gathered here, on this thread
+    // (the file name cache serves one thread); the covers are then made on
+    // every core, and the view is complete before it is shown.
+    size_t count = static_cast<size_t>(names.GetCount());
+    std::vector<std::vector<SString>> coverFiles(count);
+    std::vector<PThumbItem> items(count);
+    for (size_t i = 0; i < count; ++i) {
+        items[i].name = *names.GetAt(static_cast<int>(i));
+        SString sub = folder + items[i].name + "/";
+        items[i].isLeaf = CountSubfolders(sub) == 0;
+        coverFiles[i] = covers.FindCoverFiles(sub.c_str());
+    }
+    std::vector<SImage> smallImages(count);
+    RunOnAllCores(count, [&](size_t i) {
+        covers.LoadCoverFrom(&items[i].cover, coverFiles[i], &coverCache);
+        smallImages[i].CopyFrom(&items[i].cover);
+        smallImages[i].Resize(SMALL_SIDE, SMALL_SIDE);
+    });
+
     thumbnails.clear();
     rows.clear();
     rowImages.RemoveAll();
     rowImages.Add(&defaultSmallImage);
-    for (int i = 0; i < names.GetCount(); ++i) {
-        const SString& name = *names.GetAt(i);
-        SString sub = folder + name + "/";
-        bool isLeaf = CountSubfolders(sub) == 0;
-        PThumbItem item;
-        item.name = name;
-        covers.LoadCover(&item.cover, sub.c_str());
-        item.isLeaf = isLeaf;
-        SImage small;
-        small.CopyFrom(&item.cover);
-        small.Resize(SMALL_SIDE, SMALL_SIDE);
-        rowImages.Add(&small);
-        rows.push_back({name, i + 1, isLeaf ? FOLDER_IS_LEAF : FOLDER_HAS_SUBFOLDERS});
-        thumbnails.push_back(std::move(item));
+    for (size_t i = 0; i < count; ++i) {
+        rowImages.Add(&smallImages[i]);
+        rows.push_back({items[i].name, static_cast<int>(i) + 1,
+                        items[i].isLeaf ? FOLDER_IS_LEAF : FOLDER_HAS_SUBFOLDERS});
+        thumbnails.push_back(std::move(items[i]));
     }
     selectedRow = -1;
     focusThumbs = wantThumbs;

@@ -10,6 +10,7 @@
 #include "foundation/ini.h"
 #include "foundation/parser.h"
 #include "foundation/path.h"
+#include "library/cover_cache.h"
 #include "library/media.h"
 
 namespace {
@@ -41,6 +42,17 @@ bool LoadScaledFile(SImage& image, const SString& path) {
     SFilePath file;
     return file.Open(path.c_str(), false, false, true, true) &&
            image.LoadScaled(&file, COVER_SIDE, COVER_SIDE);
+}
+
+// Every cover ends 150 by 150 and opaque: a pixel that was not wholly
+// opaque becomes white.
+void MakeCoverOpaque(SImage& image) {
+    if (image.GetWidth() != COVER_SIDE || image.GetHeight() != COVER_SIDE) {
+        image.Resize(COVER_SIDE, COVER_SIDE);
+    }
+    if (image.HasAlpha()) {
+        image.FlattenAlpha();
+    }
 }
 
 } // namespace
@@ -105,32 +117,38 @@ SString PCovers::FindCover(const char* folder) const {
 }
 
 bool PCovers::LoadCover(SImage* image, const char* folder) const {
+    return image != nullptr && LoadCoverFrom(image, FindCoverFiles(folder), nullptr);
+}
+
+bool PCovers::LoadCoverFrom(SImage* image, const std::vector<SString>& files,
+                            const PCoverCache* cache) const {
     if (image == nullptr) {
         return false;
     }
     // A cover that fails to decode passes to the next place in the order.
-    bool own = false;
-    for (const SString& file : FindCoverFiles(folder)) {
+    for (const SString& file : files) {
+        PCoverFileKey key;
+        bool keyed = cache != nullptr && cache->IsEnabled() &&
+                     PCoverCache::GetFileKey(file.c_str(), &key);
+        if (keyed && cache->Find(file.c_str(), key, image)) {
+            return true;
+        }
         if (LoadScaledFile(*image, file)) {
-            own = true;
-            break;
+            MakeCoverOpaque(*image);
+            if (keyed) {
+                cache->Store(file.c_str(), key, *image);
+            }
+            return true;
         }
     }
-    if (!own) {
-        if (defaultCover.IsValid()) {
-            image->CopyFrom(&defaultCover);
-        } else {
-            image->Create(COVER_SIDE, COVER_SIDE, PIXEL_FORMAT_24RGB);
-            image->Fill(0xFFFFFFFF);
-        }
+    if (defaultCover.IsValid()) {
+        image->CopyFrom(&defaultCover);
+    } else {
+        image->Create(COVER_SIDE, COVER_SIDE, PIXEL_FORMAT_24RGB);
+        image->Fill(0xFFFFFFFF);
     }
-    if (image->GetWidth() != COVER_SIDE || image->GetHeight() != COVER_SIDE) {
-        image->Resize(COVER_SIDE, COVER_SIDE);
-    }
-    if (image->HasAlpha()) {
-        image->FlattenAlpha();
-    }
-    return own;
+    MakeCoverOpaque(*image);
+    return false;
 }
 
 SString CutSiteLink(const char* site) {

@@ -21,6 +21,8 @@ constexpr int TRACK_NO_TEXT = -1;
 // PCovers: finds and loads folder covers for one collection. It keeps the
 // folders' file names between calls (see PFileNameCache), so one object
 // serves one thread.
+class PCoverCache;
+
 class PCovers {
 public:
     PCovers() = default;
@@ -53,6 +55,12 @@ public:
     // Every cover file of the folder that exists, in the order above: a
     // file that does not decode passes to the next.
     std::vector<SString> FindCoverFiles(const char* folder) const;
+    // LoadCover from the files FindCoverFiles gave. It reads no state but
+    // the default cover, so many threads may call it at once. With a cache,
+    // a cover file made before with the same size and time is taken from
+    // it, and a newly decoded one is stored there.
+    bool LoadCoverFrom(SImage* image, const std::vector<SString>& files,
+                       const PCoverCache* cache = nullptr) const;
 
 private:
 
