@@ -34,6 +34,7 @@ constexpr int OVERLAY_SIDE = 64;
 // cell height of 12 pixels: ascent and descent together, so the letters
 // themselves are about 10 pixels and two lines fit the 25-pixel label box.
 constexpr const char* LABEL_FONT = "Verdana 10px";
+constexpr int LABEL_LINES = 2;
 
 void SetColor(cairo_t* cr, uint32_t rgb) {
     cairo_set_source_rgb(cr, ((rgb >> 16) & 0xFF) / 255.0, ((rgb >> 8) & 0xFF) / 255.0,
@@ -399,6 +400,10 @@ PangoLayout* PWndThumbs::GetLabel(int index) {
     pango_layout_set_width(layout, (LABEL_RIGHT - LABEL_LEFT) * PANGO_SCALE);
     pango_layout_set_wrap(layout, PANGO_WRAP_WORD_CHAR);
     pango_layout_set_alignment(layout, PANGO_ALIGN_CENTER);
+    // A name longer than the box's two lines ends in an ellipsis rather
+    // than a line cut through by the box's edge.
+    pango_layout_set_height(layout, -LABEL_LINES);
+    pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
     pango_layout_set_text(layout, names.GetAt(index)->c_str(), -1);
     int width = 0;
     pango_layout_get_pixel_size(layout, &width, &labelHeights[size_t(index)]);
