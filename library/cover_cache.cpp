@@ -2,17 +2,18 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <system_error>
+#include <string>
 #include <thread>
 #include <unistd.h>
 #include <vector>
 
 #include "foundation/disk.h"
-#include "foundation/file.h"
 #include "library/metadata.h"
 
 namespace {
@@ -88,6 +89,33 @@ bool ReadExactly(const char* path, size_t expected, std::vector<unsigned char>& 
         ok = done == expected;
     }
     close(fd);
+    return ok;
+}
+
+// Replaces an entry: a temporary file beside it, renamed over it, so that a
+// reader or a kill at any moment finds the old entry whole, the new one
+// whole, or none. Unlike the user's files it is not synced first: an entry
+// a power cut loses or cuts short only fails its length or check word and
+// is decoded again, and a sync for each of a folder's hundreds of covers
+// would cost more than decoding them.
+bool WriteEntry(const char* path, const std::vector<unsigned char>& bytes) {
+    std::string temp = std::string(path) + ".XXXXXX";
+    int fd = mkostemp(temp.data(), O_CLOEXEC);
+    if (fd < 0) {
+        return false;
+    }
+    size_t done = 0;
+    while (done < bytes.size()) {
+        ssize_t wrote = write(fd, bytes.data() + done, bytes.size() - done);
+        if (wrote <= 0) {
+            break;
+        }
+        done += static_cast<size_t>(wrote);
+    }
+    bool ok = close(fd) == 0 && done == bytes.size() && rename(temp.c_str(), path) == 0;
+    if (!ok) {
+        unlink(temp.c_str());
+    }
     return ok;
 }
 
@@ -204,13 +232,13 @@ bool PCoverCache::Store(const char* file, const PCoverFileKey& key, const SImage
     uint64_t check = CheckWord(bytes.data(), total - sizeof check);
     std::memcpy(bytes.data() + total - sizeof check, &check, sizeof check);
     SString path = GetEntryPath(file);
-    if (WriteFileAtomic(path.c_str(), bytes.data(), static_cast<int>(total))) {
+    if (WriteEntry(path.c_str(), bytes)) {
         return true;
     }
     // The folder is made on the first write (by any thread; making it twice
     // is harmless).
     SDisk().CreateFolder(folder.c_str(), true);
-    return WriteFileAtomic(path.c_str(), bytes.data(), static_cast<int>(total));
+    return WriteEntry(path.c_str(), bytes);
 }
 
 void RunOnAllCores(size_t count, const std::function<void(size_t)>& work, int threads) {

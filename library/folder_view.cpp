@@ -20,6 +20,42 @@ int CountSubfolders(const SString& folder) {
     return SDisk().Enumerate(nullptr, (folder + "*").c_str(), ENUM_FOLDERS | ENUM_NO_HIDDEN);
 }
 
+// The small image of a cover: each pixel the mean of the block of the
+// cover it stands for. Far cheaper than a filtered resize, and as good at
+// a ninth of the size.
+void Shrink(const SImage& cover, int side, SImage& small) {
+    int width = cover.GetWidth();
+    int height = cover.GetHeight();
+    const uint32_t* source = cover.GetBits();
+    small.Create(side, side, PIXEL_FORMAT_24RGB);
+    uint32_t* target = small.GetBits();
+    if (source == nullptr || target == nullptr || width < side || height < side) {
+        small.CopyFrom(&cover);
+        small.Resize(side, side);
+        return;
+    }
+    for (int y = 0; y < side; ++y) {
+        int top = y * height / side;
+        int bottom = (y + 1) * height / side;
+        for (int x = 0; x < side; ++x) {
+            int left = x * width / side;
+            int right = (x + 1) * width / side;
+            uint32_t red = 0, green = 0, blue = 0;
+            for (int row = top; row < bottom; ++row) {
+                const uint32_t* line = source + size_t(row) * size_t(width);
+                for (int column = left; column < right; ++column) {
+                    red += (line[column] >> 16) & 0xFF;
+                    green += (line[column] >> 8) & 0xFF;
+                    blue += line[column] & 0xFF;
+                }
+            }
+            uint32_t area = uint32_t((bottom - top) * (right - left));
+            target[y * side + x] = 0xFF000000u | ((red + area / 2) / area) << 16 |
+                                   ((green + area / 2) / area) << 8 | ((blue + area / 2) / area);
+        }
+    }
+}
+
 std::string LowerAscii(const char* text) {
     std::string lower(text);
     for (char& c : lower) {
@@ -84,23 +120,17 @@ bool PFolderView::NavigateFolder(const char* relative, const char* selectName,
         return false;
     }
 
-    // The folders' facts and cover files are gathered here, on this thread
-    // (the file name cache serves one thread); the covers are then made on
-    // every core, and the view is complete before it is shown.
+    // Each folder's facts, its cover and its small image are made on every
+    // core, and the view is complete before it is shown.
     size_t count = static_cast<size_t>(names.GetCount());
-    std::vector<std::vector<SString>> coverFiles(count);
     std::vector<PThumbItem> items(count);
-    for (size_t i = 0; i < count; ++i) {
-        items[i].name = *names.GetAt(static_cast<int>(i));
-        SString sub = folder + items[i].name + "/";
-        items[i].isLeaf = CountSubfolders(sub) == 0;
-        coverFiles[i] = covers.FindCoverFiles(sub.c_str());
-    }
     std::vector<SImage> smallImages(count);
     RunOnAllCores(count, [&](size_t i) {
-        covers.LoadCoverFrom(&items[i].cover, coverFiles[i], &coverCache);
-        smallImages[i].CopyFrom(&items[i].cover);
-        smallImages[i].Resize(SMALL_SIDE, SMALL_SIDE);
+        const SString& name = *names.GetAt(static_cast<int>(i));
+        SString sub = folder + name + "/";
+        items[i].isLeaf = CountSubfolders(sub) == 0;
+        covers.LoadCover(&items[i].cover, sub.c_str(), &coverCache);
+        Shrink(items[i].cover, SMALL_SIDE, smallImages[i]);
     });
 
     thumbnails.clear();
@@ -109,6 +139,7 @@ bool PFolderView::NavigateFolder(const char* relative, const char* selectName,
     rowImages.Add(&defaultSmallImage);
     for (size_t i = 0; i < count; ++i) {
         rowImages.Add(&smallImages[i]);
+        items[i].name = *names.GetAt(static_cast<int>(i));
         rows.push_back({items[i].name, static_cast<int>(i) + 1,
                         items[i].isLeaf ? FOLDER_IS_LEAF : FOLDER_HAS_SUBFOLDERS});
         thumbnails.push_back(std::move(items[i]));

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <pango/pangocairo.h>
 
+#include "library/cover_cache.h"
 #include "library/metadata.h"
 #include "panels/panel_host.h"
 #include "panels/resources.h"
@@ -188,9 +189,10 @@ void PWndThumbs::SetThumbs(const std::vector<PThumbItem>& items) {
     SetScrollPosition(1, 0);
     FreeCards();
     hoverIndex = HOVER_NONE;
-    bitmaps.reserve(items.size());
+    // The surfaces are copies of the covers: made on every core.
+    bitmaps.resize(items.size());
+    RunOnAllCores(items.size(), [&](size_t i) { bitmaps[i] = OpaqueSurface(items[i].cover); });
     for (const PThumbItem& item : items) {
-        bitmaps.push_back(OpaqueSurface(item.cover));
         names.Add(item.name);
         mediaFlags.push_back(item.isLeaf);
         labels.push_back(nullptr);

@@ -79,6 +79,7 @@ TEST_F(CoverCacheTest, AnEntryIsFoundOnlyUnderTheKeyItWasMadeWith) {
     ASSERT_TRUE(SamePixels(first, Decoded()));
     ASSERT_TRUE(fs::exists(cache.GetEntryPath(cover.c_str()).c_str()));
     PCoverFileKey key = Key();
+    std::string other = dir / "Artist/Other.png";
     struct Case {
         const char* what;
         PCoverFileKey key;
@@ -90,7 +91,7 @@ TEST_F(CoverCacheTest, AnEntryIsFoundOnlyUnderTheKeyItWasMadeWith) {
         {"newer", {key.size, key.modified + 1}, cover.c_str(), false},
         {"older", {key.size, key.modified - 1000000000}, cover.c_str(), false},
         {"larger", {key.size + 1, key.modified}, cover.c_str(), false},
-        {"another path", key, (dir / "Artist/Other.png").c_str(), false},
+        {"another path", key, other.c_str(), false},
     };
     for (const Case& c : cases) {
         SImage image;
