@@ -523,10 +523,10 @@ LRESULT PWndThumbs::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
         SetHover(HOVER_NONE);
         break;
     case WM_MOUSEWHEEL: {
-        // One line a notch; a positive turn goes up. Then the card under
+        // One line a notch, a positive turn going up; a smooth wheel's
+        // parts of a notch move as far as their share. Then the card under
         // the pointer is found again.
-        int notches = WheelParamDelta(wParam) / WHEEL_DELTA;
-        ScrollTo(GetScrollPos() - notches * LINE_STEP);
+        ScrollTo(GetScrollPos() - WheelParamDelta(wParam) * LINE_STEP / WHEEL_DELTA);
         SPoint point;
         if (GetCursorPosition(&point)) {
             OnMouseMove(point.x, point.y);

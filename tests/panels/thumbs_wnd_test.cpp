@@ -249,6 +249,8 @@ TEST_F(ThumbsTest, WheelAndBarScrollByLinesAndPagesInsideTheRange) {
     platform->Wheel(Top(), card0.x, card0.y, -240);
     EXPECT_EQ(thumbs.GetScrollPos(), 80);
     EXPECT_EQ(thumbs.GetHoverIndex(), -1) << "the point is now below the cover";
+    platform->Wheel(Top(), card0.x, card0.y, -30);
+    EXPECT_EQ(thumbs.GetScrollPos(), 90) << "a quarter notch, a quarter line";
     platform->Wheel(Top(), card0.x, card0.y, -120 * 20);
     EXPECT_EQ(thumbs.GetScrollPos(), 308);
     thumbs.ScrollTo(0);
