@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <system_error>
@@ -23,6 +25,8 @@ namespace {
 // a check word over everything before it.
 constexpr char MAGIC[8] = {'M', 'K', 'C', 'O', 'V', 'E', 'R', '1'};
 constexpr size_t PIXEL_BYTES = size_t(COVER_SIDE) * COVER_SIDE * 3;
+// The end of an entry's name, and what follows it in a temporary file's.
+constexpr const char* TEMP_INFIX = ".cover.";
 // A path longer than this has no entry (the system's own limit is 4,096).
 constexpr size_t MAX_PATH_BYTES = 4096;
 
@@ -99,7 +103,8 @@ bool ReadExactly(const char* path, size_t expected, std::vector<unsigned char>& 
 // is decoded again, and a sync for each of a folder's hundreds of covers
 // would cost more than decoding them.
 bool WriteEntry(const char* path, const std::vector<unsigned char>& bytes) {
-    std::string temp = std::string(path) + ".XXXXXX";
+    std::string temp = std::string(path) + ".XXXXXX"; // path ends in ".cover"
+
     int fd = mkostemp(temp.data(), O_CLOEXEC);
     if (fd < 0) {
         return false;
@@ -164,6 +169,32 @@ SString PCoverCache::GetEntryPath(const char* file) const {
     std::snprintf(name, sizeof name, "%016llx.cover",
                   static_cast<unsigned long long>(HashBytes(file, std::strlen(file))));
     return folder + name;
+}
+
+int PCoverCache::RemoveLeftovers(int olderThan) const {
+    if (folder.IsEmpty()) {
+        return 0;
+    }
+    DIR* dir = opendir(folder.c_str());
+    if (dir == nullptr) {
+        return 0;
+    }
+    time_t now = time(nullptr);
+    int removed = 0;
+    int dirFd = dirfd(dir);
+    while (struct dirent* item = readdir(dir)) {
+        // "<hash>.cover.XXXXXX", as WriteEntry names its temporary file.
+        const char* tail = std::strstr(item->d_name, TEMP_INFIX);
+        struct stat info {};
+        if (tail == nullptr || std::strlen(tail) != std::strlen(TEMP_INFIX) + 6 ||
+            fstatat(dirFd, item->d_name, &info, AT_SYMLINK_NOFOLLOW) != 0 ||
+            !S_ISREG(info.st_mode) || now - info.st_mtime <= olderThan) {
+            continue;
+        }
+        removed += unlinkat(dirFd, item->d_name, 0) == 0 ? 1 : 0;
+    }
+    closedir(dir);
+    return removed;
 }
 
 bool PCoverCache::Find(const char* file, const PCoverFileKey& key, SImage* image) const {

@@ -48,6 +48,10 @@ public:
     bool Store(const char* file, const PCoverFileKey& key, const SImage& image) const;
     // The path of the cache file of a cover file.
     SString GetEntryPath(const char* file) const;
+    // Removes the temporary files of entries whose writer was killed before
+    // renaming them: those last changed more than olderThan seconds ago (a
+    // younger one may still be being written). Returns how many went.
+    int RemoveLeftovers(int olderThan = 60) const;
 
 private:
     SString folder;

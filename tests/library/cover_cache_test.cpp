@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -167,6 +169,37 @@ TEST_F(CoverCacheTest, ADamagedEntryIsIgnoredAndWrittenAnew) {
         EXPECT_TRUE(SamePixels(Load(), good));
         EXPECT_EQ(TempDir::Read(entry), whole) << "written anew";
     }
+}
+
+TEST_F(CoverCacheTest, LeftoversOfAKilledWriterGoOnceOld) {
+    Load();
+    std::string entry = cache.GetEntryPath(cover.c_str()).c_str();
+    auto old = fs::file_time_type::clock::now() - std::chrono::minutes(5);
+    struct Case {
+        std::string name;
+        bool aged;
+        bool removed;
+    };
+    const Case cases[] = {
+        {entry + ".a1B2c3", true, true},
+        {entry + ".d4E5f6", false, false}, // may still be being written
+        {entry + ".toolong7", true, false},
+        {dir / "cache/notes.txt", true, false},
+        {entry, true, false},
+    };
+    for (const Case& c : cases) {
+        if (!fs::exists(c.name)) {
+            std::ofstream(c.name) << "x";
+        }
+        if (c.aged) {
+            fs::last_write_time(c.name, old);
+        }
+    }
+    EXPECT_EQ(cache.RemoveLeftovers(), 1);
+    for (const Case& c : cases) {
+        EXPECT_EQ(fs::exists(c.name), !c.removed) << c.name;
+    }
+    EXPECT_EQ(PCoverCache().RemoveLeftovers(), 0);
 }
 
 TEST_F(CoverCacheTest, AnOffCacheNeitherFindsNorWrites) {

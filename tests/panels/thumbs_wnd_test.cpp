@@ -294,6 +294,34 @@ TEST_F(ThumbsTest, FrameShowsCoversBandHoverAndTheOverlayOnlyOnMedia) {
     EXPECT_TRUE(NearRgb(Pixel(shot, {36, 206}), BAND_HOT, 30)) << "the first card's art carries the band";
 }
 
+TEST_F(ThumbsTest, AFoldersItemsBecomeCardsAndItsLeafFoldersPlay) {
+    std::vector<PThumbItem> items(9);
+    for (size_t i = 0; i < items.size(); ++i) {
+        items[i].name = ("Album " + std::to_string(i)).c_str();
+        items[i].cover = Cover(i % 3 == 0 ? FOLDER_COVER : MEDIA_COVER);
+        items[i].isLeaf = i % 3 != 0;
+    }
+    Fill(2);
+    thumbs.ScrollTo(100);
+    thumbs.SetThumbs(items);
+    EXPECT_EQ(thumbs.GetScrollPos(), 0);
+    ASSERT_EQ(thumbs.GetThumbCount(), 9);
+    EXPECT_STREQ(thumbs.GetThumbName(8), "Album 8");
+    EXPECT_STREQ(thumbs.GetThumbName(9), "");
+    EXPECT_FALSE(thumbs.IsThumbMedia(3));
+    EXPECT_TRUE(thumbs.IsThumbMedia(4));
+    SImage shot = Shot();
+    EXPECT_EQ(Pixel(shot, CoverCentre(thumbs.GetCardRect(0))), FOLDER_COVER);
+    EXPECT_EQ(Pixel(shot, CoverCentre(thumbs.GetCardRect(1))), MEDIA_COVER);
+    // A picture of another size is stretched to the card's.
+    SImage large;
+    large.Create(400, 300, PIXEL_FORMAT_24RGB);
+    large.Fill(0xFF000000u | MEDIA_COVER);
+    thumbs.AddThumb(large, "Large", true);
+    thumbs.ScrollTo(10000);
+    EXPECT_EQ(Pixel(Shot(), CoverCentre(thumbs.GetCardRect(9))), MEDIA_COVER);
+}
+
 TEST_F(ThumbsTest, HoverRepaintsOnlyTheCardsThatChange) {
     Fill(3);
     platform->PresentFrame(Top());
