@@ -73,6 +73,24 @@ cairo_surface_t* OpaqueSurface(const SImage& image) {
     return surface;
 }
 
+// A card's cover: 150 by 150 and opaque, as the folder view makes them;
+// another picture is stretched to that size and laid on white. Null for an
+// empty picture, which leaves the card's frame empty.
+cairo_surface_t* CardSurface(const SImage& image) {
+    bool opaque = !image.HasAlpha();
+    if (opaque && image.GetWidth() == COVER_SIDE && image.GetHeight() == COVER_SIDE) {
+        return OpaqueSurface(image);
+    }
+    if (!image.IsValid()) {
+        return nullptr;
+    }
+    SImage copy;
+    copy.CopyFrom(&image);
+    copy.Resize(COVER_SIDE, COVER_SIDE);
+    copy.Flatten();
+    return OpaqueSurface(copy);
+}
+
 // A picture that may be partly clear, blended when drawn.
 cairo_surface_t* ArtSurface(unsigned id, bool opaque) {
     SImage image;
@@ -165,17 +183,7 @@ void PWndThumbs::ClearThumbs() {
 }
 
 void PWndThumbs::AddThumb(const SImage& image, const char* name, bool isMedia) {
-    cairo_surface_t* surface = nullptr;
-    if (image.GetWidth() == COVER_SIDE && image.GetHeight() == COVER_SIDE) {
-        surface = OpaqueSurface(image);
-    } else if (image.IsValid()) {
-        SImage copy;
-        copy.CopyFrom(&image);
-        copy.Resize(COVER_SIDE, COVER_SIDE);
-        copy.Flatten();
-        surface = OpaqueSurface(copy);
-    }
-    bitmaps.push_back(surface);
+    bitmaps.push_back(CardSurface(image));
     names.Add(name != nullptr ? name : "");
     mediaFlags.push_back(isMedia);
     labels.push_back(nullptr);
@@ -191,7 +199,7 @@ void PWndThumbs::SetThumbs(const std::vector<PThumbItem>& items) {
     hoverIndex = HOVER_NONE;
     // The surfaces are copies of the covers: made on every core.
     bitmaps.resize(items.size());
-    RunOnAllCores(items.size(), [&](size_t i) { bitmaps[i] = OpaqueSurface(items[i].cover); });
+    RunOnAllCores(items.size(), [&](size_t i) { bitmaps[i] = CardSurface(items[i].cover); });
     for (const PThumbItem& item : items) {
         names.Add(item.name);
         mediaFlags.push_back(item.isLeaf);

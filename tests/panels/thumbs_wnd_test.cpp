@@ -318,8 +318,16 @@ TEST_F(ThumbsTest, AFoldersItemsBecomeCardsAndItsLeafFoldersPlay) {
     large.Create(400, 300, PIXEL_FORMAT_24RGB);
     large.Fill(0xFF000000u | MEDIA_COVER);
     thumbs.AddThumb(large, "Large", true);
+    // A clear picture is laid on white.
+    SImage clear;
+    clear.Create(150, 150, PIXEL_FORMAT_32ARGB);
+    thumbs.AddThumb(clear, "Clear", true);
+    thumbs.AddThumb(SImage(), "Empty", false);
     thumbs.ScrollTo(10000);
-    EXPECT_EQ(Pixel(Shot(), CoverCentre(thumbs.GetCardRect(9))), MEDIA_COVER);
+    shot = Shot();
+    EXPECT_EQ(Pixel(shot, CoverCentre(thumbs.GetCardRect(9))), MEDIA_COVER);
+    EXPECT_EQ(Pixel(shot, CoverCentre(thumbs.GetCardRect(10))), 0xFFFFFFu);
+    EXPECT_EQ(thumbs.GetThumbCount(), 12);
 }
 
 TEST_F(ThumbsTest, HoverRepaintsOnlyTheCardsThatChange) {
