@@ -10,6 +10,7 @@
 #include "library/metadata.h"
 #include "panels/panel_host.h"
 #include "panels/resources.h"
+#include "toolkit/ctrl_common.h"
 #include "toolkit/draw.h"
 #include "toolkit/list_draw.h"
 #include "toolkit/platform/platform.h"
@@ -565,6 +566,26 @@ LRESULT PWndThumbs::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
             Invalidate(&bar);
         }
         break;
+    case WM_KEYDOWN: {
+        // The keys of a scrolled page, when the view has the focus; the
+        // main window has seen every key first.
+        constexpr unsigned NONE = ~0u;
+        unsigned code = NONE;
+        switch (static_cast<unsigned>(wParam)) {
+        case ctrlkey::UP: code = SB_LINEUP; break;
+        case ctrlkey::DOWN: code = SB_LINEDOWN; break;
+        case ctrlkey::PRIOR: code = SB_PAGEUP; break;
+        case ctrlkey::NEXT: code = SB_PAGEDOWN; break;
+        case ctrlkey::HOME: code = SB_TOP; break;
+        case ctrlkey::END: code = SB_BOTTOM; break;
+        default: break;
+        }
+        if (code != NONE) {
+            OnScroll(code, 0);
+            return 0;
+        }
+        break;
+    }
     case WM_VSCROLL:
         OnScroll(static_cast<unsigned>(wParam & 0xFFFF), static_cast<int16_t>((wParam >> 16) & 0xFFFF));
         return 0;

@@ -9,6 +9,10 @@
 // row r, column c at x = c*170 + 32, y = r*200 + 8 - S, its cover at x+4,
 // y+4 in 150 by 150, its label in x+12, y+160 to x+146, y+185; the band is
 // the first 100 pixels of the client, top to bottom.
+//
+// Scrolling is vertical, with the bar always shown: a line is 40 pixels
+// (a notch of the wheel, Up and Down), a page 200 (a press beside the
+// bar's thumb, Page Up and Page Down); Home and End go to either end.
 #pragma once
 
 #include <cstdint>

@@ -259,6 +259,17 @@ TEST_F(ThumbsTest, WheelAndBarScrollByLinesAndPagesInsideTheRange) {
     platform->Click(Top(), bar.left + 5, bar.bottom - 3);
     EXPECT_EQ(thumbs.GetScrollPos(), 200);
     EXPECT_TRUE(host.calls.empty());
+    // With the focus, the keys of a page scroll too.
+    SetFocus(thumbs.GetHandle());
+    struct Step {
+        unsigned key;
+        int position;
+    };
+    for (Step step : {Step{0x24, 0}, Step{0x28, 40}, Step{0x22, 240}, Step{0x22, 308},
+                      Step{0x26, 268}, Step{0x21, 68}, Step{0x23, 308}}) {
+        platform->Key(Top(), step.key);
+        EXPECT_EQ(thumbs.GetScrollPos(), step.position) << step.key;
+    }
     thumbs.ClearThumbs();
     EXPECT_EQ(thumbs.GetScrollPos(), 0);
 }
