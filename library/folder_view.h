@@ -69,7 +69,10 @@ public:
     // are accepted). A missing folder or one above the root makes the root
     // current and gives false; a folder without subfolders leaves the view
     // as it was and gives false. Otherwise lists the subfolders, selects
-    // selectName when given and focusThumbs is off, and gives true.
+    // selectName when given and focusThumbs is off, and gives true. Every
+    // card's cover is made before it returns, on one thread per core
+    // (through the cover cache when it has a folder), so the view is
+    // shown complete.
     bool NavigateFolder(const char* relative, const char* selectName, bool focusThumbs);
     // NavigateFolder from nothing, so that an absolute path stands as given.
     bool OpenFolder(const char* path, const char* selectName, bool focusThumbs);
