@@ -4,6 +4,7 @@
 #include <string>
 
 #include "foundation/disk.h"
+#include "library/cover_cache.h"
 #include "library/media.h"
 
 namespace {
@@ -17,6 +18,42 @@ constexpr uint32_t PARENT_TINT = 0x00FFFFFF;
 // A folder's visible subfolders.
 int CountSubfolders(const SString& folder) {
     return SDisk().Enumerate(nullptr, (folder + "*").c_str(), ENUM_FOLDERS | ENUM_NO_HIDDEN);
+}
+
+// The small image of a cover: each pixel the mean of the block of the
+// cover it stands for. Far cheaper than a filtered resize, and as good at
+// a ninth of the size.
+void Shrink(const SImage& cover, int side, SImage& small) {
+    int width = cover.GetWidth();
+    int height = cover.GetHeight();
+    const uint32_t* source = cover.GetBits();
+    small.Create(side, side, PIXEL_FORMAT_24RGB);
+    uint32_t* target = small.GetBits();
+    if (source == nullptr || target == nullptr || width < side || height < side) {
+        small.CopyFrom(&cover);
+        small.Resize(side, side);
+        return;
+    }
+    for (int y = 0; y < side; ++y) {
+        int top = y * height / side;
+        int bottom = (y + 1) * height / side;
+        for (int x = 0; x < side; ++x) {
+            int left = x * width / side;
+            int right = (x + 1) * width / side;
+            uint32_t red = 0, green = 0, blue = 0;
+            for (int row = top; row < bottom; ++row) {
+                const uint32_t* line = source + size_t(row) * size_t(width);
+                for (int column = left; column < right; ++column) {
+                    red += (line[column] >> 16) & 0xFF;
+                    green += (line[column] >> 8) & 0xFF;
+                    blue += line[column] & 0xFF;
+                }
+            }
+            uint32_t area = uint32_t((bottom - top) * (right - left));
+            target[y * side + x] = 0xFF000000u | ((red + area / 2) / area) << 16 |
+                                   ((green + area / 2) / area) << 8 | ((blue + area / 2) / area);
+        }
+    }
 }
 
 std::string LowerAscii(const char* text) {
@@ -83,24 +120,29 @@ bool PFolderView::NavigateFolder(const char* relative, const char* selectName,
         return false;
     }
 
+    // Each folder's facts, its cover and its small image are made on every
+    // core, and the view is complete before it is shown.
+    size_t count = static_cast<size_t>(names.GetCount());
+    std::vector<PThumbItem> items(count);
+    std::vector<SImage> smallImages(count);
+    RunOnAllCores(count, [&](size_t i) {
+        const SString& name = *names.GetAt(static_cast<int>(i));
+        SString sub = folder + name + "/";
+        items[i].isLeaf = CountSubfolders(sub) == 0;
+        covers.LoadCover(&items[i].cover, sub.c_str(), &coverCache);
+        Shrink(items[i].cover, SMALL_SIDE, smallImages[i]);
+    });
+
     thumbnails.clear();
     rows.clear();
     rowImages.RemoveAll();
     rowImages.Add(&defaultSmallImage);
-    for (int i = 0; i < names.GetCount(); ++i) {
-        const SString& name = *names.GetAt(i);
-        SString sub = folder + name + "/";
-        bool isLeaf = CountSubfolders(sub) == 0;
-        PThumbItem item;
-        item.name = name;
-        covers.LoadCover(&item.cover, sub.c_str());
-        item.isLeaf = isLeaf;
-        SImage small;
-        small.CopyFrom(&item.cover);
-        small.Resize(SMALL_SIDE, SMALL_SIDE);
-        rowImages.Add(&small);
-        rows.push_back({name, i + 1, isLeaf ? FOLDER_IS_LEAF : FOLDER_HAS_SUBFOLDERS});
-        thumbnails.push_back(std::move(item));
+    for (size_t i = 0; i < count; ++i) {
+        rowImages.Add(&smallImages[i]);
+        items[i].name = *names.GetAt(static_cast<int>(i));
+        rows.push_back({items[i].name, static_cast<int>(i) + 1,
+                        items[i].isLeaf ? FOLDER_IS_LEAF : FOLDER_HAS_SUBFOLDERS});
+        thumbnails.push_back(std::move(items[i]));
     }
     selectedRow = -1;
     focusThumbs = wantThumbs;

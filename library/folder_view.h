@@ -18,6 +18,7 @@
 #include "foundation/image_list.h"
 #include "foundation/path.h"
 #include "foundation/string.h"
+#include "library/cover_cache.h"
 #include "library/metadata.h"
 #include "library/statistics.h"
 
@@ -56,6 +57,10 @@ public:
     const SPath& GetRoot() const { return root; }
     const SPath& GetCurrent() const { return current; }
     PCovers& GetCovers() { return covers; }
+    // Where the covers of the cards are kept once made (PCoverCache); ""
+    // (the default) makes every cover anew.
+    void SetCoverCacheFolder(const char* folder) { coverCache.SetFolder(folder); }
+    const PCoverCache& GetCoverCache() const { return coverCache; }
     // The statistics table the info pane reads; null until a run ends.
     void SetStatistics(std::shared_ptr<const PStatsTable> table) { statistics = std::move(table); }
 
@@ -64,7 +69,10 @@ public:
     // are accepted). A missing folder or one above the root makes the root
     // current and gives false; a folder without subfolders leaves the view
     // as it was and gives false. Otherwise lists the subfolders, selects
-    // selectName when given and focusThumbs is off, and gives true.
+    // selectName when given and focusThumbs is off, and gives true. Every
+    // card's cover is made before it returns, on one thread per core
+    // (through the cover cache when it has a folder), so the view is
+    // shown complete.
     bool NavigateFolder(const char* relative, const char* selectName, bool focusThumbs);
     // NavigateFolder from nothing, so that an absolute path stands as given.
     bool OpenFolder(const char* path, const char* selectName, bool focusThumbs);
@@ -116,6 +124,7 @@ private:
     SPath root;
     SPath current;
     PCovers covers;
+    PCoverCache coverCache;
     std::shared_ptr<const PStatsTable> statistics;
     std::vector<PFolderRow> rows;
     std::vector<PThumbItem> thumbnails;

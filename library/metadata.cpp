@@ -10,6 +10,7 @@
 #include "foundation/ini.h"
 #include "foundation/parser.h"
 #include "foundation/path.h"
+#include "library/cover_cache.h"
 #include "library/media.h"
 
 namespace {
@@ -43,6 +44,17 @@ bool LoadScaledFile(SImage& image, const SString& path) {
            image.LoadScaled(&file, COVER_SIDE, COVER_SIDE);
 }
 
+// Every cover ends 150 by 150 and opaque: a pixel that was not wholly
+// opaque becomes white.
+void MakeCoverOpaque(SImage& image) {
+    if (image.GetWidth() != COVER_SIDE || image.GetHeight() != COVER_SIDE) {
+        image.Resize(COVER_SIDE, COVER_SIDE);
+    }
+    if (image.HasAlpha()) {
+        image.FlattenAlpha();
+    }
+}
+
 } // namespace
 
 void PCovers::SetRoot(const char* newRoot) {
@@ -66,71 +78,112 @@ void PCovers::SetDefaultCover(const SImage* image) {
     }
 }
 
-std::vector<SString> PCovers::FindCoverFiles(const char* folder) const {
-    std::vector<SString> found;
+bool PCovers::VisitCoverFiles(const char* folder,
+                              const std::function<bool(const SString&)>& visit) const {
     SPath path;
     if (folder == nullptr || !path.SetFolder(folder)) {
-        return found;
+        return false;
     }
     SString name = path.GetLastFolder(true);
     SString parent = path.GetParent();
     if (name.IsEmpty() || parent.IsEmpty()) {
-        return found;
+        return false;
     }
-    auto add = [&found](SString file) {
-        if (!file.IsEmpty()) {
-            found.push_back(std::move(file));
-        }
-    };
+    auto offer = [&visit](const SString& file) { return !file.IsEmpty() && visit(file); };
     for (const char* extension : {".png", ".jpg"}) {
-        add(fileNames.Find(parent.c_str(), (name + extension).c_str()));
+        if (offer(fileNames.Find(parent.c_str(), (name + extension).c_str()))) {
+            return true;
+        }
     }
     if (!root.IsEmpty() && sharedNames.Find(name.c_str()) >= 0) {
         for (const char* extension : {".png", ".jpg"}) {
-            add(fileNames.Find(root.c_str(), (name + extension).c_str()));
+            if (offer(fileNames.Find(root.c_str(), (name + extension).c_str()))) {
+                return true;
+            }
         }
     }
     SString inside = path.GetFullPath();
     for (const char* inner : INNER_NAMES) {
         for (const char* extension : INNER_EXTENSIONS) {
-            add(fileNames.Find(inside.c_str(), (SString(inner) + extension).c_str()));
+            if (offer(fileNames.Find(inside.c_str(), (SString(inner) + extension).c_str()))) {
+                return true;
+            }
         }
     }
+    return false;
+}
+
+std::vector<SString> PCovers::FindCoverFiles(const char* folder) const {
+    std::vector<SString> found;
+    VisitCoverFiles(folder, [&found](const SString& file) {
+        found.push_back(file);
+        return false;
+    });
     return found;
 }
 
 SString PCovers::FindCover(const char* folder) const {
-    std::vector<SString> found = FindCoverFiles(folder);
-    return found.empty() ? SString("") : found.front();
+    SString found;
+    VisitCoverFiles(folder, [&found](const SString& file) {
+        found = file;
+        return true;
+    });
+    return found;
 }
 
-bool PCovers::LoadCover(SImage* image, const char* folder) const {
+bool PCovers::LoadCoverFile(SImage* image, const SString& file, const PCoverCache* cache) const {
+    PCoverFileKey key;
+    bool keyed = cache != nullptr && cache->IsEnabled() &&
+                 PCoverCache::GetFileKey(file.c_str(), &key);
+    if (keyed && cache->Find(file.c_str(), key, image)) {
+        return true;
+    }
+    if (!LoadScaledFile(*image, file)) {
+        return false;
+    }
+    MakeCoverOpaque(*image);
+    if (keyed) {
+        cache->Store(file.c_str(), key, *image);
+    }
+    return true;
+}
+
+void PCovers::LoadDefaultCover(SImage* image) const {
+    if (defaultCover.IsValid()) {
+        image->CopyFrom(&defaultCover);
+    } else {
+        image->Create(COVER_SIDE, COVER_SIDE, PIXEL_FORMAT_24RGB);
+        image->Fill(0xFFFFFFFF);
+    }
+    MakeCoverOpaque(*image);
+}
+
+bool PCovers::LoadCover(SImage* image, const char* folder, const PCoverCache* cache) const {
     if (image == nullptr) {
         return false;
     }
     // A cover that fails to decode passes to the next place in the order.
-    bool own = false;
-    for (const SString& file : FindCoverFiles(folder)) {
-        if (LoadScaledFile(*image, file)) {
-            own = true;
-            break;
+    if (VisitCoverFiles(folder, [&](const SString& file) {
+            return LoadCoverFile(image, file, cache);
+        })) {
+        return true;
+    }
+    LoadDefaultCover(image);
+    return false;
+}
+
+bool PCovers::LoadCoverFrom(SImage* image, const std::vector<SString>& files,
+                            const PCoverCache* cache) const {
+    if (image == nullptr) {
+        return false;
+    }
+    for (const SString& file : files) {
+        if (LoadCoverFile(image, file, cache)) {
+            return true;
         }
     }
-    if (!own) {
-        if (defaultCover.IsValid()) {
-            image->CopyFrom(&defaultCover);
-        } else {
-            image->Create(COVER_SIDE, COVER_SIDE, PIXEL_FORMAT_24RGB);
-            image->Fill(0xFFFFFFFF);
-        }
-    }
-    if (image->GetWidth() != COVER_SIDE || image->GetHeight() != COVER_SIDE) {
-        image->Resize(COVER_SIDE, COVER_SIDE);
-    }
-    if (image->HasAlpha()) {
-        image->FlattenAlpha();
-    }
-    return own;
+    LoadDefaultCover(image);
+    return false;
 }
 
 SString CutSiteLink(const char* site) {

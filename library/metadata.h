@@ -5,6 +5,7 @@
 // "<folder>/<title>.txt".
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include "foundation/array.h"
@@ -19,8 +20,11 @@ constexpr int TRACK_HAS_TEXT = 5;
 constexpr int TRACK_NO_TEXT = -1;
 
 // PCovers: finds and loads folder covers for one collection. It keeps the
-// folders' file names between calls (see PFileNameCache), so one object
-// serves one thread.
+// folders' file names between calls (see PFileNameCache, which serves
+// several threads at once), so once set up, FindCover, FindCoverFiles and
+// the loads may run on several threads together; the setters may not.
+class PCoverCache;
+
 class PCovers {
 public:
     PCovers() = default;
@@ -48,13 +52,26 @@ public:
     // Leaves a 150 by 150 opaque picture in image (nothing when null): the
     // folder's cover stretched to that size, or the default cover, with
     // every pixel whose alpha is below 255 made opaque white. True when the
-    // folder's own cover was used.
-    bool LoadCover(SImage* image, const char* folder) const;
+    // folder's own cover was used. The places are looked at in order and
+    // only until one gives a picture. With a cache, a cover file made before
+    // with the same size and time is taken from it, and a newly decoded one
+    // is stored there.
+    bool LoadCover(SImage* image, const char* folder, const PCoverCache* cache = nullptr) const;
     // Every cover file of the folder that exists, in the order above: a
     // file that does not decode passes to the next.
     std::vector<SString> FindCoverFiles(const char* folder) const;
+    // LoadCover from the files FindCoverFiles gave, in their order.
+    bool LoadCoverFrom(SImage* image, const std::vector<SString>& files,
+                       const PCoverCache* cache = nullptr) const;
 
 private:
+    // Gives visit each cover file of the folder that exists, in the order of
+    // FindCover, until it returns true; true when one did.
+    bool VisitCoverFiles(const char* folder,
+                         const std::function<bool(const SString&)>& visit) const;
+    // One cover file, from the cache or decoded; false when it gives none.
+    bool LoadCoverFile(SImage* image, const SString& file, const PCoverCache* cache) const;
+    void LoadDefaultCover(SImage* image) const;
 
     SString root;
     SStringArray sharedNames;
