@@ -537,6 +537,11 @@ bool PWndApp::AddToPlaylist(bool fromFolder) {
 bool PWndApp::PlayFileInFolder(const char* name) {
     SString folder = GetCurrentFolder();
     SString path = folder + name;
+    SDisk disk;
+    if (disk.IsFolder(path.c_str())) {
+        // A folder's card plays the folder.
+        return queue.PlayFolderAt(-1, (path + "/").c_str()) && queue.GetIndex() >= 0;
+    }
     SStringArray list;
     list.Add(path);
     return queue.SetPlayQueue(&list) && queue.GetIndex() >= 0;

@@ -185,7 +185,7 @@ void PAppMedia::OnBuffering(bool stopped) {
 
 // The window.
 
-PWndApp::PWndApp() : media(*this), queue(media), cover(*this), play(this), playlist(this) {
+PWndApp::PWndApp() : media(*this), queue(media), cover(*this), thumbs(this), play(this), playlist(this) {
     EnsureAppResources();
     defaultCover.LoadResource("BINARY", RESOURCE_DEFAULT_COVER);
     for (int i = 0; i < 6; ++i) {
@@ -195,6 +195,13 @@ PWndApp::PWndApp() : media(*this), queue(media), cover(*this), play(this), playl
         }
     }
     view.GetCovers().SetDefaultCover(&defaultCover);
+    // Covers of the cards are kept between runs; what a killed run left
+    // half-written is cleared.
+    PCoverCache cache;
+    SString cacheFolder = PCoverCache::GetDefaultFolder();
+    cache.SetFolder(cacheFolder.c_str());
+    cache.RemoveLeftovers();
+    view.SetCoverCacheFolder(cacheFolder.c_str());
     media.SetQueue(&queue);
     const char* sink = getenv("MELKORA_AUDIO_SINK");
     media.SetFakeSinks(sink != nullptr && strcmp(sink, "fake") == 0);
@@ -258,8 +265,7 @@ void PWndApp::BuildControls() {
     info.SetMarkup(true);
     folders.Create(left, none, ID_FOLDERS, LIST_SELECTION_SINGLE, WS_VISIBLE | WS_TABSTOP);
 
-    thumbSpace.Create("", WS_VISIBLE, 0, &none, right->GetHandle(), ID_THUMBS);
-    thumbSpace.SetBackColor(0xB6D5ED);
+    thumbs.Create(right, none, ID_THUMBS);
     cover.Create("", 0, 0, &none, right->GetHandle());
     caption.Create("", 0, 0, &none, right->GetHandle());
     caption.SetMarkup(true);
@@ -413,7 +419,7 @@ void PWndApp::LayoutPanes() {
     _SWnd* right = outer.GetPane(1, 0);
     SSize rightSize = right->GetClientSize();
     int paneBottom = std::max(rightSize.height - BOTTOM_STRIP, 200);
-    thumbSpace.MoveWindow(SRect{0, 0, rightSize.width, paneBottom});
+    thumbs.MoveWindow(SRect{0, 0, rightSize.width, paneBottom});
     cover.MoveWindow(SRect{0, 0, 150, 150});
     caption.MoveWindow(SRect{0, 150, 150, 212}); // the name, a blank line and the site link
     parentCover.MoveWindow(SRect{0, paneBottom - 150, 150, paneBottom});

@@ -19,6 +19,7 @@
 #include "library/play_queue.h"
 #include "library/thread_stats.h"
 #include "panels/panel_host.h"
+#include "panels/thumbs_wnd.h"
 #include "panels/wnd_play.h"
 #include "panels/wnd_playlist.h"
 #include "toolkit/bar_ctrls.h"
@@ -196,6 +197,7 @@ public:
     bool IsThumbnailView() const { return thumbnailView; }
     PWndPlay& GetPlayPanel() { return play; }
     PWndPlaylist& GetPlaylistPanel() { return playlist; }
+    PWndThumbs& GetThumbs() { return thumbs; }
 
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override;
 
@@ -288,7 +290,7 @@ private:
     SMediaCtrl caption;
     SMediaCtrl parentCover;
     SMediaCtrl parentCaption;
-    SWnd thumbSpace; // where the thumbnails stand
+    PWndThumbs thumbs;
     SBrowserCtrl web;
     PWndPlay play;
     PWndPlaylist playlist;

@@ -7,18 +7,20 @@
 #include "toolkit/wnd_app.h"
 
 void PWndApp::ShowThumbnails(bool show) {
-    thumbSpace.Show(show ? SW_SHOW : SW_HIDE);
+    thumbs.Show(show ? SW_SHOW : SW_HIDE);
 }
 
 void PWndApp::FocusView() {
-    if (thumbSpace.IsVisible()) {
-        SetFocus(thumbSpace.GetHandle());
+    if (thumbs.IsVisible()) {
+        SetFocus(thumbs.GetHandle());
     } else if (tracks.IsVisible()) {
         SetFocus(tracks.GetHandle());
     }
 }
 
-void PWndApp::FillThumbnails() {}
+void PWndApp::FillThumbnails() {
+    thumbs.SetThumbs(view.GetThumbnails());
+}
 
 void PWndApp::ShowNowPlaying(const char* path, int position, int count) {
     if (path == nullptr) {

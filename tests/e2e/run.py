@@ -137,6 +137,44 @@ def case_plays_pauses_stops_and_moves_through_folders(ctx):
     program.wait_for(r"^folder \d+ .*/Rock/$")
 
 
+def card(index):
+    """The middle of a card's cover in the thumbnails (four to a row at
+    this width)."""
+    column, row = index % 4, index // 4
+    return RIGHT_PANE[0] + column * 170 + 36 + 75, RIGHT_PANE[1] + row * 200 + 12 + 75
+
+
+def case_thumbnails_open_folders_and_play_albums(ctx):
+    root = ctx.make_collection()
+    with open(os.path.join(root, "Book.htm"), "w") as f:
+        f.write("<p>A Book</p>")  # a collection with a Book starts on its thumbnails
+    home = ctx.home("thumbs")
+    program, window = ctx.start(root, home)
+    ctx.shot("start")
+    click(window, *card(1))  # Rock
+    program.wait_for(r"^folder \d+ .*/Rock/$")
+    click(window, *card(0))  # Artist
+    program.wait_for(r"^folder \d+ .*/Rock/Artist/$")
+    ctx.shot("thumbnails")
+    click(window, *card(0))  # Album One, a folder without subfolders: it plays
+    program.wait_for(r"^open .*/Album One/01 One\.wav$")
+    # A left click on the band goes up a level.
+    click(window, RIGHT_PANE[0] + 40, RIGHT_PANE[1] + 200)
+    program.wait_for(r"^folder \d+ .*/Rock/$")
+
+
+def case_the_first_start_shows_the_welcome_page(ctx):
+    root = ctx.make_collection()
+    home = ctx.home("welcome")
+    program, window = ctx.start(root, home)
+    time.sleep(1.5)
+    ctx.shot("welcome")
+    # The page takes the thumbnails' place until a folder is chosen.
+    click(window, *folder_row(1))
+    program.drain(0.5)
+    assert program.alive()
+
+
 def case_settings_are_stored_at_close_and_applied_at_start(ctx):
     root = ctx.make_collection()
     home = ctx.home("settings")
