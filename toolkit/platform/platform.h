@@ -148,6 +148,11 @@ public:
     // Gives the widget the keyboard focus, or gives it back to the surface.
     virtual void FocusHostedChild(HWND owner, bool focus);
     virtual void DestroyHostedChild(HWND owner);
+    // A top-level surface kept above its owner's (a dialog over the window
+    // that opened it; 0 for none), and a surface raised and given the
+    // keyboard. The defaults do nothing.
+    virtual void SetSurfaceOwner(HWND hwnd, HWND owner);
+    virtual void ActivateSurface(HWND hwnd);
 };
 
 // The platform in use; the headless one until SetPlatform. The toolkit owns
