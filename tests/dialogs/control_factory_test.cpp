@@ -439,6 +439,50 @@ TEST_F(Factory, ADamagedDefinitionGivesAWindowWithWhatCouldBeRead) {
     }
 }
 
+TEST_F(Factory, RandomDamageNeverBreaksTheBuild) {
+    // The preferences definition damaged in many ways: bytes changed, lines
+    // dropped or doubled, the file cut. Each builds a window or is refused.
+    const std::string original = ReadSource("app/resources/162_preferences.dlg");
+    ASSERT_FALSE(original.empty());
+    uint32_t seed = 17;
+    auto next = [&seed](uint32_t bound) {
+        seed = seed * 1664525u + 1013904223u;
+        return (seed >> 8) % bound;
+    };
+    const char noise[] = "=\r\n[]# -0123456789ABCZ_\x01\xFF";
+    int built = 0;
+    for (int round = 0; round < 300; ++round) {
+        std::string text = original;
+        int damages = 1 + static_cast<int>(next(6));
+        for (int d = 0; d < damages && !text.empty(); ++d) {
+            size_t at = next(static_cast<uint32_t>(text.size()));
+            switch (next(4)) {
+            case 0:
+                text[at] = noise[next(sizeof(noise) - 1)];
+                break;
+            case 1:
+                text.erase(at, next(40));
+                break;
+            case 2:
+                text.insert(at, text.substr(at, next(60)));
+                break;
+            default:
+                text.resize(at);
+                break;
+            }
+        }
+        SWndDialog dialog;
+        SFileMem file = Memory(text);
+        if (dialog.CreateFromDefinition(&file)) {
+            ++built;
+            EXPECT_LE(dialog.GetControlCount(), 40) << round;
+        } else {
+            EXPECT_EQ(dialog.GetControlCount(), 0) << round;
+        }
+    }
+    EXPECT_GT(built, 50) << "most damage leaves a window to build";
+}
+
 TEST_F(Factory, TheDialogRecordMakesTheWindow) {
     std::string text =
         Definition({Control(CTRL_EDIT, 7, "E", 10, 10, 100, 24,
