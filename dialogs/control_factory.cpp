@@ -919,7 +919,9 @@ bool BuildDialog(SFile* source, SWndDialog* dialog, const SDialogBuildOptions& o
             built.emplace_back(made, at);
         }
     }
+    // Only the controls whose records ask for it take Tab.
     for (auto& [control, from] : built) {
+        control->SetTabStopOff(!from->GetPropertyBool("TABENABLED"));
         if (from->GetPropertyBool("TABENABLED")) {
             int index =
                 from->GetProperty("TABINDEX").IsEmpty() ? -1 : from->GetPropertyInt("TABINDEX");

@@ -724,8 +724,9 @@ void CollectFocusOrder(const std::vector<HWND>& children, std::vector<SWnd*>* li
         return a->GetTabOrder() < b->GetTabOrder();
     });
     for (SWnd* child : sorted) {
-        if ((child->GetStyle() & WS_TABSTOP) != 0 || child->GetTabGroup() != -1 ||
-            SendMessage(child->GetHandle(), SM_TAB_STOP, 0, 0) != 0) {
+        if (!child->IsTabStopOff() &&
+            ((child->GetStyle() & WS_TABSTOP) != 0 || child->GetTabGroup() != -1 ||
+             SendMessage(child->GetHandle(), SM_TAB_STOP, 0, 0) != 0)) {
             list->push_back(child);
         }
         SArray<HWND> grandChildren;

@@ -265,6 +265,10 @@ public:
     }
     int GetTabGroup() const { return tabGroup; }
     int GetTabOrder() const { return tabOrder; }
+    // Keeps a window out of the focus order whatever its style or answer
+    // (a dialog's control whose definition does not ask for Tab).
+    void SetTabStopOff(bool off) { tabStopOff = off; }
+    bool IsTabStopOff() const { return tabStopOff; }
     bool IsModal() const { return isModal; }
     void SetModal(bool modal) { isModal = modal; }
     // The owner of a top-level window (0 for none): the window stays above
@@ -436,6 +440,7 @@ private:
     SRect backgroundSlices;
     int tabGroup = -1;
     int tabOrder = -1;
+    bool tabStopOff = false;
     bool toolTip = false;
     SString toolTipText;
     SMenu* menu = nullptr;

@@ -486,7 +486,8 @@ TEST_F(Factory, RandomDamageNeverBreaksTheBuild) {
 TEST_F(Factory, TheDialogRecordMakesTheWindow) {
     std::string text =
         Definition({Control(CTRL_EDIT, 7, "E", 10, 10, 100, 24,
-                            {{"TABENABLED", "1"}, {"TABINDEX", "3"}, {"TABGROUP", "2"}})},
+                            {{"TABENABLED", "1"}, {"TABINDEX", "3"}, {"TABGROUP", "2"}}),
+                    Control(CTRL_EDIT, 8, "F", 10, 40, 100, 24)},
                    320, 200,
                    {{"DIALOG_STATUSBARTEXT", " Left | Right "},
                     {"DIALOG_FOCUS", "7"},
@@ -504,6 +505,11 @@ TEST_F(Factory, TheDialogRecordMakesTheWindow) {
     EXPECT_EQ(dialog.GetClientHeight(), 200 + dialog.GetStatusBar()->GetHeight())
         << "the status bar adds its own room";
     EXPECT_EQ(GetFocus(), dialog.GetControl(7u)->GetHandle());
+    dialog.Show(SW_SHOW);
+    EXPECT_EQ(dialog.GetControl(7u)->GetNextFocus(false), dialog.GetControl(7u))
+        << "the only control in the order";
+    EXPECT_EQ(dialog.GetControl(8u)->GetNextFocus(false), dialog.GetControl(7u))
+        << "an edit without TABENABLED is left out";
     EXPECT_EQ(dialog.GetControl(7u)->GetTabGroup(), 2);
     EXPECT_EQ(dialog.GetControl(7u)->GetTabOrder(), 3);
     EXPECT_TRUE(dialog.enterKey);
