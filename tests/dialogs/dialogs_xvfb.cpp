@@ -5,6 +5,7 @@
 // dialog-*.png, checked in under docs/).
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 
 #include "app/resources.h"
@@ -155,6 +156,55 @@ TEST_F(GtkDialogs, PlaylistName) {
            "dialog-playlist-name.png",
            "Playlist",
            {{"EDIT_NAME", "Road trip"}}});
+}
+
+// The playlist name box run modally over a main window on GTK, as the
+// program runs it: the main window waits, OK ends the run with 0, and the
+// box stays, hidden, for its text to be read.
+class Helper : public SWnd {
+public:
+    LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
+        if (message == WM_USER && step) {
+            step();
+            return 0;
+        }
+        return SWnd::OnMessage(message, wParam, lParam);
+    }
+    std::function<void()> step;
+};
+
+TEST_F(GtkDialogs, AModalRunOverTheMainWindow) {
+    ASSERT_TRUE(started) << "no X display: run under xvfb-run";
+    SWnd main;
+    SRect bounds{50, 50, 650, 450};
+    ASSERT_TRUE(main.Create("Melkora", WS_VISIBLE | WS_CAPTION, 0, &bounds, 0));
+    Helper helper;
+    SRect none{0, 0, 1, 1};
+    ASSERT_TRUE(helper.Create("", 0, 0, &none, 0));
+    SFileMem file("BINARY", RESOURCE_PLAYLIST_NAME_DIALOG);
+    SWndDialog dialog;
+    SDialogBuildOptions options;
+    options.parent = &main;
+    options.forcePopup = true;
+    ASSERT_TRUE(dialog.CreateFromDefinition(&file, options));
+    EXPECT_EQ(dialog.GetOwner(), main.GetHandle());
+    dialog.GetControl("EDIT_NAME")->SetText("Road trip");
+    bool mainWaited = false, shownDuring = false;
+    helper.step = [&] {
+        mainWaited = !main.IsEnabled();
+        shownDuring = dialog.IsVisible();
+        static_cast<SButtonCtrl*>(dialog.GetControl("OK"))->Press();
+    };
+    PostMessage(helper.GetHandle(), WM_USER, 0, 0);
+    EXPECT_EQ(dialog.DoModal(), 0);
+    EXPECT_TRUE(mainWaited);
+    EXPECT_TRUE(shownDuring);
+    EXPECT_TRUE(main.IsEnabled());
+    EXPECT_FALSE(dialog.IsVisible());
+    EXPECT_EQ(dialog.GetControl("EDIT_NAME")->GetText(), SString("Road trip"));
+    dialog.Destroy();
+    helper.Destroy();
+    main.Destroy();
 }
 
 } // namespace
