@@ -49,22 +49,39 @@ void SWndDialog::GrowForBar(int delta, int shift) {
     if (delta == 0) {
         return;
     }
-    if (shift != 0) {
-        SArray<SWnd*> children;
-        GetChildren(&children);
-        for (int i = 0; i < children.GetCount(); ++i) {
-            SWnd* child = children.GetAt(i);
-            if (child == statusBar.get() || child == toolBar.get() || child == controlBar.get()) {
-                continue;
-            }
+    // The controls keep their room: anchors are held while the window
+    // grows, and then record the new size, so nothing anchored to the
+    // bottom slides under a bar.
+    SArray<SWnd*> children;
+    GetChildren(&children);
+    std::vector<std::pair<HWND, unsigned>> anchors;
+    for (int i = 0; i < children.GetCount(); ++i) {
+        SWnd* child = children.GetAt(i);
+        if (child == statusBar.get() || child == toolBar.get() || child == controlBar.get()) {
+            continue;
+        }
+        if (child->GetAnchor() != 0) {
+            anchors.emplace_back(child->GetHandle(), child->GetAnchor());
+            child->SetAnchor(0);
+        }
+        if (shift != 0) {
             SRect rect = child->GetRect();
             rect.top += shift;
             rect.bottom += shift;
             child->MoveWindow(rect, false);
         }
     }
+    for (DialogAnchor& kept : dialogAnchors) {
+        kept.parentSize.height += delta;
+        kept.box.top += shift;
+    }
     SSize client = GetClientSize();
     SetClientSize(client.width, client.height + delta);
+    for (const auto& [handle, anchor] : anchors) {
+        if (SWnd* child = FromHandle(handle)) {
+            child->SetAnchor(anchor);
+        }
+    }
     LayoutBars();
 }
 

@@ -600,8 +600,12 @@ TEST_F(Factory, ModalRunsOfABuiltDialog) {
 
 TEST_F(Factory, BarsGiveTheirRoomAndGoWithTheWindow) {
     SWndDialog dialog;
-    ASSERT_TRUE(
-        Build(dialog, Definition({Control(CTRL_BUTTON, 1, "B", 10, 10, 50, 20)}, 300, 200)));
+    ASSERT_TRUE(Build(
+        dialog, Definition({Control(CTRL_BUTTON, 1, "B", 10, 10, 50, 20),
+                            Control(CTRL_BUTTON, 2, "FOOT", 10, 170, 50, 20, {{"VALIGN", "32"}}),
+                            Control(CTRL_BUTTON, 3, "WIDE", 10, 140, 50, 20,
+                                    {{"HALIGN", "6"}, {"VALIGN", "32"}})},
+                           300, 200)));
     EXPECT_TRUE(dialog.AddStatusBar(0));
     EXPECT_FALSE(dialog.AddStatusBar(2)) << "one status bar";
     EXPECT_EQ(dialog.GetStatusBar()->GetPartCount(), 1) << "at least one part";
@@ -612,6 +616,13 @@ TEST_F(Factory, BarsGiveTheirRoomAndGoWithTheWindow) {
     EXPECT_EQ(dialog.GetClientHeight(), withStatus + toolbarHeight);
     EXPECT_EQ(dialog.GetControl("B")->GetRect().top, 10 + toolbarHeight)
         << "the controls move down below the toolbar";
+    EXPECT_EQ(dialog.GetControl("FOOT")->GetRect().top, 170 + toolbarHeight)
+        << "a control anchored to the bottom keeps its place above the status bar";
+    EXPECT_EQ(dialog.GetControl("WIDE")->GetRect().top, 140 + toolbarHeight);
+    dialog.SetClientSize(300, dialog.GetClientHeight() + 10);
+    EXPECT_EQ(dialog.GetControl("FOOT")->GetRect().top, 180 + toolbarHeight)
+        << "and follows the bottom from there";
+    EXPECT_EQ(dialog.GetControl("WIDE")->GetRect().top, 150 + toolbarHeight);
     dialog.SetStatusText(0, "ready");
     EXPECT_EQ(dialog.GetStatusBar()->GetText(0), SString("ready"));
     SRect status = dialog.GetStatusBar()->GetRect();
