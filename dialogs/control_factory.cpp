@@ -41,7 +41,6 @@ constexpr uint32_t CBS_DROPDOWN_BIT = 2u;
 constexpr uint32_t CBS_SORT_BIT = 0x100u;
 constexpr uint32_t ES_LOWERCASE_BIT = 0x10u;
 constexpr uint32_t ES_UPPERCASE_BIT = 8u;
-constexpr uint32_t EDIT_STYLE_BITS = EDIT_MULTILINE | EDIT_PASSWORD | EDIT_READONLY | EDIT_NUMBER;
 constexpr uint32_t LVS_TYPE_MASK = 3u;
 constexpr uint32_t LVS_REPORT_BIT = 1u;
 constexpr uint32_t LVS_LIST_BITS = 3u;
