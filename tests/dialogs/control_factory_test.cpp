@@ -370,17 +370,6 @@ TEST_F(Factory, AnchorsMoveControlsAsTheDefinitionSaysForEveryValue) {
     }
 }
 
-TEST_F(Factory, TheWindowCoreTakesTheAnchorsItCanExpress) {
-    unsigned bits = 0;
-    EXPECT_TRUE(DialogAnchorToWindowAnchor(AUTO_RIGHT | AUTO_BOTTOM, &bits));
-    EXPECT_EQ(bits, ANCHOR_LEFT | ANCHOR_RIGHT | ANCHOR_TOP | ANCHOR_BOTTOM)
-        << "moving right moves both edges";
-    EXPECT_TRUE(DialogAnchorToWindowAnchor(AUTO_WIDTHHALF | AUTO_MIDDLEHALF, &bits));
-    EXPECT_EQ(bits, ANCHOR_RIGHT | ANCHOR_HALF_X | ANCHOR_CENTER_Y | ANCHOR_HALF_Y);
-    EXPECT_FALSE(DialogAnchorToWindowAnchor(AUTO_RIGHT | AUTO_WIDTH, &bits))
-        << "the right edge would move twice";
-}
-
 TEST_F(Factory, ADamagedDefinitionGivesAWindowWithWhatCouldBeRead) {
     std::string good = Definition({Control(CTRL_BUTTON, 1, "FIRST", 0, 0, 50, 20),
                                    Control(CTRL_BUTTON, 2, "SECOND", 0, 30, 50, 20),

@@ -171,10 +171,4 @@ TEST_F(Modal, AWindowDestroyedDuringItsRunEndsTheRun) {
     EXPECT_TRUE(owner.IsEnabled());
 }
 
-TEST_F(Modal, KeptVisibleWithoutHideAfter) {
-    steps.Post([&] { dialog.EndModal(1); });
-    EXPECT_EQ(dialog.DoModal(0, 0, false, false, false), 1);
-    EXPECT_TRUE(dialog.IsVisible());
-}
-
 } // namespace
