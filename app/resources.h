@@ -12,6 +12,11 @@ inline constexpr unsigned RESOURCE_SPLASH = 235;
 // 20, 20 to 80, 40.
 inline constexpr unsigned RESOURCE_INFO_PANE = 237;
 
+// Dialog definitions: the preferences (a dialog of 525 by 380) and the
+// folder's site box of "Properties..." (355 by 90).
+inline constexpr unsigned RESOURCE_PREFERENCES_DIALOG = 162;
+inline constexpr unsigned RESOURCE_PROPERTIES_DIALOG = 215;
+
 // Toolbar pictures, in the order of the toolbar's image list. Each is
 // embedded at 32 by 32 as BINARY, and also at 24 by 24 under
 // RESOURCE_TYPE_SMALL (the small-icons setting) and at 16 by 16 under

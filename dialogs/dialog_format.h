@@ -6,7 +6,9 @@
 
 #include <cstdint>
 
+#include "foundation/image.h"
 #include "foundation/string.h"
+#include "toolkit/draw.h"
 
 // Control types, numbered by their place in the type table.
 enum {
@@ -112,11 +114,8 @@ inline uint32_t SystemColorIndex(uint32_t color) {
 // table does not have).
 uint32_t ResolveColor(uint32_t color);
 
-// Font flags.
-constexpr uint32_t FONT_BOLD = 1;
-constexpr uint32_t FONT_ITALIC = 2;
-constexpr uint32_t FONT_UNDERLINE = 4;
-constexpr uint32_t FONT_STRIKEOUT = 8;
+// Font flags: FONT_BOLD, FONT_ITALIC, FONT_UNDERLINE and FONT_STRIKEOUT of
+// toolkit/draw.h, the same bits the toolkit's fonts take.
 
 // Anchor values of HALIGN and VALIGN; a control's value is the OR of both.
 enum : uint32_t {
@@ -163,22 +162,9 @@ const char* AnchorLabel(uint32_t value, bool vertical);
 // The value of a word, or -1.
 int AnchorValueOfWord(const char* word);
 
-// Image draw modes, stored as their words.
-enum {
-    DRAW_TOPLEFT = 0,
-    DRAW_TOPCENTER = 1,
-    DRAW_TOPRIGHT = 2,
-    DRAW_MIDDLELEFT = 3,
-    DRAW_MIDDLERIGHT = 4,
-    DRAW_BOTTOMLEFT = 5,
-    DRAW_BOTTOMCENTER = 6,
-    DRAW_BOTTOMRIGHT = 7,
-    DRAW_CENTER = 8,
-    DRAW_STRETCH = 9,
-    DRAW_TILE = 10,
-    DRAW_FIT = 11,
-    DRAW_MODE_COUNT = 12
-};
+// Image draw modes, stored as their words: DRAW_TOPLEFT to DRAW_FIT of
+// foundation/image.h, the twelve a definition can name.
+constexpr int DRAW_MODE_COUNT = 12;
 // "_DRAWSTRETCH" for 9; null out of range.
 const char* DrawModeWord(int mode);
 // The mode of a word (exact); -1 for an unknown word.

@@ -53,6 +53,10 @@ inline constexpr unsigned RESOURCE_PLAYLIST_UP = 244;
 inline constexpr unsigned RESOURCE_PLAYLIST_DOWN = 245;
 inline constexpr unsigned RESOURCE_PLAYLIST_SHUFFLE = 246;
 
+// The dialog definition of the box that asks for a playlist's new name
+// (175 by 105).
+inline constexpr unsigned RESOURCE_PLAYLIST_NAME_DIALOG = 247;
+
 // Registers them as BINARY resources, with the pages layer's (the default
 // cover among them); safe to call from any thread, any number of times.
 void EnsurePanelsResources();

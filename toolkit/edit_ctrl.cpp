@@ -329,10 +329,14 @@ SRect SEditCtrl::CaretRect() {
     PangoRectangle strong;
     int index = ToDisplay(model.Caret()) + preeditCaret;
     pango_layout_get_cursor_pos(layout, index, &strong, nullptr);
+    int width = 0, height = 0;
+    pango_layout_get_pixel_size(layout, &width, &height);
     g_object_unref(layout);
     SRect area = TextArea();
     int x = area.left + PANGO_PIXELS(strong.x) - scrollX;
-    int y = area.top + PANGO_PIXELS(strong.y) - scrollY;
+    // Where Paint draws it: one line sits in the middle of the area.
+    int top = model.IsMultiLine() ? area.top - scrollY : area.top + (area.Height() - height) / 2;
+    int y = top + PANGO_PIXELS(strong.y);
     return SRect{x, y, x + 1, y + std::max(PANGO_PIXELS(strong.height), 1)};
 }
 

@@ -93,6 +93,16 @@ LRESULT DefWindowProc(HWND hwnd, unsigned message, WPARAM wParam, LPARAM lParam)
         return 0;
     case WM_ERASEBKGND:
         return 1;
+    case SM_OK:
+        if (wnd != nullptr) {
+            wnd->EndModal(0);
+        }
+        return 0;
+    case SM_CANCEL:
+        if (wnd != nullptr) {
+            wnd->EndModal(-1);
+        }
+        return 0;
     case WM_NCPAINT:
         if (wnd != nullptr && wnd->GetMenu() != nullptr && wParam != 0) {
             cairo_t* cr = reinterpret_cast<cairo_t*>(wParam);
@@ -262,6 +272,9 @@ bool SWnd::CreateWindow(const char* /*className*/, const char* title, unsigned w
         handle = 0;
         port.reset();
         return false;
+    }
+    if (parentWnd == nullptr && owner != 0) {
+        GetPlatform()->SetSurfaceOwner(handle, owner);
     }
     oldProc = classProc;
     subclassed = classProc != nullptr;
@@ -711,8 +724,9 @@ void CollectFocusOrder(const std::vector<HWND>& children, std::vector<SWnd*>* li
         return a->GetTabOrder() < b->GetTabOrder();
     });
     for (SWnd* child : sorted) {
-        if ((child->GetStyle() & WS_TABSTOP) != 0 || child->GetTabGroup() != -1 ||
-            SendMessage(child->GetHandle(), SM_TAB_STOP, 0, 0) != 0) {
+        if (!child->IsTabStopOff() &&
+            ((child->GetStyle() & WS_TABSTOP) != 0 || child->GetTabGroup() != -1 ||
+             SendMessage(child->GetHandle(), SM_TAB_STOP, 0, 0) != 0)) {
             list->push_back(child);
         }
         SArray<HWND> grandChildren;

@@ -265,8 +265,33 @@ public:
     }
     int GetTabGroup() const { return tabGroup; }
     int GetTabOrder() const { return tabOrder; }
+    // Keeps a window out of the focus order whatever its style or answer
+    // (a dialog's control whose definition does not ask for Tab).
+    void SetTabStopOff(bool off) { tabStopOff = off; }
+    bool IsTabStopOff() const { return tabStopOff; }
     bool IsModal() const { return isModal; }
     void SetModal(bool modal) { isModal = modal; }
+    // The owner of a top-level window (0 for none): the window stays above
+    // it, a modal run of the window disables it, and closing the modal
+    // window enables it again. Ignored on a child window.
+    void SetOwner(HWND owner);
+    HWND GetOwner() const { return owner; }
+    // Runs this top-level window modally and returns its modalResult (0 at
+    // once for a child window). The windows it makes wait: without
+    // allThreadWindows the top owner (the end of the chain of owners of
+    // this window's top-level window); with it every shown top-level
+    // window of the thread but this one, less, with excludeOwned, those
+    // whose owner is shown. Windows already disabled are left alone, so
+    // they stay disabled afterwards. SM_MODAL_START (first, second) may
+    // refuse the run with a non-zero answer (result 0). The window is
+    // shown and RunModalLoop pumps until EndModal, the window's end or
+    // WM_QUIT; with hideAfter the window is then hidden (and its owner
+    // enabled first, so the focus goes back there). The waiting windows
+    // are enabled again and the top owner activated.
+    int DoModal(WPARAM first = 0, LPARAM second = 0, bool allThreadWindows = false,
+                bool excludeOwned = false, bool hideAfter = true);
+    // Ends the modal run with result; only the first call of a run counts.
+    void EndModal(int result);
     bool enterKey = true;
     bool escapeKey = true;
     int modalResult = 0;
@@ -390,6 +415,7 @@ private:
     bool shortcutsEnabled = true;
     unsigned shortcutMask = 0x7FFF;
     bool isModal = false;
+    HWND owner = 0;
     bool caretVisible = false;
     bool caretShown = false;
     int caretHeight = 0;
@@ -414,6 +440,7 @@ private:
     SRect backgroundSlices;
     int tabGroup = -1;
     int tabOrder = -1;
+    bool tabStopOff = false;
     bool toolTip = false;
     SString toolTipText;
     SMenu* menu = nullptr;

@@ -173,7 +173,16 @@ bool SWnd::PreMessage(unsigned message, WPARAM* wParam, LPARAM* lParam, LRESULT*
         return true;
     case WM_CLOSE:
         if (isModal) {
-            SendMessage(handle, SM_CANCEL, 0, 0);
+            HWND self = handle;
+            SendMessage(self, SM_CANCEL, 0, 0);
+            if (FromHandle(self) != this) {
+                *result = 0;
+                return false;
+            }
+            // The owner first, so that the focus has somewhere to go.
+            if (SWnd* ownerWnd = FromHandle(owner); ownerWnd != nullptr) {
+                ownerWnd->Enable(true);
+            }
             Show(SW_HIDE);
             *result = 0;
             return false;

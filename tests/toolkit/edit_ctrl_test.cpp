@@ -293,3 +293,13 @@ TEST_F(EditTest, InputMethodCommitsAndComposes) {
 }
 
 } // namespace
+
+TEST_F(EditTest, TheCaretOfOneLineIsWhereItIsDrawnInTheMiddle) {
+    // The blink repaints the caret's rectangle: it must be the one drawn,
+    // or a part of the caret stays on the screen.
+    MakeEdit(0, "text", Rect(10, 10, 210, 60));
+    SRect caret = edit.CaretRect();
+    int above = caret.top;
+    int below = edit.GetClientHeight() - caret.bottom;
+    EXPECT_LE(std::abs(above - below), 2) << above << " above, " << below << " below";
+}

@@ -69,9 +69,14 @@ TEST_F(Loop, QuitDuringAModalRunEndsItAndTheOuterLoop) {
 }
 
 TEST_F(Loop, ModalRunTurnsEnterAndEscapeIntoOkAndCancel) {
+    // Enter's SM_OK is taken without ending the run, so that Escape comes.
     class Dialog : public RecordingWnd {
     public:
         LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
+            if (message == SM_OK) {
+                log->push_back(Entry{name, message, wParam, lParam});
+                return 0;
+            }
             if (message == SM_CANCEL) {
                 modalResult = 2;
                 SetModal(false);

@@ -39,6 +39,10 @@ void SPlatform::ImSetCursor(HWND /*top*/, const SRect& /*caret*/) {}
 
 void SPlatform::ImReset(HWND /*top*/) {}
 
+void SPlatform::SetSurfaceOwner(HWND /*hwnd*/, HWND /*owner*/) {}
+
+void SPlatform::ActivateSurface(HWND /*hwnd*/) {}
+
 bool SPlatform::RunChooser(HWND /*owner*/, const SChooserRequest& /*request*/,
                            SChooserAnswer* answer) {
     if (answer != nullptr) {

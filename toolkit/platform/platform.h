@@ -191,6 +191,11 @@ public:
     virtual void SetTrayMenu(int tray, const std::vector<STrayMenuItem>& items);
     virtual bool PopupTrayMenu(int tray);
     virtual void RemoveTrayIcon(int tray);
+    // A top-level surface kept above its owner's (a dialog over the window
+    // that opened it; 0 for none), and a surface raised and given the
+    // keyboard. The defaults do nothing.
+    virtual void SetSurfaceOwner(HWND hwnd, HWND owner);
+    virtual void ActivateSurface(HWND hwnd);
 };
 
 // The platform in use; the headless one until SetPlatform. The toolkit owns

@@ -641,6 +641,23 @@ public:
         return it != surfaces.end() ? it->second : nullptr;
     }
 
+    void SetSurfaceOwner(HWND hwnd, HWND owner) override {
+        Surface* surface = Find(hwnd);
+        if (surface == nullptr) {
+            return;
+        }
+        Surface* over = owner != 0 ? Find(owner) : nullptr;
+        gtk_window_set_transient_for(GTK_WINDOW(surface->window),
+                                     over != nullptr ? GTK_WINDOW(over->window) : nullptr);
+    }
+
+    void ActivateSurface(HWND hwnd) override {
+        Surface* surface = Find(hwnd);
+        if (surface != nullptr && gtk_widget_get_visible(surface->window)) {
+            gtk_window_present(GTK_WINDOW(surface->window));
+        }
+    }
+
     void ImFocus(HWND top, bool in) override {
         Surface* surface = Find(top);
         if (surface == nullptr || surface->im == nullptr || surface->imFocused == in) {
