@@ -1,9 +1,17 @@
 // The main window's side of the panels round it: thumbnails, the
 // now-playing panel, the playlist panel and the strip, and the dialogs it
 // runs for them.
+#include <cstdio>
+#include <utility>
+#include <vector>
+
+#include "app/resources.h"
 #include "app/settings.h"
 #include "app/wnd_app_main.h"
+#include "dialogs/wnd_dialog.h"
 #include "foundation/file.h"
+#include "library/metadata.h"
+#include "panels/resources.h"
 #include "toolkit/wnd_app.h"
 
 void PWndApp::ShowThumbnails(bool show) {
@@ -78,12 +86,67 @@ bool PWndApp::CloseChildWindows() {
     return true;
 }
 
-bool PWndApp::AskSite(const char* /*folder*/, SString* /*site*/) {
-    return false;
+namespace {
+
+// Runs an embedded dialog modally over owner with the texts given by
+// control name; on OK reads back the text of answerName. False on Cancel
+// or when the dialog cannot be built.
+bool RunTextDialog(SWnd* owner, unsigned resource, const char* caption,
+                   const std::vector<std::pair<const char*, SString>>& texts, const char* answerName,
+                   SString* answer) {
+    SFileMem file("BINARY", resource);
+    SWndDialog dialog;
+    SDialogBuildOptions options;
+    options.parent = owner;
+    options.forcePopup = true;
+    options.stayHidden = true;
+    if (!dialog.CreateFromDefinition(&file, options)) {
+        return false;
+    }
+    dialog.SetText(caption);
+    for (const auto& [name, text] : texts) {
+        SWnd* control = dialog.GetControl(name);
+        if (control != nullptr) {
+            control->SetText(text.c_str());
+        }
+    }
+    dialog.CenterOnParent(false);
+    SWnd* edit = dialog.GetControl(answerName);
+    if (edit != nullptr) {
+        edit->OnSelectAll();
+        SetFocus(edit->GetHandle());
+    }
+    bool accepted = dialog.DoModal() == 0 && edit != nullptr;
+    if (accepted && answer != nullptr) {
+        *answer = edit->GetText();
+    }
+    dialog.Destroy();
+    return accepted;
 }
 
-bool PWndApp::AskPlaylistName(SString* /*name*/) {
-    return false;
+} // namespace
+
+bool PWndApp::AskSite(const char* folder, SString* site) {
+    SString current = ReadSite(folder);
+    return RunTextDialog(this, RESOURCE_PROPERTIES_DIALOG, "Properties",
+                         {{"TXT_SITE", SString("Site:")}, {"EDIT_SITE", current}}, "EDIT_SITE", site);
+}
+
+bool PWndApp::AskPlaylistName(SString* name) {
+    SString current = name != nullptr ? *name : SString("");
+    SString answer;
+    if (!RunTextDialog(this, RESOURCE_PLAYLIST_NAME_DIALOG, "Playlist",
+                       {{"TXT_NAME", SString("New playlist name:")},
+                        {"CANCEL", SString("Cancel")},
+                        {"EDIT_NAME", current}},
+                       "EDIT_NAME", &answer) ||
+        answer.IsEmpty()) {
+        return false;
+    }
+    if (name != nullptr) {
+        *name = answer;
+    }
+    return true;
 }
 
 bool PWndApp::SaveImageAtomic(const SImage& picture, const char* path) {

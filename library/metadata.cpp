@@ -197,17 +197,18 @@ SString CutSiteLink(const char* site) {
     return link;
 }
 
+SString ReadSite(const char* folder) {
+    SString ini = FindCompanion(folder, ".ini");
+    SIni file;
+    if (ini.IsEmpty() || !file.SetFile(ini.c_str(), false)) {
+        return SString("");
+    }
+    return file.ReadString("", "site");
+}
+
 SString ComposeCoverCaption(const char* folder) {
     SString caption = FolderName(folder);
-    SString ini = FindCompanion(folder, ".ini");
-    if (ini.IsEmpty()) {
-        return caption;
-    }
-    SIni file;
-    if (!file.SetFile(ini.c_str(), false)) {
-        return caption;
-    }
-    SString site = file.ReadString("", "site");
+    SString site = ReadSite(folder);
     if (!site.IsEmpty()) {
         caption += "\n\n<link>";
         caption += CutSiteLink(site.c_str());

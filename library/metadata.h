@@ -85,6 +85,8 @@ SString CutSiteLink(const char* site);
 // The cover caption: the folder's name, then, when its ini file holds a
 // "site" value, "\n\n<link>" and the cut value and "</link>".
 SString ComposeCoverCaption(const char* folder);
+// The folder's "site" value; "" when it has none.
+SString ReadSite(const char* folder);
 // Writes the folder's "site" value, making the ini file when missing.
 bool WriteSite(const char* folder, const char* site);
 // The folder's page: its ".mht", else its ".htm"; empty when neither.

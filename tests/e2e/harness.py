@@ -95,8 +95,11 @@ class Program:
     def window(self, timeout=10.0):
         deadline = time.monotonic() + timeout
         while time.monotonic() < deadline:
-            found = subprocess.run(["xdotool", "search", "--pid", str(self.process.pid), "--name",
-                                    "^Melkora Browser"], capture_output=True, text=True).stdout.split()
+            # The main window alone: its title ends in the version, and the
+            # video window, hidden, has a title of its own.
+            found = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(self.process.pid),
+                                    "--name", "^Melkora Browser [0-9]"],
+                                   capture_output=True, text=True).stdout.split()
             if found:
                 return found[0]
             time.sleep(0.1)

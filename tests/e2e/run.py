@@ -241,6 +241,35 @@ def case_a_folder_added_to_the_playlist_is_written_and_a_row_removed(ctx):
     ctx.shot("playlist")
 
 
+def case_a_playlist_is_renamed_through_its_dialog(ctx):
+    root = ctx.make_collection()
+    home = ctx.home("rename")
+    program, window = ctx.start(root, home)
+    folder = os.path.join(root, "Playlists")
+    wait_until(lambda: os.path.exists(os.path.join(folder, "Playlist.lst")), 5, "no first playlist")
+    time.sleep(1.0)
+    ctx.shot("before-rename")
+    click(window, RIGHT_PANE[0] + 31, PLAYLIST_ROW_Y + 80)  # the rename button
+    time.sleep(1.0)
+    ctx.shot("dialog-playlist-name")
+    harness.xdotool("type", "--delay", 40, "Road Trip")
+    key(window, "Return")
+    wait_until(lambda: os.path.exists(os.path.join(folder, "Road Trip.lst")), 5,
+               "the playlist was not renamed: %s" % os.listdir(folder))
+    assert not os.path.exists(os.path.join(folder, "Playlist.lst"))
+    # Cancel leaves the name alone.
+    click(window, RIGHT_PANE[0] + 31, PLAYLIST_ROW_Y + 80)
+    time.sleep(1.0)
+    harness.xdotool("type", "--delay", 40, "Other")
+    key(window, "Escape")
+    time.sleep(0.5)
+    assert os.path.exists(os.path.join(folder, "Road Trip.lst")), os.listdir(folder)
+    # The name stored at close is the new one.
+    xdotool_close(window)
+    program.wait_exit(10)
+    assert read_settings(home)["Playlist"] == "Road Trip"
+
+
 def case_a_track_deleted_goes_to_the_trash(ctx):
     root = ctx.make_collection()
     home = ctx.home("trash")
