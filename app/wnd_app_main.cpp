@@ -545,7 +545,10 @@ void PWndApp::ApplyStartSettings() {
 // Folders.
 
 bool PWndApp::OpenFolder(const char* path, const char* selectName, bool focusThumbs) {
-    if (!view.OpenFolder(path, selectName, focusThumbs)) {
+    // Copies: the names may be the rows' own, which the navigation replaces.
+    SString pathCopy(path != nullptr ? path : "");
+    SString nameCopy(selectName != nullptr ? selectName : "");
+    if (!view.OpenFolder(pathCopy.c_str(), nameCopy.c_str(), focusThumbs)) {
         statusBar.SetText(0, view.GetStatusText().c_str());
         HidePage();
         return false;
@@ -555,7 +558,9 @@ bool PWndApp::OpenFolder(const char* path, const char* selectName, bool focusThu
 }
 
 bool PWndApp::NavigateFolder(const char* relative, const char* selectName, bool focusThumbs) {
-    if (!view.NavigateFolder(relative, selectName, focusThumbs)) {
+    SString relativeCopy(relative != nullptr ? relative : "");
+    SString nameCopy(selectName != nullptr ? selectName : "");
+    if (!view.NavigateFolder(relativeCopy.c_str(), nameCopy.c_str(), focusThumbs)) {
         statusBar.SetText(0, view.GetStatusText().c_str());
         HidePage();
         return false;

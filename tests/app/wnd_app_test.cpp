@@ -93,6 +93,15 @@ TEST_F(MainWindowTest, KeysTypedInTheEditorReachTheEditor) {
     EXPECT_EQ(app.GetCurrentFolder(), SString((root + "/Rock/").c_str()));
 }
 
+TEST_F(MainWindowTest, ARefreshKeepsTheSelectedFolder) {
+    PWndApp& app = Start();
+    ASSERT_TRUE(app.OpenFolder((root + "/Rock/Artist/").c_str(), "Other", false));
+    // The row's own name is handed to the navigation that replaces the rows.
+    EXPECT_TRUE(app.RefreshFolder());
+    ASSERT_EQ(app.GetView().GetSelectedRow(), 1);
+    EXPECT_EQ(app.GetTrackList().GetText(0), SString("01 Three"));
+}
+
 TEST_F(MainWindowTest, ANewRootReloadsAsAtStartAndRestoresThePlaylist) {
     dir.Write("other/Blues/Man/Album/01 Song.mp3", "x");
     dir.Write("other/Playlists/Alpha.lst", "Blues\\Man\\Album\\01 Song.mp3\r\n");
