@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "app/mpris/mpris.h"
 #include "app/settings.h"
 #include "app/trace.h"
 #include "app/wnd_app_main.h"
@@ -18,12 +19,17 @@ namespace {
 
 constexpr const char* USAGE =
     "usage: melkora [--root DIR | DIR] [--hide | /HIDE]\n"
+    "       melkora --remote N\n"
     "\n"
     "Options:\n"
     "  --root DIR     uses DIR as the collection's root folder (stored as the\n"
     "                 \"Folder\" preference, as choosing it there would);\n"
     "                 a folder given alone does the same\n"
     "  --hide, /HIDE  starts with the window hidden\n"
+    "  --remote N     sends command N to the running instance and ends:\n"
+    "                 1 shows or hides the window, 2 plays or pauses,\n"
+    "                 3 the previous track, 4 the next; without a running\n"
+    "                 instance it ends with status 1\n"
     "  --help         prints this text\n"
     "  --version      prints the program's version\n"
     "\n"
@@ -36,6 +42,8 @@ constexpr const char* USAGE =
 struct Options {
     bool hide = false;
     std::string root;
+    // 1 to 4 with --remote, else 0.
+    int remote = 0;
 };
 
 // 0 to go on, else the exit status + 1.
@@ -52,6 +60,13 @@ int ReadOptions(int argc, char** argv, Options* options) {
         }
         if (strcmp(argument, "--hide") == 0 || strcasecmp(argument, "/HIDE") == 0) {
             options->hide = true;
+        } else if (strcmp(argument, "--remote") == 0 && i + 1 < argc) {
+            const char* number = argv[++i];
+            if (strlen(number) != 1 || number[0] < '1' || number[0] > '4') {
+                fprintf(stderr, "melkora: --remote takes 1, 2, 3 or 4, not \"%s\"\n", number);
+                return 3;
+            }
+            options->remote = number[0] - '0';
         } else if (strcmp(argument, "--root") == 0 && i + 1 < argc) {
             options->root = argv[++i];
         } else if (argument[0] != '-' && options->root.empty()) {
@@ -72,6 +87,16 @@ int main(int argc, char** argv) {
     Options options;
     if (int status = ReadOptions(argc, argv, &options); status != 0) {
         return status - 1;
+    }
+    // A remote command goes to the running instance over the session bus;
+    // this process opens no window.
+    if (options.remote != 0) {
+        std::string error;
+        if (SendRemoteCommand(options.remote, &error) != 0) {
+            fprintf(stderr, "melkora: %s\n", error.c_str());
+            return 1;
+        }
+        return 0;
     }
     if (!options.root.empty()) {
         SDisk disk;
