@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "app/desktop/mpris_bridge.h"
 #include "app/mpris/mpris.h"
 #include "app/settings.h"
 #include "app/trace.h"
@@ -129,6 +130,13 @@ int main(int argc, char** argv) {
             if (!options.hide) {
                 window->Show(SW_SHOW);
             }
+            // MPRIS2 and the remote commands on the session bus; without a
+            // bus the program runs on without them.
+            PMprisBridge bridge(*window);
+            MprisService bus(&bridge);
+            if (bus.Start()) {
+                bus.Watch([&bridge] { return bridge.ReadState(); }, 500);
+            }
             Trace("ready", true);
             // The end of the session: the settings are kept, then the
             // window closes by its usual path.
@@ -142,6 +150,7 @@ int main(int argc, char** argv) {
                 },
                 window.get());
             RunLoop(nullptr, nullptr, nullptr);
+            bus.Stop();
             GtkWatchSessionEnd(nullptr, nullptr);
         }
         window.reset();

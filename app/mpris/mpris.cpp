@@ -152,6 +152,8 @@ struct MprisService::Impl {
     guint ownerId = 0;
     guint objects[3] = {0, 0, 0};
     bool ownsName = false;
+    std::function<MprisState()> read;
+    guint timer = 0;
 
     GVariant* PlayerProperty(const char* name) {
         const MprisState& s = state;
@@ -203,7 +205,8 @@ struct MprisService::Impl {
             return g_variant_new_string("Melkora Browser");
         }
         if (g_strcmp0(name, "DesktopEntry") == 0) {
-            return g_variant_new_string("melkora-browser");
+            // The desktop entry's name without ".desktop".
+            return g_variant_new_string("io.github.melkora.MelkoraBrowser");
         }
         if (g_strcmp0(name, "SupportedUriSchemes") == 0) {
             const gchar* schemes[] = {"file", nullptr};
@@ -396,7 +399,27 @@ bool MprisService::Start() {
     return true;
 }
 
+void MprisService::Watch(std::function<MprisState()> read, unsigned milliseconds) {
+    if (impl->timer != 0) {
+        g_source_remove(impl->timer);
+        impl->timer = 0;
+    }
+    impl->read = std::move(read);
+    if (!impl->read) {
+        return;
+    }
+    impl->timer = g_timeout_add(
+        milliseconds,
+        [](gpointer data) -> gboolean {
+            auto* service = static_cast<MprisService*>(data);
+            service->Update(service->impl->read());
+            return G_SOURCE_CONTINUE;
+        },
+        this);
+}
+
 void MprisService::Stop() {
+    Watch(nullptr, 0);
     if (impl->ownerId != 0) {
         g_bus_unown_name(impl->ownerId);
         impl->ownerId = 0;

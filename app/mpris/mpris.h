@@ -9,6 +9,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -86,6 +87,9 @@ public:
     const MprisState& State() const;
     // Announces a jump in the track (the Seeked signal).
     void Seeked(int64_t microseconds);
+    // Reads the state with `read` every `milliseconds` on the main context
+    // and passes it to Update, until Stop; an empty function stops reading.
+    void Watch(std::function<MprisState()> read, unsigned milliseconds);
 
     struct Impl;
 

@@ -198,7 +198,7 @@ TEST_F(MprisBus, RootPropertiesThroughTheGdbusTool) {
                   &out),
               0)
         << out;
-    for (const char* expected : {"'Identity': <'Melkora Browser'>", "'DesktopEntry': <'melkora-browser'>",
+    for (const char* expected : {"'Identity': <'Melkora Browser'>", "'DesktopEntry': <'io.github.melkora.MelkoraBrowser'>",
                                  "'CanRaise': <true>", "'CanQuit': <true>", "'HasTrackList': <false>"}) {
         EXPECT_NE(out.find(expected), std::string::npos) << expected << " in " << out;
     }
@@ -288,6 +288,22 @@ TEST_F(MprisBus, ChangesAreAnnouncedOnceAndOnlyThoseThatChanged) {
     EXPECT_NE(signals[0].parameters.find("'Metadata'"), std::string::npos);
     EXPECT_NE(signals[0].parameters.find("'CanGoNext': <false>"), std::string::npos);
     EXPECT_EQ(signals[0].parameters.find("PlaybackStatus"), std::string::npos);
+}
+
+TEST_F(MprisBus, AWatchedStateIsReadUntilStopped) {
+    int reads = 0;
+    service.Watch(
+        [&reads] {
+            ++reads;
+            return Playing();
+        },
+        10);
+    ASSERT_TRUE(Pump([&] { return !signals.empty(); }));
+    EXPECT_NE(signals[0].parameters.find("'PlaybackStatus': <'Playing'>"), std::string::npos);
+    service.Watch(nullptr, 0);
+    int stoppedAt = reads;
+    Settle();
+    EXPECT_EQ(reads, stoppedAt);
 }
 
 TEST_F(MprisBus, SeekAndSetPosition) {
