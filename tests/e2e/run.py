@@ -342,6 +342,64 @@ def case_a_track_text_typed_in_the_editor_is_kept(ctx):
     assert not os.path.exists(os.path.join(root, "Rock", "Artist", "Album One", "02 Two.txt"))
 
 
+def case_remote_commands_and_mpris_reach_the_window(ctx):
+    """On a session bus of the case's own: `melkora --remote N` and MPRIS2
+    calls play, move through and pause the queue, and the bus shows the
+    track; with no instance left, --remote fails with status 1."""
+    if not shutil.which("dbus-daemon") or not shutil.which("gdbus"):
+        print("  (skipped: no dbus-daemon or gdbus)")
+        return
+    daemon = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address=1"],
+                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+    saved = os.environ.get("DBUS_SESSION_BUS_ADDRESS")
+    os.environ["DBUS_SESSION_BUS_ADDRESS"] = daemon.stdout.readline().decode().strip()
+    try:
+        root = ctx.make_collection()
+        home = ctx.home("remote")
+        program, window = ctx.start(root, home)
+        open_album(program, window, 1)  # Album Two: two tracks of 5 seconds
+
+        def remote(number):
+            return subprocess.run([ctx.args.binary, "--remote", str(number)], capture_output=True,
+                                  timeout=10)
+
+        def player(method, *args):
+            return subprocess.run(["gdbus", "call", "--session", "--dest", "org.mpris.MediaPlayer2.melkora",
+                                   "--object-path", "/org/mpris/MediaPlayer2", "--method",
+                                   method] + list(args), capture_output=True, text=True, timeout=10)
+
+        def property_shows(name, text):
+            reply = player("org.freedesktop.DBus.Properties.Get", "org.mpris.MediaPlayer2.Player", name)
+            return text in reply.stdout
+
+        assert remote(2).returncode == 0
+        program.wait_for(r"^open .*/Album Two/01 Long\.ogg$", 5)
+        assert remote(4).returncode == 0
+        program.wait_for(r"^open .*/Album Two/02 Longer\.wav$", 5)
+        wait_until(lambda: property_shows("Metadata", "'xesam:title': <'02 Longer'>"), 5,
+                   "the bus shows the second track")
+        assert property_shows("Metadata", "'xesam:album': <'Album Two'>")
+        assert property_shows("Metadata", "'xesam:artist': <['Artist']>")
+        assert player("org.mpris.MediaPlayer2.Player.Previous").returncode == 0
+        program.wait_for(r"^open .*/Album Two/01 Long\.ogg$", 5)
+        wait_until(lambda: property_shows("PlaybackStatus", "'Playing'"), 5, "playing on the bus")
+        assert player("org.mpris.MediaPlayer2.Player.PlayPause").returncode == 0
+        wait_until(lambda: property_shows("PlaybackStatus", "'Paused'"), 5, "paused on the bus")
+        # Quit closes the window as the user would; then no instance answers.
+        assert player("org.mpris.MediaPlayer2.Quit").returncode == 0
+        assert program.wait_exit(10) == 0
+        alone = remote(2)
+        assert alone.returncode == 1, alone
+        assert alone.stderr == b"melkora: no running instance\n", alone.stderr
+    finally:
+        if saved is None:
+            os.environ.pop("DBUS_SESSION_BUS_ADDRESS", None)
+        else:
+            os.environ["DBUS_SESSION_BUS_ADDRESS"] = saved
+        daemon.kill()
+        daemon.wait(5)
+
+
 def playlist_row(index):
     return PLAYLIST_LIST_X, PLAYLIST_ROW_Y + index * ROW_STEP
 
