@@ -1,5 +1,6 @@
 #include "app/desktop/mpris_bridge.h"
 
+#include "app/settings.h"
 #include "app/wnd_app_main.h"
 #include "foundation/message.h"
 #include "foundation/message_numbers.h"
@@ -49,8 +50,12 @@ void PMprisBridge::SetPosition(int64_t microseconds) {
 
 int64_t PMprisBridge::Position() { return static_cast<int64_t>(app.GetMedia().GetPosition()) * 1000; }
 
-void PMprisBridge::SetVolume(double) {
-    // The volume stays the window's slider's.
+void PMprisBridge::SetVolume(double volume) {
+    // The window's slider runs from full (0) down to silence (50); it moves
+    // too, so that it is what the settings keep.
+    int position = 50 - static_cast<int>(volume * 50 + 0.5);
+    app.GetVolumeSlider().SetValue(position);
+    app.GetMedia().SetVolume(VolumeFromSlider(position));
 }
 
 MprisState PMprisBridge::ReadState() {

@@ -385,12 +385,17 @@ def case_remote_commands_and_mpris_reach_the_window(ctx):
         wait_until(lambda: property_shows("PlaybackStatus", "'Playing'"), 5, "playing on the bus")
         assert player("org.mpris.MediaPlayer2.Player.PlayPause").returncode == 0
         wait_until(lambda: property_shows("PlaybackStatus", "'Paused'"), 5, "paused on the bus")
+        # The volume set on the bus is the player's and the slider's.
+        assert player("org.freedesktop.DBus.Properties.Set", "org.mpris.MediaPlayer2.Player", "Volume",
+                      "<0.5>").returncode == 0
+        wait_until(lambda: property_shows("Volume", "<0.5>"), 5, "half the volume on the bus")
         # Quit closes the window as the user would; then no instance answers.
         assert player("org.mpris.MediaPlayer2.Quit").returncode == 0
         assert program.wait_exit(10) == 0
         alone = remote(2)
         assert alone.returncode == 1, alone
         assert alone.stderr == b"melkora: no running instance\n", alone.stderr
+        assert read_settings(home)["Volume"] == "dword:00000019", read_settings(home)  # 25 of 50
     finally:
         if saved is None:
             os.environ.pop("DBUS_SESSION_BUS_ADDRESS", None)
