@@ -154,6 +154,38 @@ struct MprisService::Impl {
     bool ownsName = false;
     std::function<MprisState()> read;
     guint timer = 0;
+    // The position at the last reading, to tell a jump made in the window
+    // from the track playing on; -1 before the first.
+    int64_t lastPosition = -1;
+    int64_t lastTrack = -1;
+    MprisStatus lastStatus = MprisStatus::Stopped;
+    gint64 lastTime = 0;
+
+    void Remember(int64_t position) {
+        lastPosition = position;
+        lastTrack = state.track.id;
+        lastStatus = state.status;
+        lastTime = g_get_monotonic_time();
+    }
+
+    // Announces Seeked when the position moved other than by playing: more
+    // than a second off what the time since the last reading allows.
+    void WatchPosition() {
+        if (state.track.id < 0 || state.status == MprisStatus::Stopped) {
+            lastPosition = -1;
+            return;
+        }
+        int64_t position = host->Position();
+        if (lastPosition >= 0 && lastTrack == state.track.id) {
+            constexpr int64_t SLACK = 1'000'000;
+            bool played = lastStatus == MprisStatus::Playing || state.status == MprisStatus::Playing;
+            int64_t elapsed = played ? g_get_monotonic_time() - lastTime : 0;
+            if (position < lastPosition - SLACK || position > lastPosition + elapsed + SLACK) {
+                Emit(OBJECT_PATH, PLAYER_INTERFACE, "Seeked", g_variant_new("(x)", position));
+            }
+        }
+        Remember(position);
+    }
 
     GVariant* PlayerProperty(const char* name) {
         const MprisState& s = state;
@@ -246,6 +278,9 @@ struct MprisService::Impl {
         }
         host->SetPosition(position);
         Emit(OBJECT_PATH, PLAYER_INTERFACE, "Seeked", g_variant_new("(x)", position));
+        if (lastPosition >= 0) {
+            Remember(position);
+        }
     }
 
     void Call(const char* interface, const char* method, GVariant* parameters,
@@ -405,6 +440,7 @@ void MprisService::Watch(std::function<MprisState()> read, unsigned milliseconds
         impl->timer = 0;
     }
     impl->read = std::move(read);
+    impl->lastPosition = -1;
     if (!impl->read) {
         return;
     }
@@ -413,6 +449,7 @@ void MprisService::Watch(std::function<MprisState()> read, unsigned milliseconds
         [](gpointer data) -> gboolean {
             auto* service = static_cast<MprisService*>(data);
             service->Update(service->impl->read());
+            service->impl->WatchPosition();
             return G_SOURCE_CONTINUE;
         },
         this);

@@ -89,6 +89,8 @@ public:
     void Seeked(int64_t microseconds);
     // Reads the state with `read` every `milliseconds` on the main context
     // and passes it to Update, until Stop; an empty function stops reading.
+    // A jump of the position made elsewhere (the window's seek bar) is
+    // announced with Seeked.
     void Watch(std::function<MprisState()> read, unsigned milliseconds);
 
     struct Impl;

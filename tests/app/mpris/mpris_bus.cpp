@@ -29,7 +29,10 @@ public:
     void Stop() override { calls.push_back("Stop"); }
     void Next() override { calls.push_back("Next"); }
     void Previous() override { calls.push_back("Previous"); }
-    void SetPosition(int64_t microseconds) override { calls.push_back("SetPosition " + std::to_string(microseconds)); }
+    void SetPosition(int64_t microseconds) override {
+        calls.push_back("SetPosition " + std::to_string(microseconds));
+        position = microseconds;
+    }
     int64_t Position() override { return position; }
     void SetVolume(double volume) override { calls.push_back("SetVolume " + std::to_string(volume)); }
     void RemoteCommand(int command) override { calls.push_back("Remote " + std::to_string(command)); }
@@ -306,6 +309,41 @@ TEST_F(MprisBus, AWatchedStateIsReadUntilStopped) {
     EXPECT_EQ(reads, stoppedAt);
 }
 
+// A jump made in the window is announced; playing on, a new track or a
+// seek through the bus itself is not announced again.
+TEST_F(MprisBus, AJumpSeenWhileWatchingIsAnnounced) {
+    MprisState state = Playing();
+    state.status = MprisStatus::Paused;
+    service.Watch([&state] { return state; }, 10);
+    host.position = 10'000'000;
+    Settle();
+    signals.clear();
+    host.position = 10'500'000;
+    Settle();
+    EXPECT_TRUE(signals.empty());
+    host.position = 40'000'000;
+    ASSERT_TRUE(Pump([&] { return !signals.empty(); }));
+    EXPECT_EQ(signals[0].name, "Seeked");
+    EXPECT_EQ(signals[0].parameters, "(40000000,)");
+    Settle();
+    EXPECT_EQ(signals.size(), 1u);
+
+    signals.clear();
+    state.track.id = 8;
+    host.position = 0;
+    Settle();
+    ASSERT_EQ(signals.size(), 1u);
+    EXPECT_EQ(signals[0].name, "PropertiesChanged");
+
+    signals.clear();
+    EXPECT_EQ(Call(PLAYER, "SetPosition", g_variant_new("(ox)", "/org/melkora/track/8", G_GINT64_CONSTANT(20'000'000))),
+              "()");
+    Settle();
+    ASSERT_EQ(signals.size(), 1u);
+    EXPECT_EQ(signals[0].name, "Seeked");
+    service.Watch(nullptr, 0);
+}
+
 TEST_F(MprisBus, SeekAndSetPosition) {
     const char* track = "/org/melkora/track/7";
     struct Case {
@@ -335,9 +373,9 @@ TEST_F(MprisBus, SeekAndSetPosition) {
         {"past the length", true,
          [](const char* t) { return g_variant_new("(ox)", t, G_GINT64_CONSTANT(60'000'001)); }, "SetPosition", {}},
     };
-    host.position = 10'000'000;
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
+        host.position = 10'000'000;
         MprisState state = Playing();
         state.canSeek = c.canSeek;
         service.Update(state);
