@@ -25,8 +25,9 @@ packages=(
     xdotool openbox imagemagick
     # the tray icon as a StatusNotifierItem (optional at build time: without
     # it the tray icon is a GtkStatusIcon); its test runs on a private
-    # session bus of dbus-run-session
-    libayatana-appindicator3-dev dbus-daemon
+    # session bus of dbus-run-session; MPRIS2 and the remote commands are
+    # tested there too, with the gdbus tool as a client
+    libayatana-appindicator3-dev dbus-daemon libglib2.0-bin
     # controls: the media player host on GStreamer (playbin, the codecs of
     # songs, videos and radio streams); gst-launch-1.0 makes the test media
     libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev gstreamer1.0-plugins-base
