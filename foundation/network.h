@@ -100,7 +100,7 @@ public:
     // default.
     void SetUserAgent(const char* agent);
     // A flag another thread may raise to end this object's transfers: a
-    // transfer running then fails within a fraction of a second, even while
+    // transfer running then fails within about a second, even while
     // the server sends nothing. Null (the default) means no flag; the flag
     // must outlive the transfers.
     void SetCancelFlag(const std::atomic<bool>* flag);

@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     const char* text = reinterpret_cast<const char*>(data);
     std::vector<PCoverCandidate> found;
-    int count = ReadDeezerAlbums(text, size, \&found);
+    int count = ReadDeezerAlbums(text, size, &found);
     if (count < 0 || count > COVER_MAX_RESULTS || static_cast<size_t>(count) != found.size()) {
         abort();
     }

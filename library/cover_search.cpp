@@ -20,6 +20,9 @@ constexpr size_t RESULT_SKIP = 16; // from the mark to "imgurl="
 constexpr std::string_view THUMB_MARK = ".google.com/images?q=tbn:";
 constexpr size_t THUMB_LEAD = 11; // the scheme and short host before THUMB_MARK
 
+// The largest side a page may tell for a picture.
+constexpr long COVER_MAX_SIDE_TOLD = 1000000;
+
 // Candidates asked of each JSON source.
 constexpr int REQUEST_LIMIT = 25;
 
@@ -60,7 +63,7 @@ SString ToSString(std::string_view text) {
 }
 
 // The leading decimal digits of text as a number, 0 when there are none;
-// large values stop growing.
+// larger values count as COVER_MAX_SIDE_TOLD.
 int ReadCount(std::string_view text) {
     long value = 0;
     for (char c : text) {
@@ -68,8 +71,8 @@ int ReadCount(std::string_view text) {
             break;
         }
         value = value * 10 + (c - '0');
-        if (value > 1000000000L) {
-            break;
+        if (value > COVER_MAX_SIDE_TOLD) {
+            return COVER_MAX_SIDE_TOLD;
         }
     }
     return static_cast<int>(value);

@@ -11,6 +11,7 @@
 #include <fstream>
 #include <sstream>
 #include <thread>
+#include <zlib.h>
 
 #include "foundation/file.h"
 #include "foundation/image.h"
@@ -56,6 +57,41 @@ std::string WideBmp(int width) {
     put(28, 24, 2);
     put(34, static_cast<uint32_t>(row), 4);
     return bytes;
+}
+
+// A black-and-white PNG of side by side pixels: a few kilobytes that would
+// decode to side * side pixels.
+std::string PngBomb(int side) {
+    auto chunk = [](std::string* out, const char* type, const std::string& data) {
+        auto put32 = [out](uint32_t value) {
+            for (int shift = 24; shift >= 0; shift -= 8) {
+                out->push_back(static_cast<char>((value >> shift) & 0xFF));
+            }
+        };
+        put32(static_cast<uint32_t>(data.size()));
+        std::string body = std::string(type) + data;
+        out->append(body);
+        put32(static_cast<uint32_t>(
+            crc32(0, reinterpret_cast<const Bytef*>(body.data()), static_cast<uInt>(body.size()))));
+    };
+    std::string header;
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        header.push_back(static_cast<char>((side >> shift) & 0xFF));
+    }
+    header += header;
+    header += std::string("\x01\x00\x00\x00\x00", 5); // 1 bit, grey, no interlace
+    size_t row = 1 + (static_cast<size_t>(side) + 7) / 8;
+    std::string raw(row * static_cast<size_t>(side), '\0');
+    uLongf packedSize = compressBound(static_cast<uLong>(raw.size()));
+    std::string packed(packedSize, '\0');
+    compress2(reinterpret_cast<Bytef*>(packed.data()), &packedSize,
+              reinterpret_cast<const Bytef*>(raw.data()), static_cast<uLong>(raw.size()), 9);
+    packed.resize(packedSize);
+    std::string png("\x89PNG\r\n\x1a\n", 8);
+    chunk(&png, "IHDR", header);
+    chunk(&png, "IDAT", packed);
+    chunk(&png, "IEND", "");
+    return png;
 }
 
 struct Expected {
@@ -146,6 +182,13 @@ TEST(CoverReaders, ForeignOrDamagedRepliesGiveNothing) {
         "<a href=/imgres?>",
         "<a href=/imgres?imgurl=http://x/y.jpg> .google.com/images?q=tbn:no-blank-after",
     };
+    // Sides too large to be true are capped rather than wrapped.
+    std::vector<PCoverCandidate> huge;
+    const char* page = "<a href=/imgres?imgurl=http://x/y.jpg&w=99999999999999&h=7>"
+                       " http://tbn0.google.com/images?q=tbn:A ";
+    ASSERT_EQ(ReadScrapedPage(page, std::strlen(page), &huge), 1);
+    EXPECT_EQ(huge[0].width, 1000000);
+    EXPECT_EQ(huge[0].height, 7);
     for (const char* reply : replies) {
         SCOPED_TRACE(reply);
         std::vector<PCoverCandidate> found;
@@ -349,6 +392,8 @@ TEST_F(CoverSearchServer, PicturesAreDecodedWithinTheByteAndPixelLimits) {
     server.Route("/img/wide.bmp", TestHttpServer::Ok(WideBmp(IMAGE_MAX_SIDE + 1)));
     server.Route("/img/huge.png", TestHttpServer::Ok(std::string(300 * 1024, 'x'), false));
     server.Route("/img/text.png", TestHttpServer::Ok("not a picture"));
+    server.Route("/img/small-bomb.png", TestHttpServer::Ok(PngBomb(1000)));
+    server.Route("/img/bomb.png", TestHttpServer::Ok(PngBomb(12000)));
     PCoverSearch search(settings);
     struct {
         const char* path;
@@ -358,6 +403,7 @@ TEST_F(CoverSearchServer, PicturesAreDecodedWithinTheByteAndPixelLimits) {
         {"/img/cover.png", true, 300}, {"/img/edge.bmp", true, IMAGE_MAX_SIDE},
         {"/img/wide.bmp", false, 0},   {"/img/huge.png", false, 0},
         {"/img/text.png", false, 0},   {"/img/missing.png", false, 0},
+        {"/img/small-bomb.png", true, 1000}, {"/img/bomb.png", false, 0},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.path);
