@@ -336,7 +336,8 @@ SString SNetwork::GetPage(const char* url, const char* query) {
     }
     Handle handle;
     if (!OpenHandle(handle, address.c_str(), limits.connectMilliseconds, limits.stallSeconds,
-                    limits.totalMilliseconds, limits.sizeLimitBytes, userAgent.c_str(), cancelFlag)) {
+                    limits.totalMilliseconds, limits.sizeLimitBytes, userAgent.c_str(),
+                    cancelFlag)) {
         return SString("");
     }
     PageState page;
@@ -390,7 +391,8 @@ bool SNetwork::Download(SFile* target, const char* url, void* user, int blockSiz
     if (HasScheme(url)) {
         Handle handle;
         if (!OpenHandle(handle, url, limits.connectMilliseconds, limits.stallSeconds,
-                        limits.totalMilliseconds, limits.sizeLimitBytes, userAgent.c_str(), cancelFlag)) {
+                        limits.totalMilliseconds, limits.sizeLimitBytes, userAgent.c_str(),
+                        cancelFlag)) {
             OnDownloadEnd(NET_NO_SESSION, user);
             return false;
         }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <strings.h>
 #include <vector>
 
 #include "library/cover_search.h"
@@ -20,7 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         abort();
     }
     for (const PCoverCandidate& candidate : found) {
-        if (strncmp(candidate.imageUrl.c_str(), "http", 4) != 0 || candidate.width < 0 ||
+        if (strncasecmp(candidate.imageUrl.c_str(), "http", 4) != 0 || candidate.width < 0 ||
             candidate.height < 0) {
             abort();
         }

@@ -355,7 +355,8 @@ int ReadItunesAlbums(const char* json, size_t size, std::vector<PCoverCandidate>
             candidate.height = 100;
         }
         candidate.imageUrl = ToSString(large);
-        candidate.label = MakeLabel(album.GetString("artistName"), album.GetString("collectionName"));
+        candidate.label =
+            MakeLabel(album.GetString("artistName"), album.GetString("collectionName"));
         out->push_back(std::move(candidate));
         ++added;
     }
@@ -375,8 +376,8 @@ int ReadDeezerAlbums(const char* json, size_t size, std::vector<PCoverCandidate>
     static const struct {
         const char* name;
         int side;
-    } SIZES[] = {{"cover_xl", 1000}, {"cover_big", 500}, {"cover_medium", 250},
-                 {"cover_small", 56}};
+    } SIZES[] = {
+        {"cover_xl", 1000}, {"cover_big", 500}, {"cover_medium", 250}, {"cover_small", 56}};
     int added = 0;
     for (const PJsonValue& album : albums->items) {
         if (Full(added)) {
@@ -421,11 +422,16 @@ PCoverSearch::PCoverSearch(const PCoverSearchSettings& settings) : settings(sett
 
 bool PCoverSearch::IsEnabled(int source) const {
     switch (source) {
-    case COVER_SOURCE_SCRAPER: return !settings.scraperUrl.IsEmpty();
-    case COVER_SOURCE_MUSICBRAINZ: return !settings.musicBrainzUrl.IsEmpty();
-    case COVER_SOURCE_ITUNES: return !settings.itunesUrl.IsEmpty();
-    case COVER_SOURCE_DEEZER: return !settings.deezerUrl.IsEmpty();
-    default: return false;
+    case COVER_SOURCE_SCRAPER:
+        return !settings.scraperUrl.IsEmpty();
+    case COVER_SOURCE_MUSICBRAINZ:
+        return !settings.musicBrainzUrl.IsEmpty();
+    case COVER_SOURCE_ITUNES:
+        return !settings.itunesUrl.IsEmpty();
+    case COVER_SOURCE_DEEZER:
+        return !settings.deezerUrl.IsEmpty();
+    default:
+        return false;
     }
 }
 
@@ -460,19 +466,26 @@ int PCoverSearch::Search(int source, const char* query, int start,
     case COVER_SOURCE_MUSICBRAINZ:
         request = MakeMusicBrainzRequest(settings.musicBrainzUrl.c_str(), query);
         break;
-    case COVER_SOURCE_ITUNES: request = MakeItunesRequest(settings.itunesUrl.c_str(), query); break;
-    default: request = MakeDeezerRequest(settings.deezerUrl.c_str(), query); break;
+    case COVER_SOURCE_ITUNES:
+        request = MakeItunesRequest(settings.itunesUrl.c_str(), query);
+        break;
+    default:
+        request = MakeDeezerRequest(settings.deezerUrl.c_str(), query);
+        break;
     }
     std::string body;
     if (!Fetch(request.c_str(), settings.replyLimitBytes, &body)) {
         return COVER_FETCH_FAILED;
     }
     switch (source) {
-    case COVER_SOURCE_SCRAPER: return ReadScrapedPage(body.data(), body.size(), out);
+    case COVER_SOURCE_SCRAPER:
+        return ReadScrapedPage(body.data(), body.size(), out);
     case COVER_SOURCE_MUSICBRAINZ:
         return ReadMusicBrainzReleases(body.data(), body.size(), settings.coverArtUrl.c_str(), out);
-    case COVER_SOURCE_ITUNES: return ReadItunesAlbums(body.data(), body.size(), out);
-    default: return ReadDeezerAlbums(body.data(), body.size(), out);
+    case COVER_SOURCE_ITUNES:
+        return ReadItunesAlbums(body.data(), body.size(), out);
+    default:
+        return ReadDeezerAlbums(body.data(), body.size(), out);
     }
 }
 

@@ -85,14 +85,30 @@ struct Reader {
             }
             char e = *at++;
             switch (e) {
-            case '"': out->push_back('"'); break;
-            case '\\': out->push_back('\\'); break;
-            case '/': out->push_back('/'); break;
-            case 'b': out->push_back('\b'); break;
-            case 'f': out->push_back('\f'); break;
-            case 'n': out->push_back('\n'); break;
-            case 'r': out->push_back('\r'); break;
-            case 't': out->push_back('\t'); break;
+            case '"':
+                out->push_back('"');
+                break;
+            case '\\':
+                out->push_back('\\');
+                break;
+            case '/':
+                out->push_back('/');
+                break;
+            case 'b':
+                out->push_back('\b');
+                break;
+            case 'f':
+                out->push_back('\f');
+                break;
+            case 'n':
+                out->push_back('\n');
+                break;
+            case 'r':
+                out->push_back('\r');
+                break;
+            case 't':
+                out->push_back('\t');
+                break;
             case 'u': {
                 int code = Hex4();
                 if (code < 0) {
@@ -117,7 +133,8 @@ struct Reader {
                 AppendUtf8(out, value);
                 break;
             }
-            default: return false;
+            default:
+                return false;
             }
         }
         return false;
@@ -131,8 +148,8 @@ struct Reader {
         if (at >= end || *at < '0' || *at > '9') {
             return false;
         }
-        while (at < end && ((*at >= '0' && *at <= '9') || *at == '.' || *at == 'e' ||
-                            *at == 'E' || *at == '+' || *at == '-')) {
+        while (at < end && ((*at >= '0' && *at <= '9') || *at == '.' || *at == 'e' || *at == 'E' ||
+                            *at == '+' || *at == '-')) {
             ++at;
         }
         char buffer[64];

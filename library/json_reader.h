@@ -19,9 +19,9 @@ public:
     Kind kind = JSON_NULL;
     bool boolean = false;
     double number = 0;
-    std::string text;                      // a string, in UTF-8
-    std::vector<PJsonValue> items;         // an array's items, or an object's values
-    std::vector<std::string> names;        // an object's names, beside its values in items
+    std::string text;               // a string, in UTF-8
+    std::vector<PJsonValue> items;  // an array's items, or an object's values
+    std::vector<std::string> names; // an object's names, beside its values in items
 
     bool IsObject() const { return kind == JSON_OBJECT; }
     bool IsArray() const { return kind == JSON_ARRAY; }

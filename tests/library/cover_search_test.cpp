@@ -174,7 +174,7 @@ TEST(CoverReaders, ForeignOrDamagedRepliesGiveNothing) {
         "<html>Service Unavailable</html>",
         "{\"releases\": {\"id\": 1}, \"results\": 5, \"data\": \"none\"}",
         "{\"releases\": [1, \"x\", null, []], \"results\": [[]], \"data\": [true]}",
-        "{\"releases\": [{\"id\": \"1f3a5c2e-8b4d-4e6f-9a1b-2c3d4e5f6a7b\"",  // cut short
+        "{\"releases\": [{\"id\": \"1f3a5c2e-8b4d-4e6f-9a1b-2c3d4e5f6a7b\"", // cut short
         "[{\"data\": []}]",
         "{\"data\": [{\"cover_xl\": \"javascript:alert(1)\", \"cover_big\": \"http://a b\"}]}",
         // the scraper's marks without the rest of a result
@@ -330,7 +330,8 @@ TEST_F(CoverSearchServer, EachSourceIsAskedAtItsAddressWithTheProgramsAgent) {
                   "/mb/ws/2/release/?fmt=json&limit=25&query=elin%20vass",
                   "/itunes/search?media=music&entity=album&limit=25&term=elin%20vass",
                   "/deezer/search/album?limit=25&q=elin%20vass"}));
-    std::string agent = std::string("User-Agent: ") + CoverSearchUserAgent(nullptr).c_str() + "\r\n";
+    std::string agent =
+        std::string("User-Agent: ") + CoverSearchUserAgent(nullptr).c_str() + "\r\n";
     EXPECT_EQ(agent.rfind("User-Agent: Melkora Browser/", 0), 0u);
     EXPECT_NE(agent.find(" (+https://"), std::string::npos);
     EXPECT_NE(server.LastHeaders().find(agent), std::string::npos);
@@ -400,9 +401,9 @@ TEST_F(CoverSearchServer, PicturesAreDecodedWithinTheByteAndPixelLimits) {
         bool loads;
         int width;
     } cases[] = {
-        {"/img/cover.png", true, 300}, {"/img/edge.bmp", true, IMAGE_MAX_SIDE},
-        {"/img/wide.bmp", false, 0},   {"/img/huge.png", false, 0},
-        {"/img/text.png", false, 0},   {"/img/missing.png", false, 0},
+        {"/img/cover.png", true, 300},       {"/img/edge.bmp", true, IMAGE_MAX_SIDE},
+        {"/img/wide.bmp", false, 0},         {"/img/huge.png", false, 0},
+        {"/img/text.png", false, 0},         {"/img/missing.png", false, 0},
         {"/img/small-bomb.png", true, 1000}, {"/img/bomb.png", false, 0},
     };
     for (const auto& c : cases) {
