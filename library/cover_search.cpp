@@ -148,6 +148,31 @@ SString CoverSearchUserAgent(const char* version) {
     return agent;
 }
 
+PCoverSearchSettings ReadCoverSearchSettings(PSettingReader read) {
+    PCoverSearchSettings settings;
+    if (read == nullptr) {
+        return settings;
+    }
+    struct {
+        const char* name;
+        SString* address;
+    } values[] = {
+        {COVER_SCRAPER_URL_VALUE, &settings.scraperUrl},
+        {COVER_MUSICBRAINZ_URL_VALUE, &settings.musicBrainzUrl},
+        {COVER_ART_ARCHIVE_URL_VALUE, &settings.coverArtUrl},
+        {COVER_ITUNES_URL_VALUE, &settings.itunesUrl},
+        {COVER_DEEZER_URL_VALUE, &settings.deezerUrl},
+    };
+    for (const auto& value : values) {
+        SString stored = read(value.name);
+        stored.Trim();
+        if (!stored.IsEmpty()) {
+            *value.address = stored;
+        }
+    }
+    return settings;
+}
+
 SString PercentEncode(const char* text) {
     static const char HEX[] = "0123456789ABCDEF";
     std::string out;

@@ -67,6 +67,12 @@ struct PCoverSearchSettings {
     int64_t imageLimitBytes = 16 * 1024 * 1024; // a downloaded picture
 };
 
+// The settings from stored values: read gives the stored text of a value
+// name (COVER_*_URL_VALUE), "" when none is stored. A source without a
+// stored address keeps its default; the scraper has none and stays off.
+using PSettingReader = SString (*)(const char* name);
+PCoverSearchSettings ReadCoverSearchSettings(PSettingReader read);
+
 // The largest number of candidates taken from one reply.
 constexpr int COVER_MAX_RESULTS = 50;
 

@@ -238,6 +238,35 @@ TEST(CoverRequests, QueriesArePercentEncodedByteByByteUnderTheConfiguredBase) {
     }
 }
 
+SString StoredScraperAndDeezer(const char* name) {
+    if (std::strcmp(name, COVER_SCRAPER_URL_VALUE) == 0) {
+        return SString(" http://127.0.0.1:8080/img ");
+    }
+    if (std::strcmp(name, COVER_DEEZER_URL_VALUE) == 0) {
+        return SString("http://127.0.0.1:8081");
+    }
+    return SString("");
+}
+
+SString NothingStored(const char*) {
+    return SString("");
+}
+
+TEST(CoverSettings, StoredAddressesReplaceTheDefaultsAndTheScraperIsOffWithoutOne) {
+    PCoverSearchSettings none = ReadCoverSearchSettings(NothingStored);
+    EXPECT_TRUE(none.scraperUrl.IsEmpty());
+    EXPECT_FALSE(PCoverSearch(none).IsEnabled(COVER_SOURCE_SCRAPER));
+    EXPECT_STREQ(none.musicBrainzUrl.c_str(), DEFAULT_MUSICBRAINZ_URL);
+    EXPECT_STREQ(none.coverArtUrl.c_str(), DEFAULT_COVER_ART_ARCHIVE_URL);
+    EXPECT_STREQ(none.itunesUrl.c_str(), DEFAULT_ITUNES_URL);
+    EXPECT_STREQ(none.deezerUrl.c_str(), DEFAULT_DEEZER_URL);
+    PCoverSearchSettings some = ReadCoverSearchSettings(StoredScraperAndDeezer);
+    EXPECT_STREQ(some.scraperUrl.c_str(), "http://127.0.0.1:8080/img");
+    EXPECT_TRUE(PCoverSearch(some).IsEnabled(COVER_SOURCE_SCRAPER));
+    EXPECT_STREQ(some.deezerUrl.c_str(), "http://127.0.0.1:8081");
+    EXPECT_STREQ(some.itunesUrl.c_str(), DEFAULT_ITUNES_URL);
+}
+
 TEST(JsonReader, AcceptsValidTextAndRefusesTheRest) {
     struct {
         const char* text;
