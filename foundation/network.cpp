@@ -80,8 +80,14 @@ struct Handle {
     }
 };
 
+// Progress callback: a raised cancel flag ends the transfer.
+int CheckCancel(void* flag, curl_off_t, curl_off_t, curl_off_t, curl_off_t) {
+    return static_cast<const std::atomic<bool>*>(flag)->load() ? 1 : 0;
+}
+
 bool OpenHandle(Handle& handle, const char* url, int connectMilliseconds, int stallSeconds,
-                int totalMilliseconds, int64_t sizeLimitBytes) {
+                int totalMilliseconds, int64_t sizeLimitBytes, const char* agent,
+                const std::atomic<bool>* cancelFlag) {
     if (!StartCurl()) {
         return false;
     }
@@ -95,7 +101,12 @@ bool OpenHandle(Handle& handle, const char* url, int connectMilliseconds, int st
     CURL* curl = handle.curl;
     curl_easy_setopt(curl, CURLOPT_URL, url);
     curl_easy_setopt(curl, CURLOPT_HTTPHEADER, handle.headers);
-    curl_easy_setopt(curl, CURLOPT_USERAGENT, AGENT);
+    curl_easy_setopt(curl, CURLOPT_USERAGENT, IsEmpty(agent) ? AGENT : agent);
+    if (cancelFlag != nullptr) {
+        curl_easy_setopt(curl, CURLOPT_XFERINFOFUNCTION, CheckCancel);
+        curl_easy_setopt(curl, CURLOPT_XFERINFODATA, const_cast<std::atomic<bool>*>(cancelFlag));
+        curl_easy_setopt(curl, CURLOPT_NOPROGRESS, 0L);
+    }
     curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L); // safe on any thread
     curl_easy_setopt(curl, CURLOPT_PROTOCOLS_STR, "http,https");
     curl_easy_setopt(curl, CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
@@ -302,6 +313,14 @@ void SNetwork::SetLimits(int connectMilliseconds, int stallSeconds, int totalMil
     limits.sizeLimitBytes = std::max<int64_t>(sizeLimitBytes, 1);
 }
 
+void SNetwork::SetUserAgent(const char* agent) {
+    userAgent = agent != nullptr ? agent : "";
+}
+
+void SNetwork::SetCancelFlag(const std::atomic<bool>* flag) {
+    cancelFlag = flag;
+}
+
 void SNetwork::SetProgramPath(const char* path) {
     programPath = path != nullptr ? path : "";
 }
@@ -317,7 +336,8 @@ SString SNetwork::GetPage(const char* url, const char* query) {
     }
     Handle handle;
     if (!OpenHandle(handle, address.c_str(), limits.connectMilliseconds, limits.stallSeconds,
-                    limits.totalMilliseconds, limits.sizeLimitBytes)) {
+                    limits.totalMilliseconds, limits.sizeLimitBytes, userAgent.c_str(),
+                    cancelFlag)) {
         return SString("");
     }
     PageState page;
@@ -371,7 +391,8 @@ bool SNetwork::Download(SFile* target, const char* url, void* user, int blockSiz
     if (HasScheme(url)) {
         Handle handle;
         if (!OpenHandle(handle, url, limits.connectMilliseconds, limits.stallSeconds,
-                        limits.totalMilliseconds, limits.sizeLimitBytes)) {
+                        limits.totalMilliseconds, limits.sizeLimitBytes, userAgent.c_str(),
+                        cancelFlag)) {
             OnDownloadEnd(NET_NO_SESSION, user);
             return false;
         }

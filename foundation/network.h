@@ -9,6 +9,7 @@
 // speaks only http and https, and checks https certificates.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
 #include "foundation/disk.h"
@@ -95,6 +96,14 @@ public:
     // The running program's file, whose folder holds the updater; the
     // default is the executable of this process.
     void SetProgramPath(const char* path);
+    // The User-Agent header of every request; null or "" restores the
+    // default.
+    void SetUserAgent(const char* agent);
+    // A flag another thread may raise to end this object's transfers: a
+    // transfer running then fails within about a second, even while
+    // the server sends nothing. Null (the default) means no flag; the flag
+    // must outlive the transfers.
+    void SetCancelFlag(const std::atomic<bool>* flag);
 
     // HTTP. The text of the page at url, with "?" and the query appended
     // when the query is not empty; "" when the address fails, the server
@@ -164,4 +173,6 @@ private:
 
     Limits limits;
     SString programPath;
+    SString userAgent;
+    const std::atomic<bool>* cancelFlag = nullptr;
 };

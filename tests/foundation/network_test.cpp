@@ -3,6 +3,7 @@
 // browser.
 #include "foundation/network.h"
 
+#include <atomic>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -141,6 +142,23 @@ TEST_F(NetworkGetPage, ReadsBodiesWithAndWithoutLengthUpToTheLimitAndThroughRedi
     EXPECT_EQ(std::string(network.GetPage(server.Url("/close").c_str(), nullptr).c_str()), body);
     EXPECT_EQ(network.GetPage(server.Url("/limit").c_str(), "").GetLength(), TEST_SIZE_LIMIT);
     EXPECT_STREQ(network.GetPage(server.Url("/a").c_str(), "").c_str(), "arrived");
+}
+
+TEST_F(NetworkGetPage, AnAgentOfItsOwnUntilClearedAndACancelFlagRefuses) {
+    server.Route("/page", TestHttpServer::Ok("text"));
+    network.SetUserAgent("Example/2.0 (+https://example.org)");
+    EXPECT_STREQ(network.GetPage(server.Url("/page").c_str(), "").c_str(), "text");
+    EXPECT_NE(server.LastHeaders().find("User-Agent: Example/2.0 (+https://example.org)\r\n"),
+              std::string::npos);
+    network.SetUserAgent("");
+    EXPECT_STREQ(network.GetPage(server.Url("/page").c_str(), "").c_str(), "text");
+    EXPECT_NE(server.LastHeaders().find("User-Agent: TAVORA\r\n"), std::string::npos);
+    std::atomic<bool> cancelled{true};
+    network.SetCancelFlag(&cancelled);
+    EXPECT_STREQ(network.GetPage(server.Url("/page").c_str(), "").c_str(), "");
+    cancelled = false;
+    EXPECT_STREQ(network.GetPage(server.Url("/page").c_str(), "").c_str(), "text");
+    network.SetCancelFlag(nullptr);
 }
 
 TEST_F(NetworkGetPage, AppendsTheQueryAndSendsTheAgent) {
