@@ -207,12 +207,17 @@ bool PWndApp::OnCommand(int command) {
     case CMD_HIDE:
         return ToggleWindow(false);
     case CMD_OPEN_BOOK:
+        return OpenBook();
     case CMD_MAKE_BOOK:
+        return MakeBook();
     case CMD_SEND_BOOK:
+        return SendBook();
     case CMD_DESCRIPTIONS:
+        return EditDescriptions();
     case CMD_PREFERENCES:
+        return OpenPreferences();
     case CMD_HELP:
-        return OpenCompanion(command);
+        return OpenHelp();
     case CMD_DONATION: {
         SNetwork network;
         return network.OpenUrl(GetEndpoint(ENDPOINT_DONATION, DEFAULT_DONATION_URL).c_str());
@@ -233,8 +238,9 @@ bool PWndApp::OnCommand(int command) {
     case CMD_MAKE_COVER:
         return !selected.IsEmpty() && MakeCover(selected.c_str());
     case CMD_DOWNLOAD_COVER_BOTH:
+        return DownloadCover(true);
     case CMD_DOWNLOAD_COVER:
-        return OpenCompanion(command);
+        return DownloadCover(false);
     case CMD_PROPERTIES:
         return ShowProperties();
     case CMD_TRACK_ADD_QUEUE:

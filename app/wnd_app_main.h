@@ -247,9 +247,17 @@ private:
     bool CloseMain();
     SString SelectedFolderPath() const;
     void HideVideoWindow();
-    // Companion windows of their own (book, descriptions, help,
-    // preferences, cover search).
-    bool OpenCompanion(int command);
+    // Companion windows of their own, each in its own file:
+    // wnd_app_book.cpp (Book, Make Book, Send Book, Help),
+    // wnd_app_descriptions.cpp, wnd_app_preferences.cpp,
+    // wnd_app_covers.cpp (cover search) and wnd_app_strip.cpp.
+    bool OpenBook();
+    bool MakeBook();
+    bool SendBook();
+    bool OpenHelp();
+    bool EditDescriptions();
+    bool OpenPreferences();
+    bool DownloadCover(bool both);
     bool CloseChildWindows();
     // The panels round the window.
     void ShowThumbnails(bool show);

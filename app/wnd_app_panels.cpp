@@ -74,14 +74,6 @@ bool PWndApp::AppendToPlaylist(const SStringArray& files) {
     return playlist.AppendFilesAndSave(files);
 }
 
-void PWndApp::ApplyStrip() {}
-
-void PWndApp::RemoveStrip() {}
-
-bool PWndApp::OpenCompanion(int /*command*/) {
-    return false;
-}
-
 bool PWndApp::CloseChildWindows() {
     return true;
 }

@@ -1,0 +1,6 @@
+// The description window opened from the main window.
+#include "app/wnd_app_main.h"
+
+bool PWndApp::EditDescriptions() {
+    return false;
+}
