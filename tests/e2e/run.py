@@ -430,7 +430,26 @@ def wait_until(condition, seconds, message):
     raise AssertionError(message)
 
 
-CASES = [value for name, value in sorted(globals().items()) if name.startswith("case_")]
+def load_case_files():
+    """The cases of each window of its own live in tests/e2e/cases_*.py.
+    Such a file sees this file's helpers (Context, folder_row, wait_until,
+    ...) as its own globals."""
+    import glob
+    import importlib.util
+    found = {}
+    shared = {k: v for k, v in globals().items() if not k.startswith("__")}
+    for path in sorted(glob.glob(os.path.join(os.path.dirname(os.path.abspath(__file__)), "cases_*.py"))):
+        name = os.path.splitext(os.path.basename(path))[0]
+        spec = importlib.util.spec_from_file_location(name, path)
+        module = importlib.util.module_from_spec(spec)
+        module.__dict__.update(shared)
+        spec.loader.exec_module(module)
+        found.update({k: v for k, v in module.__dict__.items() if k.startswith("case_") and k not in shared})
+    return found
+
+
+CASES = [value for name, value in sorted({**{k: v for k, v in globals().items() if k.startswith("case_")},
+                                          **load_case_files()}.items())]
 
 
 def main():
