@@ -32,6 +32,7 @@
 #include "toolkit/wnd.h"
 
 class PWndApp;
+class PWndSetting;
 
 // Toolbar and menu commands.
 enum PCommand {
@@ -198,6 +199,8 @@ public:
     PWndPlay& GetPlayPanel() { return play; }
     PWndPlaylist& GetPlaylistPanel() { return playlist; }
     PWndThumbs& GetThumbs() { return thumbs; }
+    PWndSetting* GetPreferencesDialog() const { return preferences; }
+    STrayIcon& GetTray() { return tray; }
 
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override;
 
@@ -317,4 +320,5 @@ private:
     bool smallIcons = false;
     bool creating = false;
     int bandHeight = 0;
+    PWndSetting* preferences = nullptr; // the preferences dialog while it runs
 };

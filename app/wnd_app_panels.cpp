@@ -7,6 +7,7 @@
 
 #include "app/resources.h"
 #include "app/settings.h"
+#include "app/wnd_setting.h"
 #include "app/wnd_app_main.h"
 #include "dialogs/wnd_dialog.h"
 #include "foundation/file.h"
@@ -75,6 +76,9 @@ bool PWndApp::AppendToPlaylist(const SStringArray& files) {
 }
 
 bool PWndApp::CloseChildWindows() {
+    if (preferences != nullptr) {
+        preferences->EndModal(-1); // cancelled: the closing window stores nothing of it
+    }
     return true;
 }
 
