@@ -97,7 +97,7 @@ class Program:
         while time.monotonic() < deadline:
             # The main window alone: its title ends in the version, and the
             # video window, hidden, has a title of its own.
-            found = subprocess.run(["xdotool", "search", "--onlyvisible", "--pid", str(self.process.pid),
+            found = subprocess.run(["xdotool", "search", "--all", "--onlyvisible", "--pid", str(self.process.pid),
                                     "--name", "^Melkora Browser [0-9]"],
                                    capture_output=True, text=True).stdout.split()
             if found:
@@ -174,6 +174,8 @@ def write_settings(home, values):
     for name, value in values.items():
         if isinstance(value, int):
             lines.append('"%s"=dword:%08x' % (name, value))
+        elif re.fullmatch(r"dword:[0-9a-fA-F]{8}", value):  # as read_settings gives a number back
+            lines.append('"%s"=%s' % (name, value))
         else:
             lines.append('"%s"="%s"' % (name, value))
     with open(os.path.join(folder, "registry.ini"), "w", encoding="utf-8") as f:
