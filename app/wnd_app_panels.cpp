@@ -75,6 +75,8 @@ bool PWndApp::AppendToPlaylist(const SStringArray& files) {
 }
 
 bool PWndApp::CloseChildWindows() {
+    // The cover search window, with its worker told to stop and joined.
+    coverSearch.reset();
     return true;
 }
 
