@@ -20,6 +20,9 @@ constexpr unsigned LABEL_ALIGN = 0x11; // centred across and down
 // busy, but still taking clicks).
 constexpr int CURSOR_PROGRESS = 12;
 constexpr int ID_COVER_SOURCES = 1010;
+// The labels' font, small enough for "1000 x 1000" under a picture.
+constexpr const char* LABEL_FONT_FACE = "Verdana";
+constexpr double LABEL_FONT_POINTS = 7.5;
 
 SRect PictureRect(int i) {
     return SRect{5 + 80 * i, 5, 80 + 80 * i, 80};
@@ -104,6 +107,7 @@ bool PWndGoogle::Create(SWnd* owner) {
 
 bool PWndGoogle::BuildControls() {
     HWND self = GetHandle();
+    labelFont.reset(MakeFont(LABEL_FONT_FACE, PointsToHeight(LABEL_FONT_POINTS), 0));
     for (int i = 0; i < COVER_PICTURES; ++i) {
         SRect picturePlace = PictureRect(i);
         SRect labelPlace = LabelRect(i);
@@ -120,6 +124,9 @@ bool PWndGoogle::BuildControls() {
         pictures[i].SetToolTip(true);
         labels[i].SetBackColor(WHITE);
         labels[i].SetAlign(LABEL_ALIGN);
+        labels[i].SetMargins(0, 0, 0, 0);
+        SendMessage(labels[i].GetHandle(), WM_SETFONT, reinterpret_cast<WPARAM>(labelFont.get()),
+                    0);
         labels[i].SetTrimming(true);
     }
     SRect scrollPlace{5, 105, 480, 125};

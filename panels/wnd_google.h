@@ -21,6 +21,7 @@
 #include "library/cover_worker.h"
 #include "toolkit/button_ctrls.h"
 #include "toolkit/combo_ctrl.h"
+#include "toolkit/draw.h"
 #include "toolkit/range_ctrls.h"
 #include "toolkit/wnd.h"
 
@@ -137,6 +138,7 @@ private:
 
     std::vector<std::unique_ptr<PCoverFound>> results;
     SImage cover;
+    std::unique_ptr<SFont> labelFont;
     SMediaCtrl pictures[COVER_PICTURES];
     SMediaCtrl labels[COVER_PICTURES];
     SScrollCtrl scrollBar;
