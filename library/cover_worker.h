@@ -75,7 +75,6 @@ public:
     void CancelJob();
     // A job queued whose end has not been reported nor cancelled.
     bool IsBusy() const { return busyJob != 0; }
-    const PCoverSearch& GetSearch() const { return search; }
 
 protected:
     bool Run() override;

@@ -293,7 +293,6 @@ void PWndGoogle::OnReport(PCoverReport&& report) {
 
 void PWndGoogle::OnSearchEnd() {
     searchJob = 0;
-    ++searchesEnded;
     SetIdle();
     if (replaced) {
         std::copy(std::begin(pendingStart), std::end(pendingStart), std::begin(nextStart));

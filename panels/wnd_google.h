@@ -96,8 +96,6 @@ public:
     SComboCtrl& GetSourceChoice() { return sourceChoice; }
     // The sources of each item of the choice, -1 for all.
     const std::vector<int>& GetChoiceSources() const { return choiceSources; }
-    // The messages told so far, and how the last run ended.
-    int GetSearchesEnded() const { return searchesEnded; }
 
 protected:
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override;
@@ -133,7 +131,6 @@ private:
     int failedSources = 0;
     int answeredSources = 0;
     bool everShown = false;
-    int searchesEnded = 0;
     bool ending = false;
 
     std::vector<std::unique_ptr<PCoverFound>> results;

@@ -319,6 +319,20 @@ TEST_F(GtkCoverSearch, EverySourcesPicturesShowInTurnWithTheirSizes) {
     EXPECT_TRUE(asked("/itunes/search?"));
     EXPECT_TRUE(asked("/deezer/search/album?limit=25&q=Elin"));
 
+    // The choice of sources: every source together, or each alone.
+    SComboCtrl& choice = window->GetSourceChoice();
+    ASSERT_EQ(choice.GetCount(), 5);
+    EXPECT_EQ(choice.GetItemText(0), "All sources");
+    EXPECT_EQ(choice.GetItemText(1), "Image search");
+    EXPECT_EQ(window->GetChoiceSources()[3], COVER_SOURCE_ITUNES);
+    ASSERT_TRUE(window->SearchSources(COVER_SOURCE_ITUNES));
+    ASSERT_TRUE(PumpUntil([&] { return !window->IsBusy(); }, 30));
+    ASSERT_EQ(window->GetResultCount(), 1);
+    EXPECT_FALSE(window->GetPicture(1).IsVisible());
+    ASSERT_TRUE(window->SearchSources(-1));
+    ASSERT_TRUE(PumpUntil([&] { return !window->IsBusy(); }, 30));
+    ASSERT_EQ(window->GetResultCount(), 7);
+
     // A click on the release's picture: its full picture (300 by 200,
     // behind a redirect) becomes the 150 by 150 cover the host saves.
     Click(window->GetPicture(2));
