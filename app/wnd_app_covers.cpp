@@ -1,6 +1,4 @@
 // The cover search window opened for the selected folder.
-#include <algorithm>
-
 #include "app/settings.h"
 #include "app/trace.h"
 #include "app/wnd_app_main.h"
