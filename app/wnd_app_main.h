@@ -20,6 +20,7 @@
 #include "library/thread_stats.h"
 #include "panels/panel_host.h"
 #include "panels/thumbs_wnd.h"
+#include "panels/wnd_google.h"
 #include "panels/wnd_play.h"
 #include "panels/wnd_playlist.h"
 #include "toolkit/bar_ctrls.h"
@@ -321,4 +322,5 @@ private:
     bool creating = false;
     int bandHeight = 0;
     PWndSetting* preferences = nullptr; // the preferences dialog while it runs
+    std::unique_ptr<PWndGoogle> coverSearch; // the last cover search, kept until the next
 };

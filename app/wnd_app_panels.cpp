@@ -79,6 +79,8 @@ bool PWndApp::CloseChildWindows() {
     if (preferences != nullptr) {
         preferences->EndModal(-1); // cancelled: the closing window stores nothing of it
     }
+    // The cover search window, with its worker told to stop and joined.
+    coverSearch.reset();
     return true;
 }
 

@@ -198,9 +198,13 @@ SString MakeScraperRequest(const char* base, const char* query, int start) {
     return address;
 }
 
-SString MakeMusicBrainzRequest(const char* base, const char* query) {
+SString MakeMusicBrainzRequest(const char* base, const char* query, int start) {
     SString address = Join(base, "/ws/2/release/?fmt=json&limit=");
     address += SString::FromInt(REQUEST_LIMIT);
+    if (start > 0) {
+        address += "&offset=";
+        address += SString::FromInt(start);
+    }
     address += "&query=";
     address += PercentEncode(query);
     return address;
@@ -214,9 +218,13 @@ SString MakeItunesRequest(const char* base, const char* query) {
     return address;
 }
 
-SString MakeDeezerRequest(const char* base, const char* query) {
+SString MakeDeezerRequest(const char* base, const char* query, int start) {
     SString address = Join(base, "/search/album?limit=");
     address += SString::FromInt(REQUEST_LIMIT);
+    if (start > 0) {
+        address += "&index=";
+        address += SString::FromInt(start);
+    }
     address += "&q=";
     address += PercentEncode(query);
     return address;
@@ -489,13 +497,16 @@ int PCoverSearch::Search(int source, const char* query, int start,
         request = MakeScraperRequest(settings.scraperUrl.c_str(), query, start);
         break;
     case COVER_SOURCE_MUSICBRAINZ:
-        request = MakeMusicBrainzRequest(settings.musicBrainzUrl.c_str(), query);
+        request = MakeMusicBrainzRequest(settings.musicBrainzUrl.c_str(), query, start);
         break;
     case COVER_SOURCE_ITUNES:
+        if (start > 0) {
+            return 0; // no offset: its first results were all it has
+        }
         request = MakeItunesRequest(settings.itunesUrl.c_str(), query);
         break;
     default:
-        request = MakeDeezerRequest(settings.deezerUrl.c_str(), query);
+        request = MakeDeezerRequest(settings.deezerUrl.c_str(), query, start);
         break;
     }
     std::string body;

@@ -83,11 +83,13 @@ SString CoverSearchUserAgent(const char* version);
 // hexadecimal digits, so a query goes out byte by byte.
 SString PercentEncode(const char* text);
 
-// The request of each source for query; start is the scraper's result offset.
+// The request of each source for query; start is the offset of the first
+// result asked (the next page of "More"). The iTunes search has no offset:
+// PCoverSearch asks it for the first results only.
 SString MakeScraperRequest(const char* base, const char* query, int start);
-SString MakeMusicBrainzRequest(const char* base, const char* query);
+SString MakeMusicBrainzRequest(const char* base, const char* query, int start = 0);
 SString MakeItunesRequest(const char* base, const char* query);
-SString MakeDeezerRequest(const char* base, const char* query);
+SString MakeDeezerRequest(const char* base, const char* query, int start = 0);
 
 // Readers of the replies: each appends what it finds to out (at most
 // COVER_MAX_RESULTS) and gives the number appended; damaged or foreign
@@ -119,7 +121,8 @@ public:
     // Asks source for query and appends its candidates to out: their
     // number (0 when the reply holds none), or COVER_FETCH_FAILED when the
     // source is off, the request failed, went over its limits or was
-    // cancelled.
+    // cancelled. A start past 0 asks for the results after the first start
+    // ones; the iTunes search, which cannot, then gives 0 without asking.
     int Search(int source, const char* query, int start, std::vector<PCoverCandidate>* out);
     // The body at url into body, within limitBytes; false on any failure.
     bool Fetch(const char* url, int64_t limitBytes, std::string* body);

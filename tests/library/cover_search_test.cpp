@@ -232,6 +232,11 @@ TEST(CoverRequests, QueriesArePercentEncodedByteByByteUnderTheConfiguredBase) {
          std::string("http://h/search?media=music&entity=album&limit=25&term=") + encoded},
         {MakeDeezerRequest("http://h", query),
          std::string("http://h/search/album?limit=25&q=") + encoded},
+        // The next results of "More".
+        {MakeMusicBrainzRequest("http://h", query, 25),
+         std::string("http://h/ws/2/release/?fmt=json&limit=25&offset=25&query=") + encoded},
+        {MakeDeezerRequest("http://h", query, 3),
+         std::string("http://h/search/album?limit=25&index=3&q=") + encoded},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(std::string(c.request.c_str()), c.expected);
