@@ -20,6 +20,7 @@
 #include "library/thread_stats.h"
 #include "panels/panel_host.h"
 #include "panels/thumbs_wnd.h"
+#include "panels/wnd_description.h"
 #include "panels/wnd_play.h"
 #include "panels/wnd_playlist.h"
 #include "toolkit/bar_ctrls.h"
@@ -317,4 +318,6 @@ private:
     bool smallIcons = false;
     bool creating = false;
     int bandHeight = 0;
+    std::unique_ptr<PDescriptionHost> descriptionHost; // the description window's view of this one
+    std::unique_ptr<PWndDescription> descriptionWnd;   // made at the first Edit Descriptions
 };

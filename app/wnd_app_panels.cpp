@@ -75,6 +75,12 @@ bool PWndApp::AppendToPlaylist(const SStringArray& files) {
 }
 
 bool PWndApp::CloseChildWindows() {
+    if (descriptionWnd != nullptr && descriptionWnd->GetHandle() != 0) {
+        if (!descriptionWnd->CloseWindow()) {
+            return false;
+        }
+        descriptionWnd->Destroy();
+    }
     return true;
 }
 
