@@ -83,6 +83,9 @@ bool PWndDescription::Open() {
         if (IsMinimized()) {
             Restore(true);
         }
+        if (host != nullptr && !(host->GetRootFolder() == root)) {
+            ReloadFolders();
+        }
         Show(SW_SHOW);
         GetPlatform()->ActivateSurface(GetHandle());
         return true;
@@ -199,11 +202,22 @@ bool PWndDescription::IsModified() const {
 }
 
 void PWndDescription::ReloadFolders() {
+    SString newRoot = host != nullptr ? host->GetRootFolder() : SString("");
+    if (hasDocument && !(newRoot == root)) {
+        // Another collection: the open text goes back to its own first.
+        if (!SaveDescription()) {
+            return;
+        }
+        selecting = true;
+        tree.SelectItem(nullptr);
+        selecting = false;
+        LoadDescription(nullptr);
+    }
     SString keep = hasDocument ? GetItemPath(tree.GetSelection()) : SString("");
     selecting = true;
     tree.Clear();
     selecting = false;
-    root = host != nullptr ? host->GetRootFolder() : SString("");
+    root = newRoot;
     SetStatus("Loading... 0");
     known.Load(
         root.c_str(),
@@ -360,6 +374,8 @@ void PWndDescription::ApplyEdit(const PDescriptionEdit& edit) {
                         edit.refused);
         }
         SetStatus(text.c_str());
+    } else {
+        SetStatus("Ready.");
     }
     if (!edit.changed) {
         return;

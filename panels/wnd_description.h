@@ -78,8 +78,9 @@ public:
     ~PWndDescription() override;
 
     // Creates the window at its kept placement and lists the folders, or,
-    // when it stands already, shows and raises it. False when the window
-    // could not be made.
+    // when it stands already, shows and raises it (listing the folders
+    // again when the collection's root changed meanwhile). False when the
+    // window could not be made.
     bool Open();
     // Saves the text and the placement; false (the window stays) when the
     // text could not be saved and the user chose to keep it. The caller
@@ -87,7 +88,9 @@ public:
     bool CloseWindow();
 
     // Lists the folders again into the tree, keeping the open description
-    // selected when its folder is still there.
+    // selected when its folder is still there. Under another root the open
+    // text is saved and closed first (when it cannot be saved, nothing
+    // changes).
     void ReloadFolders();
     // Opens the description of a tree item (null: none; the editor is
     // emptied). Saves nothing itself.

@@ -228,6 +228,24 @@ TEST_F(DescriptionWindowTest, GenerateWritesThePageAndShowsIt) {
     EXPECT_TRUE(window.GetTree().IsEnabled());
 }
 
+TEST_F(DescriptionWindowTest, AnotherRootSavesTheTextBeforeTheTreeChanges) {
+    TempDir other;
+    other.MakeFolder("Folk/Singer/Songs");
+    Open();
+    ASSERT_TRUE(window.SelectFolder("Rock"));
+    Type("first root");
+    host.root = other.Path() + "/";
+    ASSERT_TRUE(window.Open()); // raised: the root changed meanwhile
+    EXPECT_EQ(File("Rock.txt"), "first root");
+    EXPECT_EQ(TreeLabels(), (std::vector<std::string>{"Folk", "-Singer"}));
+    EXPECT_EQ(window.GetDocumentPath(), "");
+    ASSERT_TRUE(window.SelectFolder("Folk"));
+    Type("second");
+    window.CloseWindow();
+    EXPECT_EQ(TempDir::Read(other / "Folk.txt"), "second");
+    EXPECT_FALSE(Exists("Folk.txt"));
+}
+
 TEST_F(DescriptionWindowTest, ThePlacementIsKeptBetweenWindows) {
     Open();
     EXPECT_EQ(window.GetWindowRect().Width(), DESCRIPTION_WIDTH);
