@@ -8,6 +8,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -201,6 +202,91 @@ TEST(DescriptionEdit, BadSelectionsChangeNothing) {
     PDescriptionEdit edit = MarkSelection({"ab"}, PTextPoint{0, 0}, PTextPoint{0, 99}, "genre");
     ASSERT_TRUE(edit.changed);
     EXPECT_EQ(edit.lines, std::vector<std::string>{"#genre ab#"});
+}
+
+// True when every byte of small appears in big in the same order.
+bool IsSubsequence(const std::string& small, const std::string& big) {
+    size_t at = 0;
+    for (char c : big) {
+        if (at < small.size() && small[at] == c) {
+            ++at;
+        }
+    }
+    return at == small.size();
+}
+
+// The line without the heads ("#tag ") of its marks.
+std::string WithoutHeads(const std::string& line) {
+    std::string result;
+    size_t from = 0;
+    for (const PMarkPair& pair : FindMarkPairs(line)) {
+        if (pair.c >= 0) {
+            result.append(line, from, static_cast<size_t>(pair.a) - from);
+            from = static_cast<size_t>(pair.c) + 1;
+        }
+    }
+    result.append(line, from, std::string::npos);
+    return result;
+}
+
+int MarkCount(const std::string& line) {
+    int count = 0;
+    for (const PMarkPair& pair : FindMarkPairs(line)) {
+        count += pair.c >= 0 ? 1 : 0;
+    }
+    return count;
+}
+
+TEST(DescriptionEdit, RandomSelectionsNeverLoseTextOrBreakMarks) {
+    // Lines made of the characters that matter to marks, and selections
+    // anywhere in them: nothing the user wrote is lost, no mark stops being
+    // one, and the selection afterwards lies inside the text.
+    std::mt19937 random(21);
+    const char alphabet[] = "ab #@{}\t\xC3\xA9";
+    auto randomLine = [&] {
+        std::string line;
+        int length = static_cast<int>(random() % 12);
+        for (int i = 0; i < length; ++i) {
+            line += alphabet[random() % (sizeof(alphabet) - 1)];
+        }
+        return line;
+    };
+    for (int round = 0; round < 20000; ++round) {
+        std::vector<std::string> lines;
+        int count = 1 + static_cast<int>(random() % 3);
+        for (int i = 0; i < count; ++i) {
+            lines.push_back(randomLine());
+        }
+        PTextPoint start{0, static_cast<int>(random() % (lines.front().size() + 1))};
+        PTextPoint end{count - 1, static_cast<int>(random() % (lines.back().size() + 1))};
+        if (count == 1 && end < start) {
+            std::swap(start, end);
+        }
+        int which = static_cast<int>(random() % 3);
+        PDescriptionEdit edit = which == 0   ? MarkSelection(lines, start, end, "genre")
+                                : which == 1 ? BoldSelection(lines, start, end)
+                                             : GroupSelection(lines, start, end);
+        if (!edit.changed) {
+            continue;
+        }
+        ASSERT_FALSE(edit.lines.empty());
+        for (PTextPoint point : {edit.anchor, edit.caret}) {
+            int line = point.line - edit.first;
+            ASSERT_TRUE(line >= 0 && line < static_cast<int>(edit.lines.size())) << round;
+            ASSERT_LE(point.column, static_cast<int>(edit.lines[static_cast<size_t>(line)].size())) << round;
+        }
+        if (which == 2) {
+            continue; // the group command rewrites lines whole; its cases are above
+        }
+        ASSERT_EQ(edit.lines.size(), lines.size());
+        for (size_t i = 0; i < lines.size(); ++i) {
+            const std::string& before = lines[i];
+            const std::string& after = edit.lines[i];
+            EXPECT_TRUE(IsSubsequence(WithoutHeads(before), after)) << round << ": " << before << " -> " << after;
+            EXPECT_GE(MarkCount(after), MarkCount(before)) << round << ": " << before << " -> " << after;
+            EXPECT_LE(FindMarkPairs(after).size(), FindMarkPairs(before).size() + 1) << round;
+        }
+    }
 }
 
 // Files.
