@@ -129,6 +129,11 @@ bool PWndDescription::CloseWindow() {
     if (host != nullptr) {
         host->SavePlacement(DESCRIPTION_PLACEMENT, GetWindowRect(), IsMaximized());
     }
+    // The window made again later starts with no description open.
+    selecting = true;
+    tree.SelectItem(nullptr);
+    selecting = false;
+    LoadDescription(nullptr);
     return true;
 }
 

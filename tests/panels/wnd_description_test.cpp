@@ -66,7 +66,8 @@ protected:
     bool Exists(const char* relative) { return std::filesystem::exists(dir / relative); }
     void Type(const char* text) { window.GetEditor().CommitText(text); }
     void SelectAll() { window.GetEditor().GetEditor().SelectAll(); }
-    std::vector<std::string> TreeLabels() {
+    std::vector<std::string> TreeLabels() { return TreeLabels(window); }
+    static std::vector<std::string> TreeLabels(PWndDescription& window) {
         std::vector<std::string> labels;
         std::vector<HTREEITEM> stack(window.GetTree().GetItems().GetRoots().rbegin(),
                                      window.GetTree().GetItems().GetRoots().rend());
@@ -261,11 +262,18 @@ TEST_F(DescriptionWindowTest, ThePlacementIsKeptBetweenWindows) {
     second.MoveWindow(SRect{0, 0, 100, 100});
     EXPECT_GE(second.GetWindowRect().Width(), DESCRIPTION_MIN_WIDTH);
     EXPECT_GE(second.GetWindowRect().Height(), DESCRIPTION_MIN_HEIGHT);
-    // Opening again raises the same window; closing it again and reopening
-    // makes it anew.
+    // Opening again raises the same window.
     HWND handle = second.GetHandle();
     ASSERT_TRUE(second.Open());
     EXPECT_EQ(second.GetHandle(), handle);
+    // Closed with a description open and made again: nothing is open.
+    ASSERT_TRUE(second.SelectFolder("Rock"));
+    ASSERT_TRUE(second.CloseWindow());
+    second.Destroy();
+    ASSERT_TRUE(second.Open());
+    EXPECT_EQ(second.GetDocumentPath(), "");
+    EXPECT_FALSE(second.GetToolBar().IsButtonEnabled(DESCRIPTION_CMD_GENRE));
+    EXPECT_EQ(TreeLabels(second).size(), 5u);
     second.Destroy();
 }
 
