@@ -20,6 +20,7 @@
 #include "library/thread_stats.h"
 #include "panels/panel_host.h"
 #include "panels/thumbs_wnd.h"
+#include "panels/wnd_description.h"
 #include "panels/wnd_google.h"
 #include "panels/wnd_play.h"
 #include "panels/wnd_playlist.h"
@@ -323,4 +324,6 @@ private:
     int bandHeight = 0;
     PWndSetting* preferences = nullptr; // the preferences dialog while it runs
     std::unique_ptr<PWndGoogle> coverSearch; // the last cover search, kept until the next
+    std::unique_ptr<PDescriptionHost> descriptionHost; // the description window's view of this one
+    std::unique_ptr<PWndDescription> descriptionWnd;   // made at the first Edit Descriptions
 };

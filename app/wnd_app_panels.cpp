@@ -76,6 +76,14 @@ bool PWndApp::AppendToPlaylist(const SStringArray& files) {
 }
 
 bool PWndApp::CloseChildWindows() {
+    // The description window first: it may keep itself open (a text it
+    // could not save), and then nothing else closes either.
+    if (descriptionWnd != nullptr && descriptionWnd->GetHandle() != 0) {
+        if (!descriptionWnd->CloseWindow()) {
+            return false;
+        }
+        descriptionWnd->Destroy();
+    }
     if (preferences != nullptr) {
         preferences->EndModal(-1); // cancelled: the closing window stores nothing of it
     }

@@ -725,6 +725,11 @@ public:
         }
         surface->area = gtk_drawing_area_new();
         gtk_window_set_title(GTK_WINDOW(surface->window), title != nullptr ? title : "");
+        // A window's place is that of its client area, as the configure
+        // events report it (gdk_window_get_origin): with the static gravity
+        // a move places the client area there, not the window manager's
+        // frame, so a placement stored and applied again stays put.
+        gtk_window_set_gravity(GTK_WINDOW(surface->window), GDK_GRAVITY_STATIC);
         gtk_window_move(GTK_WINDOW(surface->window), rect.left, rect.top);
         gtk_window_set_default_size(GTK_WINDOW(surface->window), std::max(1, rect.Width()),
                                     std::max(1, rect.Height()));
