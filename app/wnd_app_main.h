@@ -22,6 +22,7 @@
 #include "panels/thumbs_wnd.h"
 #include "panels/wnd_play.h"
 #include "panels/wnd_playlist.h"
+#include "panels/wnd_task.h"
 #include "toolkit/bar_ctrls.h"
 #include "toolkit/button_ctrls.h"
 #include "toolkit/list_ctrl.h"
@@ -198,6 +199,7 @@ public:
     PWndPlay& GetPlayPanel() { return play; }
     PWndPlaylist& GetPlaylistPanel() { return playlist; }
     PWndThumbs& GetThumbs() { return thumbs; }
+    PWndTask* GetStrip() { return strip.get(); } // null until first turned on
 
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override;
 
@@ -269,6 +271,12 @@ private:
     bool AppendToPlaylist(const SStringArray& files);
     void ApplyStrip();
     void RemoveStrip();
+    // The strip's copy of the now-playing panel and the transport buttons
+    // (wnd_app_strip.cpp); each does nothing while the strip is off.
+    void StripShowTrack(const char* path, int position, int count);
+    void StripUpdateTime();
+    void StripEnableButtons(bool playing, int count);
+    void StripSetBuffering(bool buffering);
     // Dialogs.
     bool AskSite(const char* folder, SString* site);
     bool SaveImageAtomic(const SImage& picture, const char* path);
@@ -317,4 +325,5 @@ private:
     bool smallIcons = false;
     bool creating = false;
     int bandHeight = 0;
+    std::unique_ptr<PWndTask> strip; // the taskbar strip, made when first turned on
 };
