@@ -31,7 +31,8 @@ constexpr int SEEK_INSET = 4;
 constexpr int SEEK_HEIGHT = 9;
 constexpr int LABEL_WIDTH = 80;
 constexpr int TYPE_WIDTH = 20;
-constexpr int FIXED_WIDTH = 2 + BUTTON_WIDTH + 10 + 4 * BUTTON_WIDTH + 10 + SEEK_WIDTH + 3 * LABEL_WIDTH;
+constexpr int FIXED_WIDTH =
+    2 + BUTTON_WIDTH + 10 + 4 * BUTTON_WIDTH + 10 + SEEK_WIDTH + 3 * LABEL_WIDTH;
 // What the three names leave free at the left end.
 constexpr int LEFT_FREE = 272;
 
@@ -56,9 +57,12 @@ SString MenuText(const SString& text) {
 // The type icon of a file: songs, radio, and every other kind.
 unsigned TypeIconOf(const char* path) {
     switch (GetMediaClass(path)) {
-    case MEDIA_SONG: return RESOURCE_ROW_SONG;
-    case MEDIA_RADIO: return RESOURCE_ROW_RADIO;
-    default: return RESOURCE_ROW_VIDEO;
+    case MEDIA_SONG:
+        return RESOURCE_ROW_SONG;
+    case MEDIA_RADIO:
+        return RESOURCE_ROW_RADIO;
+    default:
+        return RESOURCE_ROW_VIDEO;
     }
 }
 
@@ -126,15 +130,24 @@ SRect PWndTask::LayoutRect(STRIP_CONTROL which, int width, int height) {
     int album = type - third;
     int artist = album - third;
     switch (which) {
-    case STRIP_NUMBER: return SRect{numberLeft, 0, seek, height};
-    case STRIP_LENGTH: return SRect{lengthLeft, 0, numberLeft, height};
-    case STRIP_ELAPSED: return SRect{elapsedLeft, 0, lengthLeft, height};
-    case STRIP_SONG: return SRect{song, 0, elapsedLeft, height};
-    case STRIP_TYPE: return SRect{type, 0, song, height};
-    case STRIP_ALBUM: return SRect{album, 0, type, height};
-    case STRIP_ARTIST: return SRect{artist, 0, album, height};
-    case STRIP_REMAINDER: return SRect{0, 0, std::max(0, artist), height};
-    default: return SRect{};
+    case STRIP_NUMBER:
+        return SRect{numberLeft, 0, seek, height};
+    case STRIP_LENGTH:
+        return SRect{lengthLeft, 0, numberLeft, height};
+    case STRIP_ELAPSED:
+        return SRect{elapsedLeft, 0, lengthLeft, height};
+    case STRIP_SONG:
+        return SRect{song, 0, elapsedLeft, height};
+    case STRIP_TYPE:
+        return SRect{type, 0, song, height};
+    case STRIP_ALBUM:
+        return SRect{album, 0, type, height};
+    case STRIP_ARTIST:
+        return SRect{artist, 0, album, height};
+    case STRIP_REMAINDER:
+        return SRect{0, 0, std::max(0, artist), height};
+    default:
+        return SRect{};
     }
 }
 
@@ -243,7 +256,8 @@ void PWndTask::Layout() {
     int clientHeight = GetClientHeight();
     for (int i = 0; i < STRIP_CONTROL_COUNT; ++i) {
         if (controls[i].GetHandle() != 0) {
-            controls[i].MoveWindow(LayoutRect(static_cast<STRIP_CONTROL>(i), clientWidth, clientHeight));
+            controls[i].MoveWindow(
+                LayoutRect(static_cast<STRIP_CONTROL>(i), clientWidth, clientHeight));
         }
     }
     if (seekBar.GetHandle() != 0) {
@@ -378,7 +392,7 @@ void PWndTask::UpdatePlayingTime() {
     int drag = seekBar.GetDragPosition();
     uint32_t color = drag >= 0 ? DRAG_TIME_COLOR : textColor;
     SetTimeLabel(controls[STRIP_ELAPSED], FormatPlayingTime(drag >= 0 ? drag : position), color);
-    SString lengthText = buffering ? SString("buffering...")
+    SString lengthText = buffering    ? SString("buffering...")
                          : length > 0 ? FormatPlayingTime(length)
                                       : SString();
     SetTimeLabel(controls[STRIP_LENGTH], lengthText, color);
@@ -411,17 +425,28 @@ void PWndTask::Clicked(STRIP_CONTROL which, SPoint screen) {
         }
     };
     switch (which) {
-    case STRIP_PREVIOUS: post(commands.previous); return;
-    case STRIP_NEXT: post(commands.next); return;
-    case STRIP_PAUSE: post(commands.pause); return;
-    case STRIP_STOP: post(commands.stop); return;
+    case STRIP_PREVIOUS:
+        post(commands.previous);
+        return;
+    case STRIP_NEXT:
+        post(commands.next);
+        return;
+    case STRIP_PAUSE:
+        post(commands.pause);
+        return;
+    case STRIP_STOP:
+        post(commands.stop);
+        return;
     case STRIP_SHOW:
         if (host != nullptr) {
             host->ShowMainWindow();
         }
         return;
-    case STRIP_NUMBER: OpenQueueMenu(screen); return;
-    default: break;
+    case STRIP_NUMBER:
+        OpenQueueMenu(screen);
+        return;
+    default:
+        break;
     }
     if (host == nullptr || playingPath.IsEmpty()) {
         return;

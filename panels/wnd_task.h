@@ -133,11 +133,11 @@ private:
     SMediaCtrl controls[STRIP_CONTROL_COUNT];
     SImage tile;
     SImage typeIcon;
-    SImage buttonArt[STRIP_CONTROL_COUNT];  // the buttons' pictures
-    SImage fadedArt[STRIP_CONTROL_COUNT];   // the same at half alpha: disabled
+    SImage buttonArt[STRIP_CONTROL_COUNT]; // the buttons' pictures
+    SImage fadedArt[STRIP_CONTROL_COUNT];  // the same at half alpha: disabled
     bool registered = false;
     SDockState dockState{};
-    int width = 0;  // the work area's width at creation
+    int width = 0; // the work area's width at creation
     int height = 20;
     uint32_t textColor = 0;
     bool buffering = false;

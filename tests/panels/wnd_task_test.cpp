@@ -43,11 +43,12 @@ TEST(StripLayout, ControlsStandFromTheRightEdgeSideBySide) {
         // Left to right, each control begins where the one before ends, but
         // for the seek bar's place of 100 and a gap of 10 before the
         // buttons.
-        const STRIP_CONTROL order[] = {STRIP_REMAINDER, STRIP_ARTIST, STRIP_ALBUM, STRIP_TYPE,
+        const STRIP_CONTROL order[] = {STRIP_REMAINDER, STRIP_ARTIST,  STRIP_ALBUM,  STRIP_TYPE,
                                        STRIP_SONG,      STRIP_ELAPSED, STRIP_LENGTH, STRIP_NUMBER};
         EXPECT_EQ(at(STRIP_REMAINDER).left, 0);
         for (size_t i = 1; i < std::size(order); ++i) {
-            EXPECT_EQ(at(order[i]).left, at(order[i - 1]).right) << width << " control " << order[i];
+            EXPECT_EQ(at(order[i]).left, at(order[i - 1]).right)
+                << width << " control " << order[i];
         }
         EXPECT_EQ(at(STRIP_NUMBER).right + 110, at(STRIP_PREVIOUS).left) << width;
         for (STRIP_CONTROL which : {STRIP_PREVIOUS, STRIP_NEXT, STRIP_PAUSE}) {

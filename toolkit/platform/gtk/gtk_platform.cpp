@@ -62,7 +62,11 @@ bool SetStruts(GtkWidget* widget, const SRect& rect) {
     GdkScreen* screen = gdk_window_get_screen(window);
     long rootHeight = HeightOfScreen(gdk_x11_screen_get_xscreen(screen));
     long bottom = std::max(0L, rootHeight - rect.top);
-    long partial[12] = {0, 0, 0, bottom, 0, 0, 0, 0, 0, 0, rect.left, std::max(rect.left, rect.right - 1)};
+    // Left, right, top and bottom; then the first and last row of the left
+    // and right struts, and the first and last column of the top and bottom.
+    long partial[12] = {0, 0, 0, bottom};
+    partial[10] = rect.left;
+    partial[11] = std::max(rect.left, rect.right - 1);
     long strut[4] = {0, 0, 0, bottom};
     XChangeProperty(x, xid, XInternAtom(x, "_NET_WM_STRUT_PARTIAL", False), XA_CARDINAL, 32,
                     PropModeReplace, reinterpret_cast<unsigned char*>(partial), 12);
@@ -71,7 +75,8 @@ bool SetStruts(GtkWidget* widget, const SRect& rect) {
     XFlush(x);
     return gdk_x11_screen_supports_net_wm_hint(
                screen, gdk_atom_intern_static_string("_NET_WM_STRUT_PARTIAL")) ||
-           gdk_x11_screen_supports_net_wm_hint(screen, gdk_atom_intern_static_string("_NET_WM_STRUT"));
+           gdk_x11_screen_supports_net_wm_hint(screen,
+                                               gdk_atom_intern_static_string("_NET_WM_STRUT"));
 }
 
 void ClearStruts(GtkWidget* widget) {

@@ -44,16 +44,18 @@ TEST_F(GtkDock, ABarStandsAtTheBottomWithItsStrutsAndLeavesNoneWhenUndocked) {
     EXPECT_EQ(bar.GetWindowRect(), (SRect{area.left, area.bottom - 24, area.right, area.bottom}));
     SSize size;
     ASSERT_TRUE(PumpUntil([&] {
-        return GtkGetSurfaceSize(bar.GetHandle(), &size) && size.width == area.Width() && size.height == 24;
-    })) << size.width << "x" << size.height;
+        return GtkGetSurfaceSize(bar.GetHandle(), &size) && size.width == area.Width() &&
+               size.height == 24;
+    })) << size.width
+        << "x" << size.height;
     ASSERT_TRUE(GtkGetDockProperties(bar.GetHandle(), &strut, &dock));
     EXPECT_TRUE(dock);
     // Left, right, top, bottom, then the start and end of each edge: the
     // bottom 24 pixels of the screen, across the bar's columns.
     SRect screen;
     ASSERT_TRUE(GetPlatform()->GetScreenRect(&screen));
-    std::vector<long> expected = {0, 0, 0, screen.bottom - (area.bottom - 24), 0, 0, 0, 0, 0, 0,
-                                  area.left, area.right - 1};
+    std::vector<long> expected = {
+        0, 0, 0, screen.bottom - (area.bottom - 24), 0, 0, 0, 0, 0, 0, area.left, area.right - 1};
     EXPECT_EQ(strut, expected);
 
     EXPECT_TRUE(bar.Undock());
