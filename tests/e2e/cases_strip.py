@@ -57,6 +57,23 @@ def strip_button(width, name):
     return width - right + 10
 
 
+def button_picture(ctx, strip, width, name, path):
+    """The pixels the screen shows of one of the strip's buttons, with the
+    pointer away from it, so that no hover look counts."""
+    left, top, _, strip_height = geometry(strip)
+    subprocess.run(["xdotool", "mousemove", "--window", strip, "5", str(strip_height // 2)], check=True)
+    time.sleep(0.4)
+    x = left + strip_button(width, name) - 10
+    subprocess.run(["import", "-window", "root", "-crop", "20x%d+%d+%d" % (strip_height, x, top), "+repage",
+                    path], check=True)
+
+
+def pixels_differ(first, second):
+    """How many pixels of two pictures differ (ImageMagick's count)."""
+    result = subprocess.run(["compare", "-metric", "AE", first, second, "null:"], capture_output=True, text=True)
+    return int(float(result.stderr.split()[0]))
+
+
 def start_with_strip(ctx, name, on):
     root = ctx.make_collection()
     home = ctx.home(name)
@@ -132,9 +149,17 @@ def case_strip_buttons_pause_stop_and_show_the_window(ctx):
     program.wait_for(r"^open .*/01 Long\.ogg$", 3)
     click(strip, strip_button(width, "next"), middle)
     program.wait_for(r"^open .*/02 Longer\.wav$", 3)
-    # Stop before its end: nothing ends, nothing more opens.
+    # Stop before its end: nothing ends, nothing more opens, and the queue
+    # being empty, next fades to its disabled look.
+    enabled = os.path.join(ctx.base, "next-enabled.png")
+    disabled = os.path.join(ctx.base, "next-disabled.png")
+    button_picture(ctx, strip, width, "next", enabled)
     click(strip, strip_button(width, "stop"), middle)
     program.none_for(r"^(end|open) ", 6.0)
+    button_picture(ctx, strip, width, "next", disabled)
+    assert pixels_differ(enabled, disabled) > 20, "next is drawn faded once stopped"
+    click(strip, strip_button(width, "next"), middle)
+    program.none_for(r"^open ", 1.5)
     # The main window hidden (F8), the strip's last button shows it again.
     focus(window)
     key(window, "F8")
