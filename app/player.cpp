@@ -38,8 +38,8 @@ void PMedia::ShutDownMachine() {
 }
 
 void PMedia::OnBuffering(bool stopped) {
-    // FIXME: show "buffering..." in status pane 2 and set the strip's flag
-    // once the main window and the strip exist; until then the flag is kept.
+    // The main window shows it in its status bar and on the strip
+    // (PAppMedia::OnBuffering); the flag is kept for the rest.
     buffering = !stopped;
 }
 

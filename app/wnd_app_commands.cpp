@@ -625,6 +625,7 @@ void PWndApp::OnQueueChanged() {
 
 void PWndApp::OnBuffering(bool stopped) {
     statusBar.SetText(2, stopped ? "" : "buffering...");
+    StripSetBuffering(!stopped);
 }
 
 // Folder commands.

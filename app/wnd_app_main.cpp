@@ -383,6 +383,7 @@ void PWndApp::UpdateTransportButtons(bool playing, int count) {
     toolBar.EnableButton(CMD_NEXT, playing && count > 1);
     toolBar.EnableButton(CMD_PAUSE, playing);
     toolBar.EnableButton(CMD_STOP, playing);
+    StripEnableButtons(playing, count);
     UpdateTrayMenu();
 }
 

@@ -24,6 +24,7 @@
 #include "panels/wnd_google.h"
 #include "panels/wnd_play.h"
 #include "panels/wnd_playlist.h"
+#include "panels/wnd_task.h"
 #include "toolkit/bar_ctrls.h"
 #include "toolkit/button_ctrls.h"
 #include "toolkit/list_ctrl.h"
@@ -203,6 +204,7 @@ public:
     PWndThumbs& GetThumbs() { return thumbs; }
     PWndSetting* GetPreferencesDialog() const { return preferences; }
     STrayIcon& GetTray() { return tray; }
+    PWndTask* GetStrip() { return strip.get(); } // null until first turned on
 
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override;
 
@@ -274,6 +276,12 @@ private:
     bool AppendToPlaylist(const SStringArray& files);
     void ApplyStrip();
     void RemoveStrip();
+    // The strip's copy of the now-playing panel and the transport buttons
+    // (wnd_app_strip.cpp); each does nothing while the strip is off.
+    void StripShowTrack(const char* path, int position, int count);
+    void StripUpdateTime();
+    void StripEnableButtons(bool playing, int count);
+    void StripSetBuffering(bool buffering);
     // Dialogs.
     bool AskSite(const char* folder, SString* site);
     bool SaveImageAtomic(const SImage& picture, const char* path);
@@ -326,4 +334,5 @@ private:
     std::unique_ptr<PWndGoogle> coverSearch; // the last cover search, kept until the next
     std::unique_ptr<PDescriptionHost> descriptionHost; // the description window's view of this one
     std::unique_ptr<PWndDescription> descriptionWnd;   // made at the first Edit Descriptions
+    std::unique_ptr<PWndTask> strip; // the taskbar strip, made when first turned on
 };

@@ -32,6 +32,7 @@ void PWndApp::FillThumbnails() {
 }
 
 void PWndApp::ShowNowPlaying(const char* path, int position, int count) {
+    StripShowTrack(path, position, count);
     if (path == nullptr) {
         play.SetPlayingTrack(static_cast<const SPath*>(nullptr), 0, 0);
         play.ShowCover(nullptr);
@@ -47,6 +48,7 @@ void PWndApp::ShowNowPlaying(const char* path, int position, int count) {
 
 void PWndApp::OnMediaTick() {
     play.UpdatePlayingTime();
+    StripUpdateTime();
 }
 
 void PWndApp::UpdateQueueCount() {
@@ -54,6 +56,7 @@ void PWndApp::UpdateQueueCount() {
     if (index >= 0) {
         play.SetPlayingTrack(queue.GetEntries().GetAt(index)->c_str(), index + 1, queue.GetCount());
         play.UpdatePlayingTime();
+        StripShowTrack(queue.GetEntries().GetAt(index)->c_str(), index + 1, queue.GetCount());
     }
 }
 

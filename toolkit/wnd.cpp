@@ -441,6 +441,30 @@ bool SWnd::Show(int command) {
     return wasShown;
 }
 
+SDockState SWnd::DockToBottomEdge(int height) {
+    if (handle == 0 || parent != 0) {
+        return SDockState::NONE;
+    }
+    SRect placed;
+    SDockState state = GetPlatform()->DockSurface(handle, height, &placed);
+    if (state == SDockState::NONE) {
+        return state;
+    }
+    MoveWindow(placed);
+    Show(SW_SHOWNA);
+    return state;
+}
+
+bool SWnd::Undock() {
+    if (handle == 0 || parent != 0) {
+        return false;
+    }
+    if (shown) {
+        Show(SW_HIDE);
+    }
+    return GetPlatform()->UndockSurface(handle);
+}
+
 bool SWnd::IsVisible() const {
     const SWnd* wnd = this;
     while (wnd != nullptr) {

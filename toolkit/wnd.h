@@ -21,6 +21,8 @@
 #include "foundation/string.h"
 #include "toolkit/messages.h"
 
+enum class SDockState; // toolkit/platform/platform.h
+
 typedef struct _cairo cairo_t;
 class SMenu;
 using HCURSOR = int; // an index of the cursor table plus 1; 0 is none
@@ -132,6 +134,16 @@ public:
     void Restore(bool force);
     bool IsMinimized() const { return showState == SW_SHOWMINIMIZED; }
     bool IsMaximized() const { return showState == SW_SHOWMAXIMIZED; }
+
+    // A desktop bar: docks this top-level window across the bottom of the
+    // work area, height pixels high, and shows it without taking the
+    // keyboard (SPlatform::DockSurface says what each desktop gives). NONE
+    // (a child window, or a desktop without such bars) leaves it hidden.
+    // Docking a docked window again places it anew.
+    SDockState DockToBottomEdge(int height);
+    // Hides a docked window and gives its space back; false when it was
+    // not docked.
+    bool Undock();
 
     // Visibility and state.
     bool Show(int command);

@@ -97,6 +97,8 @@ class Program:
         while time.monotonic() < deadline:
             # The main window alone: its title ends in the version, and the
             # video window, hidden, has a title of its own.
+            # --all: every condition must hold (xdotool takes any by default,
+            # which would also find the program's other windows, the strip).
             found = subprocess.run(["xdotool", "search", "--all", "--onlyvisible", "--pid", str(self.process.pid),
                                     "--name", "^Melkora Browser [0-9]"],
                                    capture_output=True, text=True).stdout.split()

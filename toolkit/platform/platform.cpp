@@ -43,6 +43,14 @@ void SPlatform::SetSurfaceOwner(HWND /*hwnd*/, HWND /*owner*/) {}
 
 void SPlatform::ActivateSurface(HWND /*hwnd*/) {}
 
+SDockState SPlatform::DockSurface(HWND /*hwnd*/, int /*height*/, SRect* /*placed*/) {
+    return SDockState::NONE;
+}
+
+bool SPlatform::UndockSurface(HWND /*hwnd*/) {
+    return false;
+}
+
 bool SPlatform::RunChooser(HWND /*owner*/, const SChooserRequest& /*request*/,
                            SChooserAnswer* answer) {
     if (answer != nullptr) {

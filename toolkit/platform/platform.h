@@ -65,6 +65,13 @@ struct STrayMenuItem {
 // showing it to the program.
 enum class STrayEvent { ACTIVATE, SECONDARY_ACTIVATE, CONTEXT_MENU };
 
+// How a surface docked at the bottom edge of the screen stands: not docked
+// (the desktop took no such window; it stays hidden), shown as a bar above
+// the other windows whose space they may still cover (a desktop that keeps
+// no space for such bars), or with its space reserved, so that the work
+// area leaves it out and maximised windows stop above it.
+enum class SDockState { NONE, ABOVE, RESERVED };
+
 class SPlatform {
 public:
     virtual ~SPlatform();
@@ -196,6 +203,19 @@ public:
     // keyboard. The defaults do nothing.
     virtual void SetSurfaceOwner(HWND hwnd, HWND owner);
     virtual void ActivateSurface(HWND hwnd);
+
+    // A desktop bar: the top-level surface becomes a dock across the
+    // bottom of the work area, as wide as it and height pixels high, kept
+    // above the other windows, never given the keyboard, out of the
+    // taskbar and the pager, reserving its space where the desktop keeps
+    // space for bars. The rectangle it takes (screen coordinates) comes
+    // back in placed; the surface is not shown yet. Docking a docked
+    // surface again places it at the work area as it is without its own
+    // space. The default docks nothing.
+    virtual SDockState DockSurface(HWND hwnd, int height, SRect* placed);
+    // Gives the space back and hides the surface; false when it was not
+    // docked.
+    virtual bool UndockSurface(HWND hwnd);
 };
 
 // The platform in use; the headless one until SetPlatform. The toolkit owns

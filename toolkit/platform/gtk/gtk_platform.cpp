@@ -3,6 +3,7 @@
 #include <gdk/gdkx.h>
 #include <glib-unix.h>
 #include <gtk/gtk.h>
+#include <X11/Xatom.h>
 #include <X11/extensions/XTest.h>
 
 #include <algorithm>
@@ -40,7 +41,56 @@ struct Surface {
     bool imFocused = false;
     bool inFilter = false;
     std::string pending;
+    // Docked at the bottom edge: where, and whether it reserved its space.
+    bool docked = false;
+    bool reserved = false;
+    SRect dockRect;
 };
+
+// The properties by which a window keeps the space of a bar from the other
+// windows (X11 only): the bottom strut is measured from the root window's
+// bottom edge and spans the bar's columns. False where the display is not
+// X11 or the window manager does not read them, so that nothing is kept.
+bool SetStruts(GtkWidget* widget, const SRect& rect) {
+    GdkWindow* window = gtk_widget_get_window(widget);
+    GdkDisplay* display = window != nullptr ? gdk_window_get_display(window) : nullptr;
+    if (display == nullptr || !GDK_IS_X11_DISPLAY(display)) {
+        return false;
+    }
+    Display* x = GDK_DISPLAY_XDISPLAY(display);
+    Window xid = GDK_WINDOW_XID(window);
+    GdkScreen* screen = gdk_window_get_screen(window);
+    long rootHeight = HeightOfScreen(gdk_x11_screen_get_xscreen(screen));
+    long bottom = std::max(0L, rootHeight - rect.top);
+    // Left, right, top and bottom; then the first and last row of the left
+    // and right struts, and the first and last column of the top and bottom.
+    long partial[12] = {0, 0, 0, bottom};
+    partial[10] = rect.left;
+    partial[11] = std::max(rect.left, rect.right - 1);
+    long strut[4] = {0, 0, 0, bottom};
+    XChangeProperty(x, xid, XInternAtom(x, "_NET_WM_STRUT_PARTIAL", False), XA_CARDINAL, 32,
+                    PropModeReplace, reinterpret_cast<unsigned char*>(partial), 12);
+    XChangeProperty(x, xid, XInternAtom(x, "_NET_WM_STRUT", False), XA_CARDINAL, 32,
+                    PropModeReplace, reinterpret_cast<unsigned char*>(strut), 4);
+    XFlush(x);
+    return gdk_x11_screen_supports_net_wm_hint(
+               screen, gdk_atom_intern_static_string("_NET_WM_STRUT_PARTIAL")) ||
+           gdk_x11_screen_supports_net_wm_hint(screen,
+                                               gdk_atom_intern_static_string("_NET_WM_STRUT"));
+}
+
+void ClearStruts(GtkWidget* widget) {
+    GdkWindow* window = gtk_widget_get_window(widget);
+    GdkDisplay* display = window != nullptr ? gdk_window_get_display(window) : nullptr;
+    if (display == nullptr || !GDK_IS_X11_DISPLAY(display)) {
+        return;
+    }
+    Display* x = GDK_DISPLAY_XDISPLAY(display);
+    Window xid = GDK_WINDOW_XID(window);
+    XDeleteProperty(x, xid, XInternAtom(x, "_NET_WM_STRUT_PARTIAL", False));
+    XDeleteProperty(x, xid, XInternAtom(x, "_NET_WM_STRUT", False));
+    XFlush(x);
+}
 
 unsigned KeyFlags(guint state) {
     unsigned flags = 0;
@@ -658,6 +708,58 @@ public:
         }
     }
 
+    // A bar: a dock window (which window managers neither frame nor give
+    // the keyboard, and keep above the others) that reserves its space by
+    // its struts. Where no space is kept (a window manager without struts,
+    // or a display that is not X11) it is still a bar above the others.
+    SDockState DockSurface(HWND hwnd, int height, SRect* placed) override {
+        Surface* surface = Find(hwnd);
+        SRect area;
+        if (surface == nullptr || surface->popup || height <= 0 || !GetWorkArea(&area)) {
+            return SDockState::NONE;
+        }
+        // The window manager may not yet have given back the bar's own
+        // space of an earlier dock.
+        if (surface->docked && surface->reserved && area.bottom == surface->dockRect.top) {
+            area.bottom = surface->dockRect.bottom;
+        }
+        if (area.Width() <= 0 || area.Height() < height) {
+            return SDockState::NONE;
+        }
+        SRect rect{area.left, area.bottom - height, area.right, area.bottom};
+        GtkWindow* window = GTK_WINDOW(surface->window);
+        gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_DOCK);
+        gtk_window_set_decorated(window, FALSE);
+        gtk_window_set_keep_above(window, TRUE);
+        gtk_window_set_skip_taskbar_hint(window, TRUE);
+        gtk_window_set_skip_pager_hint(window, TRUE);
+        gtk_window_set_accept_focus(window, FALSE);
+        gtk_window_set_focus_on_map(window, FALSE);
+        gtk_window_stick(window);
+        gtk_window_move(window, rect.left, rect.top);
+        gtk_window_resize(window, rect.Width(), rect.Height());
+        gtk_widget_realize(surface->window);
+        surface->reserved = SetStruts(surface->window, rect);
+        surface->docked = true;
+        surface->dockRect = rect;
+        if (placed != nullptr) {
+            *placed = rect;
+        }
+        return surface->reserved ? SDockState::RESERVED : SDockState::ABOVE;
+    }
+
+    bool UndockSurface(HWND hwnd) override {
+        Surface* surface = Find(hwnd);
+        if (surface == nullptr || !surface->docked) {
+            return false;
+        }
+        ClearStruts(surface->window);
+        gtk_widget_hide(surface->window);
+        surface->docked = false;
+        surface->reserved = false;
+        return true;
+    }
+
     void ImFocus(HWND top, bool in) override {
         Surface* surface = Find(top);
         if (surface == nullptr || surface->im == nullptr || surface->imFocused == in) {
@@ -1273,6 +1375,39 @@ bool GtkCaptureSurface(HWND top, SImage* picture) {
         return false;
     }
     return TakePixbuf(pixbuf, width, height, picture);
+}
+
+bool GtkGetDockProperties(HWND top, std::vector<long>* strut, bool* dock) {
+    Surface* surface = FindSurface(top);
+    GdkWindow* window = surface != nullptr ? gtk_widget_get_window(surface->window) : nullptr;
+    GdkDisplay* display = window != nullptr ? gdk_window_get_display(window) : nullptr;
+    if (display == nullptr || !GDK_IS_X11_DISPLAY(display) || strut == nullptr || dock == nullptr) {
+        return false;
+    }
+    Display* x = GDK_DISPLAY_XDISPLAY(display);
+    Window xid = GDK_WINDOW_XID(window);
+    auto read = [&](const char* name, Atom type, std::vector<long>* values) {
+        Atom actual = None;
+        int format = 0;
+        unsigned long count = 0, after = 0;
+        unsigned char* data = nullptr;
+        values->clear();
+        if (XGetWindowProperty(x, xid, XInternAtom(x, name, False), 0, 64, False, type, &actual,
+                               &format, &count, &after, &data) == Success &&
+            data != nullptr && format == 32) {
+            const long* items = reinterpret_cast<const long*>(data);
+            values->assign(items, items + count);
+        }
+        if (data != nullptr) {
+            XFree(data);
+        }
+    };
+    read("_NET_WM_STRUT_PARTIAL", XA_CARDINAL, strut);
+    std::vector<long> types;
+    read("_NET_WM_WINDOW_TYPE", XA_ATOM, &types);
+    Atom dockType = XInternAtom(x, "_NET_WM_WINDOW_TYPE_DOCK", False);
+    *dock = std::find(types.begin(), types.end(), static_cast<long>(dockType)) != types.end();
+    return true;
 }
 
 bool GtkCaptureScreen(const SRect& area, SImage* picture) {

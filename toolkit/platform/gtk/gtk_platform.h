@@ -5,6 +5,8 @@
 // GTK header, so that the program's start-up can select the platform.
 #pragma once
 
+#include <vector>
+
 #include "foundation/image.h"
 #include "foundation/message.h"
 
@@ -50,6 +52,10 @@ void GtkSetInterfaceFontName(const char* name);
 bool GtkAddStyleSheet(const char* css);
 // The place of the tool tip window while it shows; false when hidden.
 bool GtkGetToolTipRect(SRect* rect);
+// What the X server holds of a top-level window as a bar: its
+// _NET_WM_STRUT_PARTIAL values (none when not set) and whether its type is
+// the dock's.
+bool GtkGetDockProperties(HWND top, std::vector<long>* strut, bool* dock);
 // Waits until the X server has handled every request sent so far.
 void GtkSync();
 // Whether the hosted child over owner has GTK's keyboard focus.

@@ -42,6 +42,10 @@ bool SHeadlessPlatform::CreatePopupSurface(HWND hwnd, const SRect& rect) {
 
 void SHeadlessPlatform::DestroySurface(HWND hwnd) {
     std::lock_guard<std::mutex> lock(mutex);
+    auto found = surfaces.find(hwnd);
+    if (found != surfaces.end()) {
+        workArea.bottom += found->second.reserved; // a destroyed bar keeps nothing
+    }
     surfaces.erase(hwnd);
     auto screen = screens.find(hwnd);
     if (screen != screens.end()) {
@@ -239,6 +243,47 @@ SPoint SHeadlessPlatform::GetPointer() {
 void SHeadlessPlatform::SetModifiers(unsigned value) {
     std::lock_guard<std::mutex> lock(mutex);
     modifiers = value;
+}
+
+SDockState SHeadlessPlatform::DockSurface(HWND hwnd, int height, SRect* placed) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto found = surfaces.find(hwnd);
+    if (found == surfaces.end() || height <= 0 || dockSupport == SDockState::NONE) {
+        return SDockState::NONE;
+    }
+    Surface& surface = found->second;
+    // Docked again: its own space first goes back to the work area.
+    workArea.bottom += surface.reserved;
+    surface.reserved = 0;
+    SRect rect{workArea.left, workArea.bottom - height, workArea.right, workArea.bottom};
+    surface.rect = rect;
+    surface.dock = dockSupport;
+    if (dockSupport == SDockState::RESERVED) {
+        surface.reserved = height;
+        workArea.bottom -= height;
+    }
+    if (placed != nullptr) {
+        *placed = rect;
+    }
+    return dockSupport;
+}
+
+bool SHeadlessPlatform::UndockSurface(HWND hwnd) {
+    std::lock_guard<std::mutex> lock(mutex);
+    auto found = surfaces.find(hwnd);
+    if (found == surfaces.end() || found->second.dock == SDockState::NONE) {
+        return false;
+    }
+    workArea.bottom += found->second.reserved;
+    found->second.reserved = 0;
+    found->second.dock = SDockState::NONE;
+    found->second.visible = false;
+    return true;
+}
+
+void SHeadlessPlatform::SetDockSupport(SDockState support) {
+    std::lock_guard<std::mutex> lock(mutex);
+    dockSupport = support;
 }
 
 void SHeadlessPlatform::SetWorkArea(const SRect& area) {

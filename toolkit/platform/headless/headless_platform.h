@@ -29,6 +29,8 @@ public:
         SSize minimum{-1, -1}; // the size limits, -1 free
         SSize maximum{-1, -1};
         bool popup = false; // a popup surface, holding pointer and keys while shown
+        SDockState dock = SDockState::NONE; // docked at the bottom edge
+        int reserved = 0;                   // the height it keeps from the work area
     };
     // The tool tip as shown: its owner, place and picture (an offscreen
     // surface); owner 0 when hidden.
@@ -108,6 +110,13 @@ public:
     bool PopupTrayMenu(int tray) override;
     void RemoveTrayIcon(int tray) override;
     void SetTrayAvailable(bool available);
+    // Docking: the work area's bottom less the bar, which shrinks the work
+    // area by the bar's height while the desktop keeps space for bars
+    // (SetDockSupport, RESERVED at first); ABOVE keeps the work area, NONE
+    // refuses to dock.
+    SDockState DockSurface(HWND hwnd, int height, SRect* placed) override;
+    bool UndockSurface(HWND hwnd) override;
+    void SetDockSupport(SDockState support);
     // Whether the platform shows the menu for PopupTrayMenu (on at first);
     // off, as a platform that leaves it to the program.
     void SetTrayPopupAvailable(bool available);
@@ -201,4 +210,5 @@ private:
     std::map<int, TrayIcon> trayIcons;
     bool trayAvailable = true;
     bool trayPopupAvailable = true;
+    SDockState dockSupport = SDockState::RESERVED;
 };

@@ -1,0 +1,85 @@
+// A desktop bar on GTK on a virtual X display without a window manager: the
+// window is a dock across the bottom of the work area with its struts set,
+// but no manager keeps the space, so it stands above the others; undocked
+// it is hidden and its struts are gone. Run with a window manager that
+// reads struts (and MELKORA_TEST_WINDOW_MANAGER=1), the space is reserved
+// and docking again keeps the bar in place.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <vector>
+
+#include "foundation/network.h"
+#include "toolkit/platform/gtk/gtk_platform.h"
+#include "toolkit/platform/gtk/gtk_pump.h"
+#include "toolkit/platform/platform.h"
+#include "toolkit/wnd.h"
+#include "toolkit/wnd_app.h"
+
+namespace {
+
+class GtkDock : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(UseGtkPlatform()) << "no X display: run under xvfb-run";
+        ASSERT_TRUE(ToolkitStart(nullptr, SW_SHOW, false, false, false));
+    }
+    void TearDown() override {
+        bar.Destroy();
+        ToolkitEnd();
+    }
+    SWnd bar;
+};
+
+TEST_F(GtkDock, ABarStandsAtTheBottomWithItsStrutsAndLeavesNoneWhenUndocked) {
+    SRect area;
+    ASSERT_TRUE(GetWorkArea(&area));
+    SRect start{0, 0, 100, 30};
+    ASSERT_TRUE(bar.Create("bar", 0, 0, &start, 0));
+    std::vector<long> strut;
+    bool dock = false;
+    EXPECT_EQ(bar.DockToBottomEdge(0), SDockState::NONE) << "no bar without a height";
+    EXPECT_FALSE(bar.IsVisible());
+
+    // No window manager here reads struts: the bar is above, not reserved
+    // (run under one that does, it is reserved).
+    SDockState state = bar.DockToBottomEdge(24);
+    ASSERT_NE(state, SDockState::NONE);
+    if (getenv("MELKORA_TEST_WINDOW_MANAGER") == nullptr) {
+        EXPECT_EQ(state, SDockState::ABOVE);
+    }
+    EXPECT_TRUE(bar.IsVisible());
+    SRect placed{area.left, area.bottom - 24, area.right, area.bottom};
+    EXPECT_EQ(bar.GetWindowRect(), placed);
+    SSize size;
+    ASSERT_TRUE(PumpUntil([&] {
+        return GtkGetSurfaceSize(bar.GetHandle(), &size) && size.width == area.Width() &&
+               size.height == 24;
+    })) << size.width
+        << "x" << size.height;
+    ASSERT_TRUE(GtkGetDockProperties(bar.GetHandle(), &strut, &dock));
+    EXPECT_TRUE(dock);
+    // Left, right, top, bottom, then the start and end of each edge: the
+    // bottom 24 pixels of the screen, across the bar's columns.
+    SRect screen;
+    ASSERT_TRUE(GetPlatform()->GetScreenRect(&screen));
+    std::vector<long> expected = {
+        0, 0, 0, screen.bottom - (area.bottom - 24), 0, 0, 0, 0, 0, 0, area.left, area.right - 1};
+    EXPECT_EQ(strut, expected);
+    // Docked again once the work area leaves its space out: it stays put
+    // rather than climbing onto its own space.
+    if (state == SDockState::RESERVED) {
+        SRect now;
+        ASSERT_TRUE(PumpUntil([&] { return GetWorkArea(&now) && now.bottom == area.bottom - 24; }));
+    }
+    EXPECT_EQ(bar.DockToBottomEdge(24), state);
+    EXPECT_EQ(bar.GetWindowRect(), placed);
+
+    EXPECT_TRUE(bar.Undock());
+    EXPECT_FALSE(bar.IsVisible());
+    ASSERT_TRUE(GtkGetDockProperties(bar.GetHandle(), &strut, &dock));
+    EXPECT_TRUE(strut.empty()) << "the space is given back";
+    EXPECT_FALSE(bar.Undock()) << "not docked any more";
+}
+
+} // namespace
