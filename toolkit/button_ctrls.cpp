@@ -54,12 +54,24 @@ LRESULT SButtonCtrl::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
             pressed = true;
             Invalidate(nullptr);
         }
+        // Two quick clicks are two clicks to a button: the window core
+        // makes a click of a plain press only, so the second is made here.
+        doublePress = message == WM_LBUTTONDBLCLK;
         break;
     case WM_LBUTTONUP:
         if (pressed) {
             pressed = false;
             Invalidate(nullptr);
+            if (doublePress && IsEnabled()) {
+                doublePress = false;
+                SRect client = GetClientRect();
+                if (client.Contains(SPoint{PointParamX(lParam), PointParamY(lParam)})) {
+                    Press();
+                    return 0;
+                }
+            }
         }
+        doublePress = false;
         break;
     case SM_MOUSE_LEAVE:
         pressed = false;

@@ -32,6 +32,7 @@ public:
 protected:
     void Paint(cairo_t* cr) override;
     bool keyDown = false;
+    bool doublePress = false; // the press under way is the second of a double click
 
 private:
     uint32_t face = 0xFF000000u;

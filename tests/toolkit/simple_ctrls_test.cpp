@@ -242,6 +242,20 @@ TEST_F(SimpleCtrlsTest, ButtonsForwardTheMouseAndPressBySpaceAndEnter) {
     EXPECT_EQ(state, 0) << "the new state";
 }
 
+TEST_F(SimpleCtrlsTest, TwoQuickClicksAreTwoClicks) {
+    SButtonCtrl button;
+    SCheckCtrl check;
+    ASSERT_TRUE(Make(button, "More", Rect(10, 10, 90, 40), top.GetHandle()));
+    ASSERT_TRUE(Make(check, "Loop", Rect(10, 50, 150, 74), top.GetHandle()));
+    Click(button, 20, 10);
+    Click(button, 20, 10); // within the double-click time: the core makes it a double click
+    EXPECT_EQ(top.Count(SN_BUTTON_CLICKED), 2);
+    Click(check, 8, 12);
+    Click(check, 8, 12);
+    EXPECT_EQ(top.Count(SN_CHECK_CLICKED), 2);
+    EXPECT_FALSE(check.GetCheck()) << "on, then off again";
+}
+
 TEST_F(SimpleCtrlsTest, DisabledControlsIgnoreInput) {
     SButtonCtrl button;
     SCheckCtrl check;
