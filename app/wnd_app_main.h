@@ -8,6 +8,7 @@
 
 #include <memory>
 
+#include "app/book_zips.h"
 #include "app/player.h"
 #include "app/splitter.h"
 #include "controls/browser_ctrl.h"
@@ -20,6 +21,8 @@
 #include "library/thread_stats.h"
 #include "panels/panel_host.h"
 #include "panels/thumbs_wnd.h"
+#include "panels/wnd_book.h"
+#include "panels/wnd_help.h"
 #include "panels/wnd_play.h"
 #include "panels/wnd_playlist.h"
 #include "toolkit/bar_ctrls.h"
@@ -317,4 +320,14 @@ private:
     bool smallIcons = false;
     bool creating = false;
     int bandHeight = 0;
+
+    // The Book, sending it, and the help (wnd_app_book.cpp).
+    PBookHost& GetBookHost();
+    bool OpenBookWindow();
+    void CloseBookWindows();
+    std::unique_ptr<PBookHost> bookHost;
+    std::unique_ptr<PWndBook> bookWindow;
+    std::unique_ptr<PWndHelp> helpWindow;
+    std::unique_ptr<PBookZipSweeper> bookZips;
+    bool makingBook = false;
 };

@@ -75,6 +75,8 @@ bool PWndApp::AppendToPlaylist(const SStringArray& files) {
 }
 
 bool PWndApp::CloseChildWindows() {
+    // The Book and help windows keep their places; sent archives go.
+    CloseBookWindows();
     return true;
 }
 
