@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <string_view>
 
 #include "app/data_files.h"
 #include "app/settings.h"
@@ -18,6 +19,10 @@
 #include "pages/book_job.h"
 #include "panels/wnd_progress.h"
 #include "toolkit/messages.h"
+
+// The windows name their placements as the settings table does.
+static_assert(std::string_view(PWndBook::PLACEMENT) == SETTING_WINDOW_BOOK);
+static_assert(std::string_view(PWndHelp::PLACEMENT) == SETTING_WINDOW_HELP);
 
 namespace {
 

@@ -44,6 +44,14 @@ def find_window(program, pattern, timeout=10.0):
     raise AssertionError("no window named %r appeared" % pattern)
 
 
+def window_shot(ctx, window, name):
+    """A picture of one window alone (its client area)."""
+    if ctx.args.shots:
+        os.makedirs(ctx.args.shots, exist_ok=True)
+        subprocess.run(["import", "-window", window, os.path.join(ctx.args.shots, name + ".png")],
+                       check=False)
+
+
 def big_collection(ctx, folders):
     """The usual collection and many small albums beside it (hard links of
     one sound), so that the Book takes long enough to watch."""
@@ -75,7 +83,7 @@ def recording_mail_client(ctx):
 
 
 def case_book_made_opened_played_queued_and_sent(ctx):
-    root = big_collection(ctx, int(os.environ.get('BOOKN', '1500')))
+    root = big_collection(ctx, 1500)
     home = ctx.home("book")
     write_settings(home, {"Window": "7:%d,%d,%d,%d,1,0,0" % harness.WINDOW,
                           "WindowBook": "7:%d,%d,%d,%d,1,0,0" % BOOK_PLACE})
@@ -102,6 +110,7 @@ def case_book_made_opened_played_queued_and_sent(ctx):
     book = find_window(program, "^Book - Melkora Browser$")
     time.sleep(1.5)
     ctx.shot("book-window")
+    window_shot(ctx, book, "book")
     # A click on a song plays it; with Ctrl held the next joins the queue;
     # an album's title plays the album.
     click(book, *TAKE_LINK)
@@ -136,3 +145,25 @@ def case_book_made_opened_played_queued_and_sent(ctx):
     assert names[0] == "Book.htm" and "Book/book0.jpg" in names and "Book/book0.png" in names, names[:5]
     program.wait_for(r"^zip-removed ", 10)
     assert not os.path.exists(sent)
+
+
+def case_help_opens_the_users_guide_and_keeps_its_place(ctx):
+    root = ctx.make_collection()
+    with open(os.path.join(root, "Book.htm"), "w") as f:
+        f.write("<p>A Book</p>")  # so the program starts on its thumbnails, which take keys
+    home = ctx.home("help")
+    program, window = ctx.start(root, home)
+    key(window, "F1")
+    page = program.wait_for(r"^help (.*/help\.htm)$").group(1)
+    assert os.path.isfile(page), page
+    helpwin = find_window(program, "^Documentation - Melkora Browser$")
+    time.sleep(2.0)
+    window_shot(ctx, helpwin, "help")
+    geometry = subprocess.run(["xdotool", "getwindowgeometry", helpwin], capture_output=True, text=True).stdout
+    assert "900x800" in geometry or "Geometry: 9" in geometry, geometry
+    # The toolbar's Help raises the same window; closing it keeps its place.
+    focus(window)
+    click(window, *HELP)
+    program.wait_for(r"^help .*/help\.htm$")
+    xdotool_close(find_window(program, "^Documentation - Melkora Browser$"))
+    wait_until(lambda: "WindowHelp" in read_settings(home), 5, "the help window kept no place")
