@@ -17,6 +17,7 @@ bool PWndBook::Open(const char* bookPath) {
         SetBackColor(GetSysColor(SYS_COLOR_BTNFACE));
         SRect none{0, 0, 10, 10};
         statusBar.Create("", WS_VISIBLE, 0, &none, GetHandle());
+        statusBar.SetParts({-1});
         web.Create("", WS_VISIBLE, 0, &none, GetHandle());
         web.SetSilent(true);
         CenterOnParent(false);

@@ -14,6 +14,7 @@ bool PWndHelp::Open(const char* page) {
         SetBackColor(GetSysColor(SYS_COLOR_BTNFACE));
         SRect none{0, 0, 10, 10};
         statusBar.Create("", WS_VISIBLE, 0, &none, GetHandle());
+        statusBar.SetParts({-1});
         statusBar.SetText(0, page);
         web.Create("", WS_VISIBLE, 0, &none, GetHandle());
         web.SetSilent(true);
