@@ -197,17 +197,31 @@ bool PWndApp::SendBook() {
     if (archive.IsEmpty() || !book.WriteBookZip(bookPath.c_str(), archive.c_str())) {
         return false;
     }
-    SNetwork network;
-    bool sent = network.SendMail(nullptr, BOOK_MAIL_SUBJECT, "", archive.c_str());
-    Trace("book-sent", false, archive.c_str());
     if (bookZips == nullptr) {
         bookZips = std::make_unique<PBookZipSweeper>();
         SRect none{0, 0, 1, 1};
         bookZips->Create("", 0, 0, &none, GetHandle());
     }
-    // A mail client that never got the archive needs it no longer.
-    bookZips->Add(archive, sent ? ZipKeepSeconds() : 0);
-    return sent;
+    bookZips->Add(archive, -1);
+    // The mail client's window is its own; this window goes on meanwhile.
+    HWND sweeper = bookZips->GetHandle();
+    SNetwork network;
+    bool started = network.SendMailAsync(nullptr, BOOK_MAIL_SUBJECT, "", archive.c_str(),
+                                         [sweeper, archive](bool sent) {
+                                             Trace(sent ? "book-sent" : "book-not-sent", false,
+                                                   archive.c_str());
+                                             auto* zips = dynamic_cast<PBookZipSweeper*>(
+                                                 SWnd::FromHandle(sweeper));
+                                             if (zips != nullptr) {
+                                                 // A mail client that never got the archive
+                                                 // needs it no longer.
+                                                 zips->Add(archive, sent ? ZipKeepSeconds() : 0);
+                                             }
+                                         });
+    if (!started) {
+        bookZips->Add(archive, 0);
+    }
+    return started;
 }
 
 bool PWndApp::OpenHelp() {
@@ -240,13 +254,19 @@ void PWndApp::CloseBookWindows() {
 // The archives sent.
 
 void PBookZipSweeper::Add(const SString& path, int seconds) {
-    if (seconds <= 0) {
+    // A path given again (its mail command has ended) takes its new time.
+    pending.erase(std::remove_if(pending.begin(), pending.end(),
+                                 [&path](const Entry& entry) { return entry.path == path; }),
+                  pending.end());
+    if (seconds == 0) {
         unlink(path.c_str());
         Trace("zip-removed", false, path.c_str());
         return;
     }
-    pending.push_back({path, std::chrono::steady_clock::now() + std::chrono::seconds(seconds)});
-    if (GetHandle() != 0) {
+    auto due = seconds < 0 ? std::chrono::steady_clock::time_point::max()
+                           : std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
+    pending.push_back({path, due});
+    if (seconds > 0 && GetHandle() != 0) {
         SetTimer(GetHandle(), TIMER_SWEEP, 1000);
     }
 }

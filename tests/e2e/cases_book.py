@@ -134,6 +134,7 @@ def case_book_made_opened_played_queued_and_sent(ctx):
     focus(window)
     click(window, *SEND_BOOK)
     sent = program.wait_for(r"^book-sent (.*\.zip)$").group(1)
+    assert os.path.exists(sent), "the archive went before its time"
     with open(os.path.join(record, "args")) as f:
         args = f.read().splitlines()
     assert args[:5] == ["--utf8", "--subject", "Melkora Browser BOOK", "--attach", sent], args
