@@ -322,7 +322,11 @@ private:
     int bandHeight = 0;
 
     // The Book, sending it, and the help (wnd_app_book.cpp).
+public:
+    // What the Book and help windows ask of this window (public for tests).
     PBookHost& GetBookHost();
+
+private:
     bool OpenBookWindow();
     void CloseBookWindows();
     std::unique_ptr<PBookHost> bookHost;

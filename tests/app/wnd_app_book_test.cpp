@@ -140,4 +140,48 @@ TEST_F(BookCommandsTest, ArchivesGoAtTheirTimeAtOnceOrAtTheEnd) {
     EXPECT_FALSE(fs::exists(waiting));
 }
 
+// The Book's links as the main window carries them out: a song alone, a
+// song added (an empty queue starts it), an album's whole tree, an album
+// with no media (the queue empties and stops), a folder opened.
+TEST_F(BookCommandsTest, BookLinksPlayQueueAndOpenThroughTheMainWindow) {
+    std::string tone = std::string(MELKORA_TEST_MEDIA) + "/tone1s.wav";
+    std::string one = root + "/Rock/Artist/Album/01 A.wav";
+    std::string two = root + "/Rock/Artist/Album/Deeper/02 B.wav";
+    fs::create_directories(root + "/Rock/Artist/Album/Deeper");
+    fs::copy_file(tone, one);
+    fs::copy_file(tone, two);
+    PWndApp& app = Start();
+    PBookHost& host = app.GetBookHost();
+    EXPECT_EQ(host.GetBookRoot(), SString((root + "/").c_str()));
+    PPlayQueue& queue = app.GetQueue();
+
+    ASSERT_TRUE(host.PlayBookSong(two.c_str()));
+    EXPECT_EQ(queue.GetCount(), 1);
+    EXPECT_EQ(queue.GetIndex(), 0);
+    ASSERT_TRUE(host.QueueBookSong(one.c_str()));
+    EXPECT_EQ(queue.GetCount(), 2);
+    EXPECT_EQ(queue.GetIndex(), 0); // what plays goes on
+    EXPECT_EQ(*queue.GetEntries().GetAt(0), SString(two.c_str()));
+
+    // The whole tree: the fixture's "01 One.mp3" beside the two sounds.
+    ASSERT_TRUE(host.PlayBookAlbum((root + "/Rock/").c_str()));
+    EXPECT_EQ(queue.GetCount(), 3);
+    EXPECT_EQ(queue.GetIndex(), 0);
+    EXPECT_FALSE(host.PlayBookAlbum((root + "/Jazz/").c_str()));
+    EXPECT_EQ(queue.GetCount(), 0);
+    EXPECT_EQ(queue.GetIndex(), -1);
+
+    ASSERT_TRUE(host.QueueBookSong(one.c_str()));
+    EXPECT_EQ(queue.GetCount(), 1);
+    EXPECT_EQ(queue.GetIndex(), 0);
+    queue.StopPlaying();
+
+    ASSERT_TRUE(host.OpenBookFolder((root + "/Rock/").c_str(), "Artist"));
+    EXPECT_EQ(app.GetCurrentFolder(), SString((root + "/Rock/").c_str()));
+    int row = app.GetView().GetSelectedRow();
+    ASSERT_GE(row, 0);
+    EXPECT_EQ(app.GetView().GetRows()[static_cast<size_t>(row)].name, SString("Artist"));
+    EXPECT_FALSE(host.OpenBookFolder((root + "/Missing/").c_str(), "x"));
+}
+
 } // namespace
