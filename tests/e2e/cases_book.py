@@ -44,6 +44,17 @@ def find_window(program, pattern, timeout=10.0):
     raise AssertionError("no window named %r appeared" % pattern)
 
 
+def window_of_size(program, size):
+    """Whether a shown window of the program has that size ("300x35")."""
+    listed = subprocess.run(["xdotool", "search", "--all", "--onlyvisible", "--pid", str(program.process.pid),
+                             "--name", ""], capture_output=True, text=True).stdout.split()
+    for window in listed:
+        geometry = subprocess.run(["xdotool", "getwindowgeometry", window], capture_output=True, text=True).stdout
+        if "Geometry: %s" % size in geometry:
+            return True
+    return False
+
+
 def window_shot(ctx, window, name):
     """A picture of one window alone (its client area)."""
     if ctx.args.shots:
@@ -103,6 +114,7 @@ def case_book_made_opened_played_queued_and_sent(ctx):
     # Make Book: the progress window stands while the Book is made.
     click(window, *MAKE_BOOK)
     program.wait_for(r"^book-progress 0$")
+    assert window_of_size(program, "300x35"), "no progress window of 300 by 35"
     ctx.shot("book-progress")
     program.wait_for(r"^book-progress [1-9]\d\d$", 30)
     program.wait_for(r"^book \d+ .*/Book\.htm$", 60)
