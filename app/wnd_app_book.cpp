@@ -206,18 +206,16 @@ bool PWndApp::SendBook() {
     // The mail client's window is its own; this window goes on meanwhile.
     HWND sweeper = bookZips->GetHandle();
     SNetwork network;
-    bool started = network.SendMailAsync(nullptr, BOOK_MAIL_SUBJECT, "", archive.c_str(),
-                                         [sweeper, archive](bool sent) {
-                                             Trace(sent ? "book-sent" : "book-not-sent", false,
-                                                   archive.c_str());
-                                             auto* zips = dynamic_cast<PBookZipSweeper*>(
-                                                 SWnd::FromHandle(sweeper));
-                                             if (zips != nullptr) {
-                                                 // A mail client that never got the archive
-                                                 // needs it no longer.
-                                                 zips->Add(archive, sent ? ZipKeepSeconds() : 0);
-                                             }
-                                         });
+    bool started = network.SendMailAsync(
+        nullptr, BOOK_MAIL_SUBJECT, "", archive.c_str(), [sweeper, archive](bool sent) {
+            Trace(sent ? "book-sent" : "book-not-sent", false, archive.c_str());
+            auto* zips = dynamic_cast<PBookZipSweeper*>(SWnd::FromHandle(sweeper));
+            if (zips != nullptr) {
+                // A mail client that never got the archive
+                // needs it no longer.
+                zips->Add(archive, sent ? ZipKeepSeconds() : 0);
+            }
+        });
     if (!started) {
         bookZips->Add(archive, 0);
     }

@@ -584,7 +584,8 @@ bool SNetwork::SendMailAsync(const char* to, const char* subject, const char* bo
     }
     // Watched on the calling thread's context, which its message loop runs.
     GSource* source = g_child_watch_source_new(pid);
-    g_source_set_callback(source, reinterpret_cast<GSourceFunc>(reinterpret_cast<void (*)()>(OnMailEnded)),
+    g_source_set_callback(source,
+                          reinterpret_cast<GSourceFunc>(reinterpret_cast<void (*)()>(OnMailEnded)),
                           new MailWatch{std::move(done)}, FreeMailWatch);
     GMainContext* context = g_main_context_get_thread_default();
     g_source_attach(source, context != nullptr ? context : g_main_context_default());

@@ -141,8 +141,8 @@ public:
     // called with its result on the calling thread, from its GLib context
     // (the thread's message loop), when it has ended. False, and done is
     // never called, when xdg-email is not on PATH or cannot start.
-    bool SendMailAsync(const char* to, const char* subject, const char* body, const char* attachment,
-                       std::function<void(bool sent)> done);
+    bool SendMailAsync(const char* to, const char* subject, const char* body,
+                       const char* attachment, std::function<void(bool sent)> done);
     // Opens "mailto:to?SUBJECT=...&BODY=..." (the parts URL-encoded, "?" and
     // "&" only as needed).
     bool SendMailto(const char* to, const char* subject, const char* body);

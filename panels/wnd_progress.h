@@ -22,8 +22,8 @@ public:
     // Sets the bar, clamped to 0 to RANGE; repaints only on a change.
     void SetProgress(int thousandths);
     int GetProgress() const { return bar.GetValue(); }
-    // Runs a modal loop until done() is true, asked every 50 ms. False when the loop ended otherwise (the
-    // window went, or the program is quitting).
+    // Runs a modal loop until done() is true, asked every 50 ms. False when the loop ended
+    // otherwise (the window went, or the program is quitting).
     bool RunUntil(std::function<bool()> done);
 
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override;

@@ -42,7 +42,8 @@ protected:
         record = dir / "record";
         std::string script = "#!/bin/sh\nprintf '%s\\n' \"$@\" > '" + record +
                              ".part'\nwhile [ $# -gt 1 ]; do [ \"$1\" = --attach ] && cp \"$2\" '" +
-                             record + ".zip'; shift; done\nmv '" + record + ".part' '" + record + "'\n";
+                             record + ".zip'; shift; done\nmv '" + record + ".part' '" + record +
+                             "'\n";
         std::string program = dir.Write("bin/xdg-email", script);
         chmod(program.c_str(), 0755);
         oldPath = getenv("PATH") != nullptr ? getenv("PATH") : "";
@@ -105,7 +106,9 @@ TEST_F(BookCommandsTest, SendBookWithoutABookDoesNothingAndWithOneMailsItsArchiv
     std::stringstream text;
     text << in.rdbuf();
     std::string args = text.str();
-    EXPECT_EQ(args.rfind("--utf8\n--subject\nMelkora Browser BOOK\n--attach\n" + dir.Path() + "/tmp/book ", 0),
+    EXPECT_EQ(args.rfind("--utf8\n--subject\nMelkora Browser BOOK\n--attach\n" + dir.Path() +
+                             "/tmp/book ",
+                         0),
               0u)
         << args;
     EXPECT_NE(args.find(".zip\n"), std::string::npos) << args;

@@ -503,7 +503,8 @@ TEST_F(DiskZip, BigEmptyAndNonAsciiEntriesReadBackWhole) {
     const Case cases[] = {
         {"big", {{"Book/big.bin", big}, {"Book/after.txt", "after"}}},
         {"empty only", {{"Book/a", ""}, {"Book/b", ""}}},
-        {"names", {{"Book/Ελληνικά/日本語 ♫.jpg", "x"}, {"Book/plain.txt", "y"}, {"Book/émoji 🎵", ""}}},
+        {"names",
+         {{"Book/Ελληνικά/日本語 ♫.jpg", "x"}, {"Book/plain.txt", "y"}, {"Book/émoji 🎵", ""}}},
     };
     std::string check = tree.Write("read.py", "import sys, zipfile, hashlib\n"
                                               "z = zipfile.ZipFile(sys.argv[1])\n"
@@ -523,13 +524,16 @@ TEST_F(DiskZip, BigEmptyAndNonAsciiEntriesReadBackWhole) {
             for (unsigned char ch : name) {
                 high = high || ch > 127;
             }
-            expected += name + " " + (high ? "2048" : "0") + " " + std::to_string(data.size()) + "\n";
+            expected +=
+                name + " " + (high ? "2048" : "0") + " " + std::to_string(data.size()) + "\n";
         }
         std::string zip = dir / "out.zip";
-        ASSERT_TRUE(SDisk().WriteZip(zip.c_str(), &list, SPath((dir.Path() + "/").c_str()).GetDepth() - 1));
+        ASSERT_TRUE(
+            SDisk().WriteZip(zip.c_str(), &list, SPath((dir.Path() + "/").c_str()).GetDepth() - 1));
         std::string output;
         EXPECT_EQ(RunCommand("unzip -tq '" + zip + "'", output), 0) << output;
-        ASSERT_EQ(RunCommand("PYTHONIOENCODING=utf-8 python3 '" + check + "' '" + zip + "'", output), 0)
+        ASSERT_EQ(
+            RunCommand("PYTHONIOENCODING=utf-8 python3 '" + check + "' '" + zip + "'", output), 0)
             << output;
         // The listing without the digests, then the digests against the data.
         std::string listing;

@@ -475,8 +475,8 @@ TEST(NetworkMail, SendMailAsyncReportsTheEndThroughTheMessageLoop) {
         std::remove(record.c_str());
         int calls = 0;
         bool sent = !c.sent;
-        ASSERT_TRUE(network.SendMailAsync(nullptr, "Melkora Browser BOOK", "", "/tmp/book 1-2-2026.zip",
-                                          [&](bool result) {
+        ASSERT_TRUE(network.SendMailAsync(nullptr, "Melkora Browser BOOK", "",
+                                          "/tmp/book 1-2-2026.zip", [&](bool result) {
                                               ++calls;
                                               sent = result;
                                           }));
@@ -493,8 +493,8 @@ TEST(NetworkMail, SendMailAsyncReportsTheEndThroughTheMessageLoop) {
         EXPECT_EQ(calls, 1);
         EXPECT_EQ(sent, c.sent);
         EXPECT_EQ(ReadRecord(record, false),
-                  (std::vector<std::string>{"--utf8", "--subject", "Melkora Browser BOOK", "--attach",
-                                            "/tmp/book 1-2-2026.zip"}));
+                  (std::vector<std::string>{"--utf8", "--subject", "Melkora Browser BOOK",
+                                            "--attach", "/tmp/book 1-2-2026.zip"}));
     }
     ResetThreadTable();
 }

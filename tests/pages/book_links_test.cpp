@@ -27,9 +27,10 @@ TEST(BookLinks, EachLinkOfTheBookDoesItsOwnThing) {
          "/music/Collection/Rock/Album/01 One.mp3", ""},
         {"file:///music/Collection/Rock/Album/01%20One.mp3", true, Action::QueueSong,
          "/music/Collection/Rock/Album/01 One.mp3", ""},
-        {"file:///music/Collection/Rock/clip.AVI", false, Action::PlaySong, "/music/Collection/Rock/clip.AVI",
+        {"file:///music/Collection/Rock/clip.AVI", false, Action::PlaySong,
+         "/music/Collection/Rock/clip.AVI", ""},
+        {"file:///music/Collection/a.flac", true, Action::QueueSong, "/music/Collection/a.flac",
          ""},
-        {"file:///music/Collection/a.flac", true, Action::QueueSong, "/music/Collection/a.flac", ""},
         {"file:///music/Collection/Radio/station.wax", false, Action::PlaySong,
          "/music/Collection/Radio/station.wax", ""},
         // Non-ASCII names arrive escaped as UTF-8.
@@ -38,18 +39,22 @@ TEST(BookLinks, EachLinkOfTheBookDoesItsOwnThing) {
         // Albums: the folder named by the path without ".album".
         {"file:///music/Collection/Rock/Album%20Two.album", false, Action::PlayAlbum,
          "/music/Collection/Rock/Album Two/", ""},
-        {"file:///music/Collection/Jazz.ALBUM", true, Action::PlayAlbum, "/music/Collection/Jazz/", ""},
+        {"file:///music/Collection/Jazz.ALBUM", true, Action::PlayAlbum, "/music/Collection/Jazz/",
+         ""},
         // Folder links: the parent opened, the folder's row selected.
-        {"file:///music/Collection/Rock/Artist.link", false, Action::OpenFolder, "/music/Collection/Rock/",
-         "Artist"},
-        {"file:///music/Collection/Rock.Link", false, Action::OpenFolder, "/music/Collection/", "Rock"},
+        {"file:///music/Collection/Rock/Artist.link", false, Action::OpenFolder,
+         "/music/Collection/Rock/", "Artist"},
+        {"file:///music/Collection/Rock.Link", false, Action::OpenFolder, "/music/Collection/",
+         "Rock"},
         // A Book moved with its collection: the part below the root's depth
         // names the target under the root.
         {"file:///media/disk/Rock/Album/song.mp3", false, Action::PlaySong,
          "/music/Collection/Rock/Album/song.mp3", ""},
         // A query or fragment is no part of the file.
-        {"file:///music/Collection/a.mp3?x=1#top", false, Action::PlaySong, "/music/Collection/a.mp3", ""},
-        {"file://localhost/music/Collection/a.mp3", false, Action::PlaySong, "/music/Collection/a.mp3", ""},
+        {"file:///music/Collection/a.mp3?x=1#top", false, Action::PlaySong,
+         "/music/Collection/a.mp3", ""},
+        {"file://localhost/music/Collection/a.mp3", false, Action::PlaySong,
+         "/music/Collection/a.mp3", ""},
         // Ordinary navigations.
         {"file:///music/Collection/Book.htm", false, Action::Navigate, "", ""},
         {"file:///music/Collection/Book/book3.jpg", false, Action::Navigate, "", ""},
@@ -97,9 +102,9 @@ TEST(BookLinks, LocalPathOfUrlDecodesOnlyWhatIsEscaped) {
         {"FILE:///a", "/a"},
         {"/plain/path", "/plain/path"},
         {"file:/short/form", "/short/form"},
-        {"file:///a/100%", "/a/100%"},     // a lone "%" stays
-        {"file:///a/%zz%4", "/a/%zz%4"},   // so does a broken escape
-        {"file:///a/%2Fb", "/a//b"},       // an escaped "/" is a "/"
+        {"file:///a/100%", "/a/100%"},   // a lone "%" stays
+        {"file:///a/%zz%4", "/a/%zz%4"}, // so does a broken escape
+        {"file:///a/%2Fb", "/a//b"},     // an escaped "/" is a "/"
         {"file:///a#frag", "/a"},
         {"http://host/a", ""},
         {"file://host", ""},

@@ -121,8 +121,10 @@ TEST_F(CompanionWindows, EveryLinkOfTheBookReachesTheHostAndStaysOnThePage) {
         const char* call; // null: an ordinary navigation
     } cases[] = {
         {"file:///music/Rock/Album/01%20One.mp3", 0, "play /music/Rock/Album/01 One.mp3"},
-        {"file:///music/Rock/Album/02.ogg", SKeyboard::MODIFIER_CTRL, "queue /music/Rock/Album/02.ogg"},
-        {"file:///music/Rock/Album/02.ogg", SKeyboard::MODIFIER_SHIFT, "play /music/Rock/Album/02.ogg"},
+        {"file:///music/Rock/Album/02.ogg", SKeyboard::MODIFIER_CTRL,
+         "queue /music/Rock/Album/02.ogg"},
+        {"file:///music/Rock/Album/02.ogg", SKeyboard::MODIFIER_SHIFT,
+         "play /music/Rock/Album/02.ogg"},
         {"file:///music/Rock/Album.album", SKeyboard::MODIFIER_CTRL, "album /music/Rock/Album/"},
         {"file:///music/Rock/Artist.link", 0, "open /music/Rock/ Artist"},
         {"https://example.org/", 0, nullptr},
@@ -198,7 +200,8 @@ TEST_F(CompanionWindows, ProgressClampsAndEndsItsRunWhenTheWorkSaysSo) {
     EXPECT_EQ(rect.Height(), PWndProgress::HEIGHT);
     EXPECT_EQ(rect.left, (1000 - PWndProgress::WIDTH) / 2);
     EXPECT_NE(progress.GetExStyle() & WS_EX_TOPMOST, 0u);
-    const std::pair<int, int> values[] = {{-5, 0}, {400, 400}, {1000, 1000}, {1500, 1000}, {999, 999}};
+    const std::pair<int, int> values[] = {
+        {-5, 0}, {400, 400}, {1000, 1000}, {1500, 1000}, {999, 999}};
     for (const auto& [given, shown] : values) {
         progress.SetProgress(given);
         EXPECT_EQ(progress.GetProgress(), shown) << given;
