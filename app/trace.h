@@ -1,7 +1,10 @@
 // Milestones of the desktop program on stderr, one per line, for tests and
 // benchmarks: "ready MS", "folder MS PATH", "open PATH", "end PATH",
-// "stats MS". On only when MELKORA_TRACE=1; MS counts from the start of the
-// process.
+// "stats MS"; of the Book: "book-progress N" (each tenth of the way, in
+// thousandths), "book MS PATH" or "book-failed REASON", "book-window PATH",
+// "queue COUNT PATH" (a song added from the Book), "book-sent ZIP" or
+// "book-not-sent ZIP" (xdg-email ended), "zip-removed ZIP"; and "help PAGE".
+// On only when MELKORA_TRACE=1; MS counts from the start of the process.
 #pragma once
 
 bool IsTraceOn();
