@@ -8,6 +8,7 @@
 
 #include <memory>
 
+#include "app/book_zips.h"
 #include "app/player.h"
 #include "app/splitter.h"
 #include "controls/browser_ctrl.h"
@@ -20,8 +21,10 @@
 #include "library/thread_stats.h"
 #include "panels/panel_host.h"
 #include "panels/thumbs_wnd.h"
+#include "panels/wnd_book.h"
 #include "panels/wnd_description.h"
 #include "panels/wnd_google.h"
+#include "panels/wnd_help.h"
 #include "panels/wnd_play.h"
 #include "panels/wnd_playlist.h"
 #include "panels/wnd_task.h"
@@ -335,4 +338,18 @@ private:
     std::unique_ptr<PDescriptionHost> descriptionHost; // the description window's view of this one
     std::unique_ptr<PWndDescription> descriptionWnd;   // made at the first Edit Descriptions
     std::unique_ptr<PWndTask> strip; // the taskbar strip, made when first turned on
+
+    // The Book, sending it, and the help (wnd_app_book.cpp).
+public:
+    // What the Book and help windows ask of this window (public for tests).
+    PBookHost& GetBookHost();
+
+private:
+    bool OpenBookWindow();
+    void CloseBookWindows();
+    std::unique_ptr<PBookHost> bookHost;
+    std::unique_ptr<PWndBook> bookWindow;
+    std::unique_ptr<PWndHelp> helpWindow;
+    std::unique_ptr<PBookZipSweeper> bookZips;
+    bool makingBook = false;
 };

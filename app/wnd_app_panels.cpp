@@ -92,6 +92,8 @@ bool PWndApp::CloseChildWindows() {
     }
     // The cover search window, with its worker told to stop and joined.
     coverSearch.reset();
+    // The Book and help windows keep their places; sent archives go.
+    CloseBookWindows();
     return true;
 }
 

@@ -507,12 +507,11 @@ bool SNetwork::OpenUrl(const char* url) {
     return Launch(url);
 }
 
-bool SNetwork::SendMail(const char* to, const char* subject, const char* body,
-                        const char* attachment) {
-    gchar* program = g_find_program_in_path("xdg-email");
-    if (program == nullptr) {
-        return false;
-    }
+namespace {
+
+// xdg-email's arguments for a message; empty parts are left out.
+std::vector<const char*> MailArguments(const char* program, const char* to, const char* subject,
+                                       const char* body, const char* attachment) {
     std::vector<const char*> arguments = {program, "--utf8"};
     if (!IsEmpty(subject)) {
         arguments.insert(arguments.end(), {"--subject", subject});
@@ -526,9 +525,72 @@ bool SNetwork::SendMail(const char* to, const char* subject, const char* body,
     if (!IsEmpty(to)) {
         arguments.push_back(to);
     }
-    bool sent = RunAndWait(arguments);
+    return arguments;
+}
+
+// The end of an xdg-email started by SendMailAsync.
+struct MailWatch {
+    std::function<void(bool sent)> done;
+};
+
+void OnMailEnded(GPid pid, gint status, gpointer data) {
+    auto* watch = static_cast<MailWatch*>(data);
+    g_spawn_close_pid(pid);
+    bool sent = g_spawn_check_wait_status(status, nullptr) != FALSE;
+    if (watch->done) {
+        watch->done(sent);
+    }
+}
+
+void FreeMailWatch(gpointer data) {
+    delete static_cast<MailWatch*>(data);
+}
+
+} // namespace
+
+bool SNetwork::SendMail(const char* to, const char* subject, const char* body,
+                        const char* attachment) {
+    gchar* program = g_find_program_in_path("xdg-email");
+    if (program == nullptr) {
+        return false;
+    }
+    bool sent = RunAndWait(MailArguments(program, to, subject, body, attachment));
     g_free(program);
     return sent;
+}
+
+bool SNetwork::SendMailAsync(const char* to, const char* subject, const char* body,
+                             const char* attachment, std::function<void(bool sent)> done) {
+    gchar* program = g_find_program_in_path("xdg-email");
+    if (program == nullptr) {
+        return false;
+    }
+    std::vector<const char*> arguments = MailArguments(program, to, subject, body, attachment);
+    std::vector<gchar*> argv;
+    for (const char* argument : arguments) {
+        argv.push_back(const_cast<gchar*>(argument));
+    }
+    argv.push_back(nullptr);
+    GPid pid = 0;
+    GError* error = nullptr;
+    gboolean started = g_spawn_async(nullptr, argv.data(), nullptr, G_SPAWN_DO_NOT_REAP_CHILD,
+                                     nullptr, nullptr, &pid, &error);
+    g_free(program);
+    if (error != nullptr) {
+        g_error_free(error);
+    }
+    if (started == FALSE) {
+        return false;
+    }
+    // Watched on the calling thread's context, which its message loop runs.
+    GSource* source = g_child_watch_source_new(pid);
+    g_source_set_callback(source,
+                          reinterpret_cast<GSourceFunc>(reinterpret_cast<void (*)()>(OnMailEnded)),
+                          new MailWatch{std::move(done)}, FreeMailWatch);
+    GMainContext* context = g_main_context_get_thread_default();
+    g_source_attach(source, context != nullptr ? context : g_main_context_default());
+    g_source_unref(source);
+    return true;
 }
 
 SString SNetwork::MakeMailto(const char* to, const char* subject, const char* body) {

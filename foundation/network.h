@@ -9,6 +9,8 @@
 // speaks only http and https, and checks https certificates.
 #pragma once
 
+#include <functional>
+
 #include <atomic>
 #include <cstdint>
 
@@ -135,6 +137,12 @@ public:
     // null parts are left out. False when xdg-email is not on PATH, cannot
     // start or reports failure.
     bool SendMail(const char* to, const char* subject, const char* body, const char* attachment);
+    // The same without waiting: xdg-email runs on its own, and done is
+    // called with its result on the calling thread, from its GLib context
+    // (the thread's message loop), when it has ended. False, and done is
+    // never called, when xdg-email is not on PATH or cannot start.
+    bool SendMailAsync(const char* to, const char* subject, const char* body,
+                       const char* attachment, std::function<void(bool sent)> done);
     // Opens "mailto:to?SUBJECT=...&BODY=..." (the parts URL-encoded, "?" and
     // "&" only as needed).
     bool SendMailto(const char* to, const char* subject, const char* body);

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Takes the main window's pictures for docs/ on the demo collection: after
 the start, with a folder selected, with a track playing and with a video
-playing. Run under xvfb-run:
+playing; then the Book window (made from the toolbar) and the help window,
+each alone. Run under xvfb-run:
 
     melkora-cli demo /tmp/demo && xvfb-run -a -s "-screen 0 1280x800x24" \
         python3 tests/e2e/shots.py --binary build/bin/melkora --root /tmp/demo --out docs
@@ -66,6 +67,28 @@ def main():
         program.wait_for(r"^open .*\.mkv$")
         time.sleep(1.5)
         shot("main-video")
+
+        def window_shot(title, name):
+            found = []
+            for _ in range(100):
+                found = subprocess.run(["xdotool", "search", "--all", "--onlyvisible", "--pid",
+                                        str(program.process.pid), "--name", title],
+                                       capture_output=True, text=True).stdout.split()
+                if found:
+                    break
+                time.sleep(0.1)
+            time.sleep(2)
+            subprocess.run(["import", "-window", found[0], os.path.join(args.out, name + ".png")])
+
+        harness.key(window, "Escape")
+        focus(window)
+        click(window, 672, 26)  # "Make Book" on the toolbar
+        program.wait_for(r"^book \d+ ", 60)
+        window_shot("^Book - Melkora Browser$", "book")
+        focus(window)
+        click(window, 848, 26)  # "Help"
+        program.wait_for(r"^help ")
+        window_shot("^Documentation - Melkora Browser$", "help")
     finally:
         program.kill()
         manager.terminate()

@@ -487,6 +487,76 @@ TEST_F(DiskZip, FailureLeavesNoArchiveAndKeepsAnOldOne) {
     EXPECT_EQ(std::distance(fs::directory_iterator(tree.Path()), fs::directory_iterator()), 2);
 }
 
+// Edge cases of what goes in: a file of 24 MB (bytes that differ every
+// block, so a wrong offset or CRC shows), empty files only, and names that
+// need the UTF-8 flag beside plain ones. Each archive is tested by unzip
+// and read back by Python's zipfile, every entry's bytes compared.
+TEST_F(DiskZip, BigEmptyAndNonAsciiEntriesReadBackWhole) {
+    std::string big(24 * 1024 * 1024, '\0');
+    for (size_t i = 0; i < big.size(); ++i) {
+        big[i] = static_cast<char>((i * 2654435761u) >> 13);
+    }
+    struct Case {
+        const char* what;
+        std::vector<std::pair<std::string, std::string>> files;
+    };
+    const Case cases[] = {
+        {"big", {{"Book/big.bin", big}, {"Book/after.txt", "after"}}},
+        {"empty only", {{"Book/a", ""}, {"Book/b", ""}}},
+        {"names",
+         {{"Book/Ελληνικά/日本語 ♫.jpg", "x"}, {"Book/plain.txt", "y"}, {"Book/émoji 🎵", ""}}},
+    };
+    std::string check = tree.Write("read.py", "import sys, zipfile, hashlib\n"
+                                              "z = zipfile.ZipFile(sys.argv[1])\n"
+                                              "assert z.testzip() is None\n"
+                                              "for i in z.infolist():\n"
+                                              "    d = z.read(i)\n"
+                                              "    print(i.filename, i.flag_bits & 0x800, len(d),\n"
+                                              "          hashlib.md5(d).hexdigest()[:8])\n");
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        TempDir dir;
+        SStringArray list;
+        std::string expected;
+        for (const auto& [name, data] : c.files) {
+            list.Add(dir.Write(name, data).c_str());
+            bool high = false;
+            for (unsigned char ch : name) {
+                high = high || ch > 127;
+            }
+            expected +=
+                name + " " + (high ? "2048" : "0") + " " + std::to_string(data.size()) + "\n";
+        }
+        std::string zip = dir / "out.zip";
+        ASSERT_TRUE(
+            SDisk().WriteZip(zip.c_str(), &list, SPath((dir.Path() + "/").c_str()).GetDepth() - 1));
+        std::string output;
+        EXPECT_EQ(RunCommand("unzip -tq '" + zip + "'", output), 0) << output;
+        ASSERT_EQ(
+            RunCommand("PYTHONIOENCODING=utf-8 python3 '" + check + "' '" + zip + "'", output), 0)
+            << output;
+        // The listing without the digests, then the digests against the data.
+        std::string listing;
+        size_t at = 0;
+        int index = 0;
+        while (at < output.size()) {
+            size_t end = output.find('\n', at);
+            std::string line = output.substr(at, end - at);
+            size_t space = line.rfind(' ');
+            listing += line.substr(0, space) + "\n";
+            std::string digest = line.substr(space + 1);
+            const std::string& data = c.files[static_cast<size_t>(index)].second;
+            std::string wanted;
+            std::string md5file = dir.Write("md5.in", data);
+            RunCommand("md5sum '" + md5file + "' | cut -c1-8", wanted);
+            EXPECT_EQ(digest + "\n", wanted) << line;
+            ++index;
+            at = end + 1;
+        }
+        EXPECT_EQ(listing, expected);
+    }
+}
+
 TEST_F(DiskZip, NegativeSkipStoresTheWholePathWithoutItsRoot) {
     SStringArray one;
     one.Add(files.GetAt(1)->c_str());

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <sstream>
@@ -17,6 +18,7 @@
 #include <vector>
 
 #include "foundation/file.h"
+#include "foundation/message.h"
 #include "support/http_server.h"
 #include "support/temp_dir.h"
 #include "test_support.h"
@@ -441,6 +443,60 @@ TEST(NetworkMail, SendMailPassesEachPartAsOneArgumentAndLeavesOutEmptyOnes) {
     EXPECT_EQ(std::vector<std::string>(lines.begin() + 1, lines.end()),
               (std::vector<std::string>{"--utf8", "--subject", "Melkora Browser BOOK", "--attach",
                                         "/tmp/book.zip"}));
+}
+
+// Without waiting: the call returns before the mail client's command has
+// ended, and its result arrives later through the thread's message loop,
+// true for a clean exit and false for a failing one; nothing is called
+// when xdg-email is missing.
+TEST(NetworkMail, SendMailAsyncReportsTheEndThroughTheMessageLoop) {
+    ASSERT_GE(RegisterThread(), 0);
+    TempDir dir;
+    std::string record = dir / "record.txt";
+    SNetwork network;
+    {
+        ScopedEnv pathVariable("PATH", dir.Path().c_str());
+        EXPECT_FALSE(network.SendMailAsync(nullptr, "s", "", "/tmp/a.zip", [](bool) { FAIL(); }));
+    }
+    std::string path = dir.Path() + "/bin:" + (getenv("PATH") != nullptr ? getenv("PATH") : "");
+    ScopedEnv pathVariable("PATH", path.c_str());
+    struct Case {
+        const char* script;
+        bool sent;
+    } cases[] = {
+        {"sleep 0.2; printf '%s\\n' \"$@\" > '%RECORD%'; exit 0\n", true},
+        {"printf '%s\\n' \"$@\" > '%RECORD%'; exit 3\n", false},
+    };
+    for (const Case& c : cases) {
+        std::string script = std::string("#!/bin/sh\n") + c.script;
+        script.replace(script.find("%RECORD%"), 8, record);
+        std::string program = dir.Write("bin/xdg-email", script);
+        chmod(program.c_str(), 0755);
+        std::remove(record.c_str());
+        int calls = 0;
+        bool sent = !c.sent;
+        ASSERT_TRUE(network.SendMailAsync(nullptr, "Melkora Browser BOOK", "",
+                                          "/tmp/book 1-2-2026.zip", [&](bool result) {
+                                              ++calls;
+                                              sent = result;
+                                          }));
+        EXPECT_EQ(calls, 0); // only ever from the loop
+        auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        SMessage message;
+        while (calls == 0 && std::chrono::steady_clock::now() < deadline) {
+            if (PeekMessage(&message, true)) {
+                DispatchMessage(&message);
+            } else {
+                std::this_thread::sleep_for(std::chrono::milliseconds(5));
+            }
+        }
+        EXPECT_EQ(calls, 1);
+        EXPECT_EQ(sent, c.sent);
+        EXPECT_EQ(ReadRecord(record, false),
+                  (std::vector<std::string>{"--utf8", "--subject", "Melkora Browser BOOK",
+                                            "--attach", "/tmp/book 1-2-2026.zip"}));
+    }
+    ResetThreadTable();
 }
 
 TEST(NetworkMail, MailtoAddressEncodesItsParts) {
