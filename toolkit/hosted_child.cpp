@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "toolkit/messages.h"
 #include "toolkit/platform/platform.h"
 #include "toolkit/wnd.h"
 
@@ -90,5 +91,28 @@ void SyncHostedChildren(HWND top) {
         if (child->GetTop() == top) {
             child->Sync();
         }
+    }
+}
+
+SHostedKey RouteHostedKey(unsigned virtualKey, bool ctrl, bool alt) {
+    if ((virtualKey >= VK_F1 && virtualKey <= VK_F12) || virtualKey == VK_ESCAPE) {
+        return SHostedKey::WINDOW;
+    }
+    if (ctrl || alt) {
+        return SHostedKey::EITHER;
+    }
+    switch (virtualKey) {
+    case VK_SPACE:
+    case VK_PRIOR:
+    case VK_NEXT:
+    case VK_END:
+    case VK_HOME:
+    case VK_LEFT:
+    case VK_UP:
+    case VK_RIGHT:
+    case VK_DOWN:
+        return SHostedKey::CHILD;
+    default:
+        return SHostedKey::EITHER;
     }
 }

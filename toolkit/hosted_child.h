@@ -5,6 +5,11 @@
 // of the top-level window brings every hosted child of it up to date, so a
 // move or resize of the owner or of any window above it is followed; the
 // owner also calls Sync when it learns of a change itself.
+//
+// Keys pressed while the widget has the keyboard go by RouteHostedKey: the
+// widget keeps what it uses, and the rest reaches the toolkit's focus window
+// (the owner, which then hands it to its top-level window as SM_KEY) as if
+// the widget were not there.
 #pragma once
 
 #include "foundation/geometry.h"
@@ -43,6 +48,22 @@ private:
     bool placed = false;
     bool shown = false;
 };
+
+// Where a key pressed while a hosted child has the keyboard goes.
+enum class SHostedKey {
+    WINDOW, // the window alone, the child never sees it
+    CHILD,  // the child alone, even when it does nothing with it
+    EITHER, // the child first; the window when the child did not use it
+};
+// The rule for virtualKey (VK_*) with Ctrl or Alt held or not. The function
+// keys and Escape belong to the program: they go to the window whatever
+// the page makes of them. Space, the arrows, Page Up, Page Down, Home and
+// End without Ctrl or Alt move through the page: they stay with it even
+// where the page cannot move further, so that a page read to its end by
+// Space never pauses the music. Everything else (typing into a form,
+// Ctrl+C, Tab through the links, Backspace, Enter) is the page's when it
+// uses it and the window's when not.
+SHostedKey RouteHostedKey(unsigned virtualKey, bool ctrl, bool alt);
 
 // Brings every hosted child of the top-level window top up to date; the
 // toolkit calls it after each frame.

@@ -93,10 +93,19 @@ constexpr unsigned VK_SHIFT = 16;
 constexpr unsigned VK_CONTROL = 17;
 constexpr unsigned VK_ESCAPE = 27;
 constexpr unsigned VK_SPACE = 32;
+constexpr unsigned VK_PRIOR = 33; // Page Up
+constexpr unsigned VK_NEXT = 34;  // Page Down
+constexpr unsigned VK_END = 35;
+constexpr unsigned VK_HOME = 36;
+constexpr unsigned VK_LEFT = 37;
+constexpr unsigned VK_UP = 38;
+constexpr unsigned VK_RIGHT = 39;
+constexpr unsigned VK_DOWN = 40;
 constexpr unsigned VK_DELETE = 46;
 constexpr unsigned VK_F1 = 0x70;
 constexpr unsigned VK_F5 = 0x74;
 constexpr unsigned VK_F8 = 0x77;
+constexpr unsigned VK_F12 = 0x7B;
 
 // Commands of ShowWindow.
 constexpr int SW_HIDE = 0;

@@ -1,11 +1,13 @@
 // SBrowserCtrl on GTK with WebKitGTK under a virtual X display (run by
 // xvfb-run): a generated description page shown in the view, a navigation
 // the parent cancels, NavigateHtml's one temporary file, an MHTML archive,
-// and the view following its window when the top-level window grows. Only
+// the view following its window when the top-level window grows, and which
+// keys pressed in the page reach the window (as SM_KEY). Only
 // local files are loaded. The screenshot goes to the build folder
 // (browser_ctrl_window.png).
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -23,6 +25,11 @@
 #include "toolkit/platform/platform.h"
 #include "toolkit/wnd_app.h"
 
+// Last: Xlib's macros (None, Bool, Status) would break the headers above.
+#include <X11/Xlib.h>
+#include <X11/extensions/XTest.h>
+#include <X11/keysym.h>
+
 namespace {
 
 constexpr uint32_t WINDOW = 0xFF00FF; // magenta: never on the page
@@ -39,12 +46,40 @@ public:
         if (message == SN_WEB_DOCUMENT_DONE) {
             (note.Code() == 0 ? complete : failed)++;
         }
+        if (message == SM_KEY) {
+            keys.push_back(static_cast<unsigned>(wParam));
+        }
         return SWnd::OnMessage(message, wParam, lParam);
     }
     std::vector<std::string> asked;
+    std::vector<unsigned> keys; // SM_KEY: what reached the window's key handling
     int complete = 0;
     int failed = 0;
 };
+
+// A real press and release of keysym, with Ctrl held when ctrl, through the
+// X test extension on a connection of its own.
+bool PressX(KeySym keysym, bool ctrl) {
+    Display* x = XOpenDisplay(nullptr);
+    if (x == nullptr) {
+        return false;
+    }
+    KeyCode code = XKeysymToKeycode(x, keysym);
+    KeyCode control = XKeysymToKeycode(x, XK_Control_L);
+    if (code != 0) {
+        if (ctrl) {
+            XTestFakeKeyEvent(x, control, True, CurrentTime);
+        }
+        XTestFakeKeyEvent(x, code, True, CurrentTime);
+        XTestFakeKeyEvent(x, code, False, CurrentTime);
+        if (ctrl) {
+            XTestFakeKeyEvent(x, control, False, CurrentTime);
+        }
+        XSync(x, False);
+    }
+    XCloseDisplay(x);
+    return code != 0;
+}
 
 template <typename Done> bool Until(Done done) {
     return PumpUntil([&] {
@@ -238,6 +273,116 @@ TEST_F(BrowserOnGtk, TheKeyboardFocusGoesInAndOut) {
     // A click into the view makes the control the toolkit's focus window.
     ASSERT_TRUE(GtkSimulateClick(top.GetHandle(), 200, 200));
     ASSERT_TRUE(Until([&] { return GetFocus() == browser.GetHandle(); }));
+}
+
+// Keys pressed in a page: the program's keys (function keys, Escape) reach
+// the window and never the page; the keys that move through the page stay
+// with it; the rest reach the window only when the page did not use them,
+// so typing into a form, Backspace in it and Ctrl+A stay with the page while
+// Backspace or a letter on the page's background reach the window. The
+// page lists the keys it saw and how far it scrolled in its title.
+TEST_F(BrowserOnGtk, KeysThePageDoesNotUseReachTheWindow) {
+    std::string back = temp / "back.htm";
+    std::string page = temp / "keys.htm";
+    {
+        std::ofstream out(back);
+        out << "<html><head><title>back</title></head><body>the page before</body></html>";
+    }
+    {
+        std::ofstream out(page);
+        out << "<html><head><title>-</title></head><body style='height:5000px'>"
+               "<input id=i style='width:300px'><p>Text to select.</p>"
+               "<script>var seen=[];function show(){document.title=seen.join(',')+'|'+"
+               "(scrollY>0?'scrolled':'top')+'|'+document.getElementById('i').value}"
+               "addEventListener('keydown',function(e){seen.push(e.key==' '?'Space':e.key);"
+               "show()});addEventListener('scroll',show);addEventListener('input',show);"
+               "</script></body></html>";
+    }
+    ASSERT_TRUE(LoadAndWait("file://" + back, "back"));
+    ASSERT_TRUE(LoadAndWait("file://" + page, "keys"));
+    // A click on the page's background, below the field, gives the view the
+    // keyboard and makes the control the toolkit's focus window.
+    ASSERT_TRUE(GtkSimulateClick(top.GetHandle(), 300, 300));
+    ASSERT_TRUE(Until([&] {
+        return GetFocus() == browser.GetHandle() && GtkHostedChildHasFocus(browser.GetHandle());
+    }));
+    auto title = [&] { return std::string(browser.GetTitle().c_str()); };
+    // The keys the page saw, in order.
+    auto seen = [&] {
+        std::vector<std::string> names;
+        std::string list = title().substr(0, title().find('|'));
+        for (size_t at = 0; !list.empty() && at <= list.size();) {
+            size_t end = std::min(list.find(',', at), list.size());
+            names.push_back(list.substr(at, end - at));
+            at = end + 1;
+        }
+        return names;
+    };
+    size_t earlier = 0; // the keys the page saw before the press
+    auto pageSaw = [&](const std::string& name) {
+        std::vector<std::string> names = seen();
+        return std::find(names.begin() + static_cast<long>(std::min(earlier, names.size())),
+                         names.end(), name) != names.end();
+    };
+    auto windowGot = [&](unsigned key) {
+        return std::find(top.keys.begin(), top.keys.end(), key) != top.keys.end();
+    };
+    struct Case {
+        const char* what;
+        KeySym keysym;
+        bool ctrl;
+        unsigned key;     // its virtual key code
+        const char* name; // as the page names it
+        bool toWindow;
+        bool toPage;
+    };
+    const Case onBackground[] = {
+        {"F1", XK_F1, false, VK_F1, "F1", true, false},
+        {"F8", XK_F8, false, VK_F8, "F8", true, false},
+        {"Escape", XK_Escape, false, VK_ESCAPE, "Escape", true, false},
+        {"Ctrl+F5", XK_F5, true, VK_F5, "F5", true, false},
+        {"Space", XK_space, false, VK_SPACE, "Space", false, true},
+        {"Page Down", XK_Page_Down, false, VK_NEXT, "PageDown", false, true},
+        {"Home", XK_Home, false, VK_HOME, "Home", false, true},
+        {"Backspace", XK_BackSpace, false, VK_BACK, "Backspace", true, true},
+        {"a letter", XK_q, false, 'Q', "q", true, true},
+        {"Ctrl+A", XK_a, true, 'A', "a", false, true},
+    };
+    const Case inField[] = {
+        {"a letter", XK_k, false, 'K', "k", false, true},
+        {"Backspace", XK_BackSpace, false, VK_BACK, "Backspace", false, true},
+        {"a letter again", XK_m, false, 'M', "m", false, true},
+        {"F5", XK_F5, false, VK_F5, "F5", true, false},
+    };
+    auto press = [&](const Case& c) {
+        SCOPED_TRACE(c.what);
+        top.keys.clear();
+        earlier = seen().size();
+        ASSERT_TRUE(PressX(c.keysym, c.ctrl));
+        // Whichever side gets it first; then time for the other to get it
+        // too, as a key the page did not use comes back from its process.
+        ASSERT_TRUE(Until([&] { return windowGot(c.key) || pageSaw(c.name); }))
+            << "the key went nowhere; title " << title();
+        PumpFor(400);
+        EXPECT_EQ(windowGot(c.key), c.toWindow) << "title " << title();
+        EXPECT_EQ(pageSaw(c.name), c.toPage) << "title " << title();
+    };
+    for (const Case& c : onBackground) {
+        press(c);
+        if (c.key == VK_SPACE) {
+            EXPECT_NE(title().find("|scrolled|"), std::string::npos) << title();
+        }
+    }
+    // Backspace on the page went to the window, not back in the history.
+    EXPECT_EQ(browser.GetAddress(), SString(("file://" + page).c_str()));
+
+    // Into the field: typing and its Backspace are the page's.
+    ASSERT_TRUE(GtkSimulateClick(top.GetHandle(), 60, 30));
+    PumpFor(200);
+    for (const Case& c : inField) {
+        press(c);
+    }
+    EXPECT_EQ(title().substr(title().rfind('|') + 1), "m");
 }
 
 } // namespace

@@ -85,4 +85,44 @@ TEST_F(HostedChildTest, RefusedWithoutAWindowAndGoneWithTheSurface) {
     hosted.Detach(); // safe after the surface went
 }
 
+// The keys pressed while the child has the keyboard: the edges of the
+// function keys, the page's moving keys turned into shortcuts by Ctrl or
+// Alt, and keys that look alike (Tab, Backspace, Enter) left to the child.
+TEST(HostedKeyRoute, FunctionKeysAreTheWindowsMovingKeysThePagesTheRestEither) {
+    struct Case {
+        unsigned key;
+        bool ctrl;
+        bool alt;
+        SHostedKey route;
+    };
+    const Case cases[] = {
+        {VK_F1, false, false, SHostedKey::WINDOW},
+        {VK_F12, false, false, SHostedKey::WINDOW},
+        {VK_F5, true, false, SHostedKey::WINDOW},
+        {VK_F1 - 1, false, false, SHostedKey::EITHER},  // past the ends of F1..F12
+        {VK_F12 + 1, false, false, SHostedKey::EITHER}, // F13
+        {VK_ESCAPE, false, false, SHostedKey::WINDOW},
+        {VK_ESCAPE, false, true, SHostedKey::WINDOW},
+        {VK_SPACE, false, false, SHostedKey::CHILD},
+        {VK_PRIOR, false, false, SHostedKey::CHILD},
+        {VK_NEXT, false, false, SHostedKey::CHILD},
+        {VK_HOME, false, false, SHostedKey::CHILD},
+        {VK_END, false, false, SHostedKey::CHILD},
+        {VK_LEFT, false, false, SHostedKey::CHILD},
+        {VK_DOWN, false, false, SHostedKey::CHILD},
+        {VK_SPACE, true, false, SHostedKey::EITHER},
+        {VK_HOME, false, true, SHostedKey::EITHER},
+        {VK_TAB, false, false, SHostedKey::EITHER},
+        {VK_BACK, false, false, SHostedKey::EITHER},
+        {VK_RETURN, false, false, SHostedKey::EITHER},
+        {'A', true, false, SHostedKey::EITHER},
+        {'C', true, false, SHostedKey::EITHER},
+        {0, false, false, SHostedKey::EITHER}, // a key without a code
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(RouteHostedKey(c.key, c.ctrl, c.alt), c.route)
+            << "key " << c.key << " ctrl " << c.ctrl << " alt " << c.alt;
+    }
+}
+
 } // namespace

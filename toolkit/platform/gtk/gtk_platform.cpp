@@ -15,6 +15,7 @@
 #include "foundation/image.h"
 #include "foundation/keyboard.h"
 #include "toolkit/draw.h"
+#include "toolkit/hosted_child.h"
 #include "toolkit/messages.h"
 #include "toolkit/platform/events.h"
 #include "toolkit/platform/gtk/gtk_theme.h"
@@ -267,6 +268,21 @@ gboolean OnLeave(GtkWidget*, GdkEventCrossing* event, gpointer data) {
     return TRUE;
 }
 
+// A key, outside the input method, to the toolkit's focus window of top.
+void GiveKey(HWND top, const GdkEventKey* event) {
+    bool down = event->type == GDK_KEY_PRESS;
+    unsigned code = VirtualKey(event->keyval);
+    bool alt = (event->state & GDK_MOD1_MASK) != 0;
+    if (code != 0) {
+        unsigned message = alt ? (down ? WM_SYSKEYDOWN : WM_SYSKEYUP) : (down ? WM_KEYDOWN : WM_KEYUP);
+        PlatformKey(top, message, code);
+    }
+    guint32 character = gdk_keyval_to_unicode(event->keyval);
+    if (down && character >= 32 && (event->state & GDK_CONTROL_MASK) == 0) {
+        PlatformKey(top, WM_CHAR, character);
+    }
+}
+
 gboolean OnKey(GtkWidget*, GdkEventKey* event, gpointer data) {
     auto* surface = static_cast<Surface*>(data);
     GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(surface->window));
@@ -297,14 +313,7 @@ gboolean OnKey(GtkWidget*, GdkEventKey* event, gpointer data) {
             return TRUE;
         }
     }
-    if (code != 0) {
-        unsigned message = alt ? (down ? WM_SYSKEYDOWN : WM_SYSKEYUP) : (down ? WM_KEYDOWN : WM_KEYUP);
-        PlatformKey(surface->hwnd, message, code);
-    }
-    guint32 character = gdk_keyval_to_unicode(event->keyval);
-    if (down && character >= 32 && (event->state & GDK_CONTROL_MASK) == 0) {
-        PlatformKey(surface->hwnd, WM_CHAR, character);
-    }
+    GiveKey(surface->hwnd, event);
     return TRUE;
 }
 
@@ -1252,8 +1261,17 @@ public:
         gtk_widget_set_valign(child, GTK_ALIGN_START);
         gtk_overlay_add_overlay(GTK_OVERLAY(surface->overlay), child);
         hosted[owner] = Hosted{surface, child, owner};
-        g_signal_connect(child, "focus-in-event", G_CALLBACK(OnHostedFocus),
-                         reinterpret_cast<gpointer>(static_cast<uintptr_t>(owner)));
+        auto tag = reinterpret_cast<gpointer>(static_cast<uintptr_t>(owner));
+        g_signal_connect(child, "focus-in-event", G_CALLBACK(OnHostedFocus), tag);
+        // The program's own keys before the child sees them; after the
+        // child's own handler, the keys it did not use. WebKit's view
+        // answers every key at once and, when the page did not use it,
+        // sends it through again with its handler passing it on, so the
+        // second handler meets exactly the keys the page left.
+        g_signal_connect(child, "key-press-event", G_CALLBACK(OnHostedKeyBefore), tag);
+        g_signal_connect(child, "key-release-event", G_CALLBACK(OnHostedKeyBefore), tag);
+        g_signal_connect_after(child, "key-press-event", G_CALLBACK(OnHostedKeyAfter), tag);
+        g_signal_connect_after(child, "key-release-event", G_CALLBACK(OnHostedKeyAfter), tag);
         return true;
     }
 
@@ -1295,8 +1313,12 @@ public:
         }
         GtkWidget* child = it->second.widget;
         hosted.erase(it);
-        g_signal_handlers_disconnect_matched(child, G_SIGNAL_MATCH_FUNC, 0, 0, nullptr,
-                                             reinterpret_cast<gpointer>(OnHostedFocus), nullptr);
+        for (gpointer handler : {reinterpret_cast<gpointer>(OnHostedFocus),
+                                 reinterpret_cast<gpointer>(OnHostedKeyBefore),
+                                 reinterpret_cast<gpointer>(OnHostedKeyAfter)}) {
+            g_signal_handlers_disconnect_matched(child, G_SIGNAL_MATCH_FUNC, 0, 0, nullptr, handler,
+                                                 nullptr);
+        }
         gtk_widget_destroy(child);
     }
 
@@ -1304,11 +1326,49 @@ public:
         PlatformHostedFocus(static_cast<HWND>(reinterpret_cast<uintptr_t>(data)));
         return FALSE;
     }
+
+    // The top-level window of the hosted child over the owner in data and
+    // where its key goes; 0 when the child is gone.
+    static HWND RouteOf(gpointer data, const GdkEventKey* event, SHostedKey* route);
+
+    static gboolean OnHostedKeyBefore(GtkWidget*, GdkEventKey* event, gpointer data) {
+        SHostedKey route = SHostedKey::EITHER;
+        HWND top = RouteOf(data, event, &route);
+        if (top == 0 || route != SHostedKey::WINDOW) {
+            return FALSE;
+        }
+        GiveKey(top, event);
+        return TRUE;
+    }
+
+    static gboolean OnHostedKeyAfter(GtkWidget*, GdkEventKey* event, gpointer data) {
+        SHostedKey route = SHostedKey::EITHER;
+        HWND top = RouteOf(data, event, &route);
+        if (top == 0 || route == SHostedKey::CHILD) {
+            return FALSE;
+        }
+        GiveKey(top, event);
+        return TRUE;
+    }
     ToolTipWindow toolTip;
 };
 
 GtkPlatform* Current() {
     return dynamic_cast<GtkPlatform*>(GetPlatform());
+}
+
+HWND GtkPlatform::RouteOf(gpointer data, const GdkEventKey* event, SHostedKey* route) {
+    GtkPlatform* platform = Current();
+    if (platform == nullptr) {
+        return 0;
+    }
+    auto it = platform->hosted.find(static_cast<HWND>(reinterpret_cast<uintptr_t>(data)));
+    if (it == platform->hosted.end() || it->second.surface == nullptr) {
+        return 0;
+    }
+    *route = RouteHostedKey(VirtualKey(event->keyval), (event->state & GDK_CONTROL_MASK) != 0,
+                            (event->state & GDK_MOD1_MASK) != 0);
+    return it->second.surface->hwnd;
 }
 
 // The surface of a top-level window on the GTK platform, or null.
