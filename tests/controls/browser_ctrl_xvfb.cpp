@@ -385,4 +385,38 @@ TEST_F(BrowserOnGtk, KeysThePageDoesNotUseReachTheWindow) {
     EXPECT_EQ(title().substr(title().rfind('|') + 1), "m");
 }
 
+// Tab goes through the page's links and, past the last, to the next window
+// of the tab order, which then has the keyboard.
+TEST_F(BrowserOnGtk, TabGoesThroughTheLinksThenOnToTheNextWindow) {
+    std::string page = temp / "tab.htm";
+    {
+        std::ofstream out(page);
+        out << "<html><head><title>t</title></head><body>"
+               "<a href=#a>one</a> <a href=#b>two</a></body></html>";
+    }
+    SRect place{600, 20, 620, 40};
+    Parent next;
+    ASSERT_TRUE(next.Create("", WS_VISIBLE | WS_TABSTOP, 0, &place, top.GetHandle()));
+    ASSERT_TRUE(LoadAndWait("file://" + page, "tab"));
+    ASSERT_TRUE(GtkSimulateClick(top.GetHandle(), 300, 300));
+    ASSERT_TRUE(Until([&] {
+        return GetFocus() == browser.GetHandle() && GtkHostedChildHasFocus(browser.GetHandle());
+    }));
+    for (int link = 0; link < 2; ++link) {
+        ASSERT_TRUE(PressX(XK_Tab, false));
+        PumpFor(400);
+        EXPECT_EQ(GetFocus(), browser.GetHandle()) << "link " << link;
+        EXPECT_TRUE(GtkHostedChildHasFocus(browser.GetHandle())) << "link " << link;
+    }
+    ASSERT_TRUE(PressX(XK_Tab, false));
+    ASSERT_TRUE(Until([&] { return GetFocus() == next.GetHandle(); }));
+    EXPECT_FALSE(GtkHostedChildHasFocus(browser.GetHandle()));
+    // Keys now reach that window, not the page.
+    ASSERT_TRUE(PressX(XK_Return, false));
+    ASSERT_TRUE(Until([&] {
+        return std::find(top.keys.begin(), top.keys.end(), VK_RETURN) != top.keys.end();
+    }));
+    next.Destroy();
+}
+
 } // namespace
