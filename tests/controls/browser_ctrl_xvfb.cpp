@@ -413,9 +413,8 @@ TEST_F(BrowserOnGtk, TabGoesThroughTheLinksThenOnToTheNextWindow) {
     EXPECT_FALSE(GtkHostedChildHasFocus(browser.GetHandle()));
     // Keys now reach that window, not the page.
     ASSERT_TRUE(PressX(XK_Return, false));
-    ASSERT_TRUE(Until([&] {
-        return std::find(top.keys.begin(), top.keys.end(), VK_RETURN) != top.keys.end();
-    }));
+    ASSERT_TRUE(Until(
+        [&] { return std::find(top.keys.begin(), top.keys.end(), VK_RETURN) != top.keys.end(); }));
     next.Destroy();
 }
 
