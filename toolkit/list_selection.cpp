@@ -43,6 +43,14 @@ void SListSelection::RemoveRow(int row) {
     }
 }
 
+int SListSelection::GetSelectedCount() const {
+    // One list of one selected row keeps only its current row.
+    if (mode == LIST_SELECTION_SINGLE) {
+        return current >= 0 ? 1 : 0;
+    }
+    return selectedCount;
+}
+
 bool SListSelection::IsSelected(int row) const {
     if (mode == LIST_SELECTION_SINGLE) {
         return row >= 0 && row == current;

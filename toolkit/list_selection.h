@@ -44,7 +44,7 @@ public:
     // State.
     int GetCurrent() const { return current; }
     int GetAnchor() const { return anchor; }
-    int GetSelectedCount() const { return selectedCount; }
+    int GetSelectedCount() const;
     bool IsSelected(int row) const;
     // The selected rows in order.
     std::vector<int> GetSelectedRows() const;

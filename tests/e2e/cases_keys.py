@@ -2,7 +2,7 @@
 the welcome page or a description page gives the page the keys it uses
 (Space scrolls it), while the program's keys (F1, F8, Escape) and the keys
 the page leaves still reach the window; Tab or a click on the folder list
-gives the list the keys again. Loaded by run.py, whose helpers (Context,
+gives the list the keys again, and Enter there opens the selected row. Loaded by run.py, whose helpers (Context,
 click, key, focus, folder_row, wait_until, ...) are this file's globals."""
 
 import os
@@ -83,6 +83,9 @@ def case_after_the_page_the_folder_list_has_the_keys_again(ctx):
     key(window, "Up")
     time.sleep(0.3)
     assert list_pixels(window) != rows, "a click on the folder list did not give it the keys"
+    # Enter opens the selected row as a double click does.
+    key(window, "Return")
+    program.wait_for(r"^folder \d+ .*/Jazz/$", 5)
 
 
 def case_space_in_a_description_page_scrolls_it_and_escape_stops(ctx):

@@ -85,10 +85,12 @@ TEST(ListSelection, SingleAndNoneModes) {
         single.Press(1, 0, false);
         EXPECT_TRUE(single.Press(4, modifiers, false)) << modifiers;
         EXPECT_EQ(single.GetSelectedRows(), (Rows{4})) << modifiers;
+        EXPECT_EQ(single.GetSelectedCount(), 1) << "the count agrees with the rows";
     }
     EXPECT_FALSE(single.Press(4, 0, false));
     EXPECT_TRUE(single.Press(-1, 0, false));
     EXPECT_TRUE(single.GetSelectedRows().empty());
+    EXPECT_EQ(single.GetSelectedCount(), 0);
 
     SListSelection none(LIST_SELECTION_NONE);
     none.SetRowCount(5);
