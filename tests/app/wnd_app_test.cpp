@@ -19,9 +19,7 @@ protected:
         dir.Write("collection/Rock/Artist/Other/01 Three.mp3", "x");
         dir.MakeFolder("collection/Jazz/Band/Live");
     }
-    LRESULT Key(unsigned key) {
-        return SendMessage(window->GetHandle(), SM_KEY, key, 0);
-    }
+    LRESULT Key(unsigned key) { return SendMessage(window->GetHandle(), SM_KEY, key, 0); }
 };
 
 TEST_F(MainWindowTest, AnEmptyStoreGivesTheDefaultSizeFullVolumeAndLargeIcons) {

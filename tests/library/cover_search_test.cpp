@@ -301,7 +301,8 @@ protected:
 
 TEST_F(CoverSearchServer, EachSourceIsAskedAtItsAddressWithTheProgramsAgent) {
     server.Route("/scrape/images", TestHttpServer::Ok(CoverFixture("scraped_page.htm")));
-    server.Route("/mb/ws/2/release/", TestHttpServer::Ok(CoverFixture("musicbrainz_releases.json")));
+    server.Route("/mb/ws/2/release/",
+                 TestHttpServer::Ok(CoverFixture("musicbrainz_releases.json")));
     server.Route("/itunes/search", TestHttpServer::Ok(CoverFixture("itunes_albums.json"), false));
     server.Route("/deezer/search/album", TestHttpServer::Ok(CoverFixture("deezer_albums.json")));
     PCoverSearch search(settings);

@@ -75,8 +75,10 @@ TEST(NowPlayingQueue, OnlyThePicksOfTheMenuPlay) {
         int id;
         int count;
         bool picked;
-    } cases[] = {{PLAY_QUEUE_MENU_FIRST - 1, 3, false}, {PLAY_QUEUE_MENU_FIRST, 3, true},
-                 {PLAY_QUEUE_MENU_FIRST + 2, 3, true},  {PLAY_QUEUE_MENU_FIRST + 3, 3, false},
+    } cases[] = {{PLAY_QUEUE_MENU_FIRST - 1, 3, false},
+                 {PLAY_QUEUE_MENU_FIRST, 3, true},
+                 {PLAY_QUEUE_MENU_FIRST + 2, 3, true},
+                 {PLAY_QUEUE_MENU_FIRST + 3, 3, false},
                  {PLAY_QUEUE_MENU_FIRST, 0, false}};
     for (const Case& c : cases) {
         host.calls.clear();
