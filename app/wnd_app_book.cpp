@@ -239,10 +239,10 @@ bool PWndApp::OpenHelp() {
 
 void PWndApp::CloseBookWindows() {
     if (bookWindow != nullptr) {
-        bookWindow->CloseBook();
+        bookWindow->ClosePage();
     }
     if (helpWindow != nullptr) {
-        helpWindow->CloseHelp();
+        helpWindow->ClosePage();
     }
     if (bookZips != nullptr) {
         bookZips->RemoveAll();

@@ -27,7 +27,8 @@ foreach(program melkora melkora-cli)
     endif()
 endforeach()
 
-# Data files: whatever the data/ folder holds (the welcome and help pages).
+# Data files: whatever the data/ folder holds (the welcome and help pages and
+# guide.css, the style sheet both link by a relative address).
 set(melkora_data_dir ${CMAKE_SOURCE_DIR}/data)
 if(IS_DIRECTORY ${melkora_data_dir})
     install(DIRECTORY ${melkora_data_dir}/ DESTINATION share/melkora)

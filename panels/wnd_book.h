@@ -6,11 +6,9 @@
 // (pages/book_links.h); the window carries it out through PBookHost.
 #pragma once
 
-#include "controls/browser_ctrl.h"
 #include "foundation/string.h"
 #include "panels/window_places.h"
-#include "toolkit/bar_ctrls.h"
-#include "toolkit/wnd.h"
+#include "panels/wnd_page.h"
 
 // What the Book window asks of the main window.
 class PBookHost : public PWindowPlaces {
@@ -29,7 +27,7 @@ public:
     virtual bool PlayBookAlbum(const char* folder) = 0;
 };
 
-class PWndBook : public SWnd {
+class PWndBook : public PWndPage {
 public:
     static constexpr int WIDTH = 640;
     static constexpr int HEIGHT = 600;
@@ -37,24 +35,15 @@ public:
     static constexpr const char* TITLE = "Book - Melkora Browser";
     static constexpr const char* PLACEMENT = "WindowBook";
 
-    explicit PWndBook(PBookHost& host) : host(host) {}
+    explicit PWndBook(PBookHost& host) : PWndPage(host, PLACEMENT), host(host) {}
 
     // Makes the window (or raises the one there) and loads bookPath.
     bool Open(const char* bookPath);
-    // Stores the placement and closes the window; nothing when closed.
-    void CloseBook();
-    bool IsOpen() const { return GetHandle() != 0; }
-
-    SBrowserCtrl& GetWeb() { return web; }
-    SStatusBarCtrl& GetStatusBar() { return statusBar; }
 
     LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override;
 
 private:
-    void Layout();
     LRESULT OnBeforeNavigate(const char* url);
 
     PBookHost& host;
-    SStatusBarCtrl statusBar;
-    SBrowserCtrl web;
 };

@@ -5,6 +5,7 @@
 #include "controls/media_layout.h"
 #include "foundation/timer.h"
 #include "library/media.h"
+#include "panels/now_playing.h"
 #include "panels/panel_host.h"
 #include "panels/resources.h"
 #include "toolkit/draw.h"
@@ -13,14 +14,6 @@
 
 namespace {
 
-// The labels scroll leftwards at this speed, in pixels per second, when
-// their text does not fit.
-constexpr double LABEL_SCROLL_SPEED = -30.0;
-// A scrolling name starts in its place, so that its beginning is read at
-// once, and comes back in from the right after it has passed.
-constexpr SPoint LABEL_SCROLL_START{0, 0};
-// Red, for the time while the seek bar is dragged.
-constexpr uint32_t DRAG_TIME_COLOR = 0x0000FF;
 constexpr unsigned LABEL_ALIGN = MEDIA_ALIGN_CENTER | MEDIA_ALIGN_MIDDLE;
 
 // The name of a folder ending in "/": its last part, empty for the root.
@@ -44,13 +37,6 @@ SString ParentFolder(const SString& folder) {
     }
     int slash = end > 0 ? folder.ReverseFind('/', end - 1) : -1;
     return slash >= 0 ? folder.Left(slash + 1) : SString();
-}
-
-// A menu item's text: "&" doubled, so that it shows as itself.
-SString MenuText(const SString& text) {
-    SString result = text;
-    result.ReplaceAll("&", "&&");
-    return result;
 }
 
 // A time label's default colour.
@@ -250,10 +236,7 @@ void PWndPlay::SetPlayingTrack(const char* path, int number, int total) {
         names = PTrackNames();
         labels[PLAY_COVER].SetImage(&stockPicture);
         labels[PLAY_COVER].SetCursor(0);
-        for (PLAY_LABEL which : {PLAY_ARTIST, PLAY_ALBUM, PLAY_SONG}) {
-            labels[which].SetText("");
-            labels[which].Show(SW_HIDE);
-        }
+        HideTrackNames(labels[PLAY_ARTIST], labels[PLAY_ALBUM], labels[PLAY_SONG]);
         labels[PLAY_NUMBER].SetText("");
         labels[PLAY_TOTAL].SetText("");
         labels[PLAY_QUEUE].Show(SW_HIDE);
@@ -265,18 +248,11 @@ void PWndPlay::SetPlayingTrack(const char* path, int number, int total) {
     }
     playingPath = full;
     names = GetTrackNames(full.c_str(), host != nullptr ? host->GetRootFolder().c_str() : "");
-    const SString* texts[3] = {&names.artist, &names.album, &names.song};
-    const PLAY_LABEL which[3] = {PLAY_ARTIST, PLAY_ALBUM, PLAY_SONG};
-    for (int i = 0; i < 3; ++i) {
-        SMediaCtrl& label = labels[which[i]];
-        label.Show(SW_SHOW);
-        label.SetText(texts[i]->c_str());
-        label.SetAutoScroll(LABEL_SCROLL_SPEED, 0, false, &LABEL_SCROLL_START);
-    }
+    ShowTrackNames(names, labels[PLAY_ARTIST], labels[PLAY_ALBUM], labels[PLAY_SONG]);
     labels[PLAY_NUMBER].SetText(SString::FromInt(number).c_str());
-    labels[PLAY_NUMBER].SetAutoScroll(LABEL_SCROLL_SPEED, 0, false, &LABEL_SCROLL_START);
+    ScrollLikeTrackNames(labels[PLAY_NUMBER]);
     labels[PLAY_TOTAL].SetText(SString::FromInt(total).c_str());
-    labels[PLAY_TOTAL].SetAutoScroll(LABEL_SCROLL_SPEED, 0, false, &LABEL_SCROLL_START);
+    ScrollLikeTrackNames(labels[PLAY_TOTAL]);
 
     int kind = GetMediaClass(full.c_str());
     unsigned icon = kind >= 0 && kind < 5 ? ROW_ICONS[kind] : RESOURCE_ROW_OTHER;
@@ -311,52 +287,17 @@ void PWndPlay::ShowCover(const SImage* image) {
     control.SetCursor(playingPath.IsEmpty() ? 0 : CURSOR_HAND + 1);
 }
 
-void PWndPlay::SetTimeLabel(SMediaCtrl& label, const SString& text, uint32_t color) {
-    // Only what differs is set, so that the label does not flicker.
-    if (label.GetTextColor() != MediaColor(color)) {
-        label.SetTextColor(color);
-    }
-    if (label.GetText() != text) {
-        label.SetText(text.c_str());
-    }
-}
-
 void PWndPlay::UpdatePlayingTime() {
     if (GetHandle() == 0 || host == nullptr) {
         return;
     }
-    int position = std::max(host->GetPlayPosition(), 0) / 1000;
-    // A stream of unknown length counts as 0.
-    int length = std::max(host->GetPlayLength(), 0) / 1000;
-    // The length is often known only once the medium plays.
-    if (seekBar.GetMaximum() != length || seekBar.GetMinimum() != 0) {
-        seekBar.SetRange(0, length);
-    }
-    seekBar.SetValue(position);
-    int drag = seekBar.GetDragPosition();
-    uint32_t color = drag >= 0 ? DRAG_TIME_COLOR : TimeColor(host->IsMediaLoaded());
-    SetTimeLabel(labels[PLAY_ELAPSED], FormatPlayingTime(drag >= 0 ? drag : position), color);
-    SetTimeLabel(labels[PLAY_LENGTH], FormatPlayingTime(length), color);
+    PPlayingTime time =
+        ShowPlayingTime(*host, seekBar, labels[PLAY_ELAPSED], TimeColor(host->IsMediaLoaded()));
+    SetTimeLabel(labels[PLAY_LENGTH], FormatPlayingTime(time.length), time.color);
 }
 
 bool PWndPlay::OpenQueueMenu(SPoint screen) {
-    if (host == nullptr) {
-        return false;
-    }
-    const SStringArray& queue = host->GetPlayQueue();
-    if (queue.GetCount() == 0) {
-        return false;
-    }
-    queueMenu.Close();
-    queueMenu.Clear();
-    int current = host->GetPlayIndex();
-    for (int i = 0; i < queue.GetCount(); ++i) {
-        PTrackNames item = GetTrackNames(queue.GetText(i).c_str(), "");
-        queueMenu.AppendItem(PLAY_QUEUE_MENU_FIRST + i, MenuText(item.song),
-                             i == current ? MENU_ITEM_CHECKED : 0);
-    }
-    queueMenuCount = queue.GetCount();
-    return queueMenu.TrackPopup(GetHandle(), screen.x, screen.y);
+    return OpenPlayQueueMenu(host, queueMenu, GetHandle(), screen, &queueMenuCount);
 }
 
 void PWndPlay::ClickedLabel(PLAY_LABEL which, unsigned mouseCode, SPoint screen) {
@@ -421,16 +362,11 @@ LRESULT PWndPlay::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
     case WM_SIZE:
         Layout();
         break;
-    case WM_COMMAND: {
-        int id = static_cast<int>(wParam);
-        if (id >= PLAY_QUEUE_MENU_FIRST && id < PLAY_QUEUE_MENU_FIRST + queueMenuCount) {
-            if (host != nullptr) {
-                host->PlayQueueIndex(id - PLAY_QUEUE_MENU_FIRST);
-            }
+    case WM_COMMAND:
+        if (PlayPickedQueueItem(host, static_cast<int>(wParam), queueMenuCount)) {
             return 0;
         }
         break;
-    }
     case SN_MEDIA_BUTTON_CLICKED:
     case SN_MEDIA_MOUSE:
         HandleNotification(message, wParam, lParam);

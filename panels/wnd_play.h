@@ -96,7 +96,6 @@ private:
     void Layout();
     void HandleNotification(unsigned message, WPARAM wParam, LPARAM lParam);
     void ClickedLabel(PLAY_LABEL which, unsigned mouseCode, SPoint screen);
-    void SetTimeLabel(SMediaCtrl& label, const SString& text, uint32_t color);
 
     PPanelHost* host;
     PProgressCtrl seekBar;

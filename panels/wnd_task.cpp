@@ -6,6 +6,7 @@
 #include "foundation/color.h"
 #include "foundation/network.h"
 #include "library/media.h"
+#include "panels/now_playing.h"
 #include "panels/panel_host.h"
 #include "panels/resources.h"
 #include "toolkit/draw.h"
@@ -15,12 +16,6 @@
 
 namespace {
 
-// The names scroll leftwards at this speed, in pixels per second, when they
-// do not fit, starting in their place.
-constexpr double LABEL_SCROLL_SPEED = -30.0;
-constexpr SPoint LABEL_SCROLL_START{0, 0};
-// Red, for the time while the seek bar is dragged.
-constexpr uint32_t DRAG_TIME_COLOR = 0x0000FF;
 constexpr unsigned LABEL_ALIGN = MEDIA_ALIGN_CENTER | MEDIA_ALIGN_MIDDLE;
 // The widths of the fixed controls, from the right: a 2 pixel edge, the
 // show button, a gap of 10, four buttons, a gap of 10, the seek bar's
@@ -46,12 +41,6 @@ bool IsButton(STRIP_CONTROL which) {
 
 bool IsName(STRIP_CONTROL which) {
     return which == STRIP_ARTIST || which == STRIP_ALBUM || which == STRIP_SONG;
-}
-
-SString MenuText(const SString& text) {
-    SString result = text;
-    result.ReplaceAll("&", "&&");
-    return result;
 }
 
 // The type icon of a file: songs, radio, and every other kind.
@@ -323,10 +312,7 @@ void PWndTask::SetPlayingTrack(const char* path, int trackNumber, int queueTotal
         playingPath.Empty();
         names = PTrackNames();
         number = total = 0;
-        for (STRIP_CONTROL which : {STRIP_ARTIST, STRIP_ALBUM, STRIP_SONG}) {
-            controls[which].SetText("");
-            controls[which].Show(SW_HIDE);
-        }
+        HideTrackNames(controls[STRIP_ARTIST], controls[STRIP_ALBUM], controls[STRIP_SONG]);
         controls[STRIP_TYPE].SetImage(nullptr);
         controls[STRIP_NUMBER].SetText("");
         seekBar.SetRange(0, 0);
@@ -339,14 +325,7 @@ void PWndTask::SetPlayingTrack(const char* path, int trackNumber, int queueTotal
     number = trackNumber;
     total = queueTotal;
     names = GetTrackNames(full.c_str(), host != nullptr ? host->GetRootFolder().c_str() : "");
-    const SString* texts[3] = {&names.artist, &names.album, &names.song};
-    const STRIP_CONTROL which[3] = {STRIP_ARTIST, STRIP_ALBUM, STRIP_SONG};
-    for (int i = 0; i < 3; ++i) {
-        SMediaCtrl& label = controls[which[i]];
-        label.Show(SW_SHOW);
-        label.SetText(texts[i]->c_str());
-        label.SetAutoScroll(LABEL_SCROLL_SPEED, 0, false, &LABEL_SCROLL_START);
-    }
+    ShowTrackNames(names, controls[STRIP_ARTIST], controls[STRIP_ALBUM], controls[STRIP_SONG]);
     controls[STRIP_NUMBER].SetText(NumberText(number, total).c_str());
     typeIcon.LoadResource("BINARY", TypeIconOf(full.c_str()));
     typeIcon.drawMode = DRAW_CENTER;
@@ -369,53 +348,19 @@ void PWndTask::SetCurrentNumber(int value) {
     controls[STRIP_NUMBER].SetText(NumberText(number, total).c_str());
 }
 
-void PWndTask::SetTimeLabel(SMediaCtrl& label, const SString& text, uint32_t color) {
-    // Only what differs is set, so that the label does not flicker.
-    if (label.GetTextColor() != MediaColor(color)) {
-        label.SetTextColor(color);
-    }
-    if (label.GetText() != text) {
-        label.SetText(text.c_str());
-    }
-}
-
 void PWndTask::UpdatePlayingTime() {
     if (GetHandle() == 0 || host == nullptr || !registered) {
         return;
     }
-    int position = std::max(host->GetPlayPosition(), 0) / 1000;
-    int length = std::max(host->GetPlayLength(), 0) / 1000;
-    if (seekBar.GetMaximum() != length || seekBar.GetMinimum() != 0) {
-        seekBar.SetRange(0, length);
-    }
-    seekBar.SetValue(position);
-    int drag = seekBar.GetDragPosition();
-    uint32_t color = drag >= 0 ? DRAG_TIME_COLOR : textColor;
-    SetTimeLabel(controls[STRIP_ELAPSED], FormatPlayingTime(drag >= 0 ? drag : position), color);
-    SString lengthText = buffering    ? SString("buffering...")
-                         : length > 0 ? FormatPlayingTime(length)
-                                      : SString();
-    SetTimeLabel(controls[STRIP_LENGTH], lengthText, color);
+    PPlayingTime time = ShowPlayingTime(*host, seekBar, controls[STRIP_ELAPSED], textColor);
+    SString lengthText = buffering         ? SString("buffering...")
+                         : time.length > 0 ? FormatPlayingTime(time.length)
+                                           : SString();
+    SetTimeLabel(controls[STRIP_LENGTH], lengthText, time.color);
 }
 
 bool PWndTask::OpenQueueMenu(SPoint screen) {
-    if (host == nullptr) {
-        return false;
-    }
-    const SStringArray& queue = host->GetPlayQueue();
-    if (queue.GetCount() == 0) {
-        return false;
-    }
-    queueMenu.Close();
-    queueMenu.Clear();
-    int current = host->GetPlayIndex();
-    for (int i = 0; i < queue.GetCount(); ++i) {
-        PTrackNames item = GetTrackNames(queue.GetText(i).c_str(), "");
-        queueMenu.AppendItem(PLAY_QUEUE_MENU_FIRST + i, MenuText(item.song),
-                             i == current ? MENU_ITEM_CHECKED : 0);
-    }
-    queueMenuCount = queue.GetCount();
-    return queueMenu.TrackPopup(GetHandle(), screen.x, screen.y);
+    return OpenPlayQueueMenu(host, queueMenu, GetHandle(), screen, &queueMenuCount);
 }
 
 void PWndTask::Clicked(STRIP_CONTROL which, SPoint screen) {
@@ -470,16 +415,11 @@ LRESULT PWndTask::OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) {
         break;
     case WM_CLOSE:
         return 0; // the strip goes only with the preference or the program
-    case WM_COMMAND: {
-        int id = static_cast<int>(wParam);
-        if (id >= PLAY_QUEUE_MENU_FIRST && id < PLAY_QUEUE_MENU_FIRST + queueMenuCount) {
-            if (host != nullptr) {
-                host->PlayQueueIndex(id - PLAY_QUEUE_MENU_FIRST);
-            }
+    case WM_COMMAND:
+        if (PlayPickedQueueItem(host, static_cast<int>(wParam), queueMenuCount)) {
             return 0;
         }
         break;
-    }
     case SN_MEDIA_BUTTON_CLICKED: {
         SNotification note(message, wParam, lParam);
         for (int i = 0; i < STRIP_CONTROL_COUNT; ++i) {

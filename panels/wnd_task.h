@@ -122,7 +122,6 @@ protected:
 private:
     void Layout();
     void Clicked(STRIP_CONTROL which, SPoint screen);
-    void SetTimeLabel(SMediaCtrl& label, const SString& text, uint32_t color);
     void EnableButton(STRIP_CONTROL which, bool enable);
 
     PPanelHost* host;

@@ -14,15 +14,12 @@
 
 #include "app/preferences.h"
 #include "app/resources.h"
-#include "app/settings.h"
-#include "app/wnd_app_main.h"
 #include "app/wnd_setting.h"
 #include "editors/code_edit_ctrl.h"
 #include "foundation/message_numbers.h"
-#include "support/temp_dir.h"
+#include "main_window_fixture.h"
 #include "toolkit/button_ctrls.h"
 #include "toolkit/platform/events.h"
-#include "toolkit/toolkit_fixture.h"
 
 namespace {
 
@@ -280,51 +277,25 @@ TEST_F(PreferencesDialog, TheSwatchOpensTheColourChooserOnItsColour) {
 }
 
 // The main window running the dialog: each step runs inside the modal
-// loop, posted before the command starts it.
-class Stepper : public SWnd {
-public:
-    LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
-        if (message == WM_USER && next < steps.size()) {
-            steps[next++]();
-            return 0;
-        }
-        return SWnd::OnMessage(message, wParam, lParam);
-    }
-    void Post(std::function<void()> step) {
-        steps.push_back(std::move(step));
-        PostMessage(GetHandle(), WM_USER, 0, 0);
-    }
-    std::vector<std::function<void()>> steps;
-    size_t next = 0;
-};
-
-std::unique_ptr<SWebEngine> NoWebEngine(SWebEngine::Events*) {
-    return nullptr;
-}
-
-class PreferencesRun : public ToolkitTest {
+// loop (Stepper), posted before the command starts it.
+class PreferencesRun : public MainWindowFixture {
 protected:
     void SetUp() override {
-        ToolkitTest::SetUp();
+        MainWindowFixture::SetUp();
         SHeadlessPlatform::UseFakeClock(true);
-        SetWebEngineFactory(NoWebEngine);
-        setenv("MELKORA_NO_SPLASH", "1", 1);
-        setenv("MELKORA_AUDIO_SINK", "fake", 1);
         settings.dir.Write("first/Rock/Album/01 One.mp3", "x");
         first = settings.dir / "first";
         second = settings.dir / "second";
         settings.dir.Write("second/Blues/Album/01 Two.mp3", "x");
         WriteSettingString(SETTING_FOLDER, first.c_str());
-        app = std::make_unique<PWndApp>();
-        ASSERT_TRUE(app->CreateMain());
+        app = &Start();
+        ASSERT_NE(app->GetHandle(), 0);
         app->Show(SW_SHOW);
         ASSERT_TRUE(Make(stepper, "steps", Rect(0, 0, 10, 10), 0, 0));
     }
     void TearDown() override {
         stepper.Destroy();
-        app.reset();
-        SetWebEngineFactory(nullptr);
-        ToolkitTest::TearDown();
+        MainWindowFixture::TearDown();
     }
     PWndSetting& Dialog() {
         PWndSetting* dialog = app->GetPreferencesDialog();
@@ -344,7 +315,7 @@ protected:
 
     OwnSettings settings;
     std::string first, second;
-    std::unique_ptr<PWndApp> app;
+    PWndApp* app = nullptr;
     Stepper stepper;
 };
 

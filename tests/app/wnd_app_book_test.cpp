@@ -13,31 +13,19 @@
 #include <thread>
 
 #include "app/book_zips.h"
-#include "app/settings.h"
-#include "app/wnd_app_main.h"
+#include "main_window_fixture.h"
 #include "support/message_pump.h"
-#include "support/temp_dir.h"
-#include "toolkit/toolkit_fixture.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-std::unique_ptr<SWebEngine> NoWebEngine(SWebEngine::Events*) {
-    return nullptr;
-}
-
-class BookCommandsTest : public ToolkitTest {
+class BookCommandsTest : public MainWindowFixture {
 protected:
     void SetUp() override {
-        ToolkitTest::SetUp();
-        SetWebEngineFactory(NoWebEngine);
-        setenv("MELKORA_NO_SPLASH", "1", 1);
-        setenv("MELKORA_AUDIO_SINK", "fake", 1);
-        root = dir.MakeFolder("collection");
+        MainWindowFixture::SetUp();
         dir.Write("collection/Rock/Artist/Album/01 One.mp3", "x");
         dir.Write("collection/Jazz/Band/Live/01 Two.mp3", "x");
-        WriteSettingString(SETTING_FOLDER, root.c_str());
         // A mail client that records its arguments and a copy of the archive.
         record = dir / "record";
         std::string script = "#!/bin/sh\nprintf '%s\\n' \"$@\" > '" + record +
@@ -54,19 +42,13 @@ protected:
     }
     void TearDown() override {
         window.reset();
-        SetWebEngineFactory(nullptr);
         setenv("PATH", oldPath.c_str(), 1);
         if (hadTemp) {
             setenv("TMPDIR", oldTemp.c_str(), 1);
         } else {
             unsetenv("TMPDIR");
         }
-        ToolkitTest::TearDown();
-    }
-    PWndApp& Start() {
-        window = std::make_unique<PWndApp>();
-        EXPECT_TRUE(window->CreateMain());
-        return *window;
+        MainWindowFixture::TearDown();
     }
     int ZipsInTemp() {
         int count = 0;
@@ -76,13 +58,10 @@ protected:
         return count;
     }
 
-    TempDir dir;
-    std::string root;
     std::string record;
     std::string oldPath;
     std::string oldTemp;
     bool hadTemp = false;
-    std::unique_ptr<PWndApp> window;
 };
 
 TEST_F(BookCommandsTest, SendBookWithoutABookDoesNothingAndWithOneMailsItsArchive) {

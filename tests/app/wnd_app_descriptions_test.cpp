@@ -6,10 +6,7 @@
 
 #include <filesystem>
 
-#include "app/settings.h"
-#include "app/wnd_app_main.h"
-#include "support/temp_dir.h"
-#include "toolkit/toolkit_fixture.h"
+#include "main_window_fixture.h"
 
 namespace {
 
@@ -36,25 +33,16 @@ std::unique_ptr<SWebEngine> MakeRecordingEngine(SWebEngine::Events*) {
     return std::make_unique<RecordingEngine>();
 }
 
-class EditDescriptionsTest : public ToolkitTest {
+class EditDescriptionsTest : public MainWindowFixture {
 protected:
+    EditDescriptionsTest() { engineFactory = MakeRecordingEngine; }
     void SetUp() override {
-        ToolkitTest::SetUp();
-        SetWebEngineFactory(MakeRecordingEngine);
+        MainWindowFixture::SetUp();
         loads.clear();
-        setenv("MELKORA_NO_SPLASH", "1", 1);
-        setenv("MELKORA_AUDIO_SINK", "fake", 1);
-        root = dir.MakeFolder("collection");
         dir.MakeFolder("collection/Rock/Artist/Album");
-        WriteSettingString(SETTING_FOLDER, root.c_str());
         WriteSettingString(SETTING_WINDOW_DESCRIPTION, "");
-        app = std::make_unique<PWndApp>();
-        ASSERT_TRUE(app->CreateMain());
-    }
-    void TearDown() override {
-        app.reset();
-        SetWebEngineFactory(nullptr);
-        ToolkitTest::TearDown();
+        app = &Start();
+        ASSERT_NE(app->GetHandle(), 0);
     }
     // The description windows standing now.
     std::vector<PWndDescription*> DescriptionWindows() {
@@ -69,9 +57,7 @@ protected:
         return found;
     }
 
-    TempDir dir;
-    std::string root;
-    std::unique_ptr<PWndApp> app;
+    PWndApp* app = nullptr;
 };
 
 TEST_F(EditDescriptionsTest, OneWindowShowsItsPagesAndClosesWithTheMainWindow) {

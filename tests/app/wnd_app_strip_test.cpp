@@ -4,41 +4,23 @@
 // space back.
 #include <gtest/gtest.h>
 
-#include "app/settings.h"
-#include "app/wnd_app_main.h"
-#include "support/temp_dir.h"
+#include "main_window_fixture.h"
 #include "toolkit/platform/platform.h"
-#include "toolkit/toolkit_fixture.h"
 
 namespace {
 
-std::unique_ptr<SWebEngine> NoWebEngine(SWebEngine::Events*) {
-    return nullptr;
-}
-
-class MainWindowStripTest : public ToolkitTest {
+class MainWindowStripTest : public MainWindowFixture {
 protected:
     void SetUp() override {
-        ToolkitTest::SetUp();
-        SetWebEngineFactory(NoWebEngine);
-        setenv("MELKORA_NO_SPLASH", "1", 1);
-        setenv("MELKORA_AUDIO_SINK", "fake", 1);
-        root = dir.MakeFolder("collection");
+        MainWindowFixture::SetUp();
         dir.Write("collection/Rock/Artist/Album/01 One.mp3", "x");
-        WriteSettingString(SETTING_FOLDER, root.c_str());
         platform->SetWorkArea(area);
     }
     void TearDown() override {
         window.reset();
         WriteSettingBool(SETTING_TASKBAR, false); // the store is shared by the executable's tests
         WriteSettingInt(SETTING_TASKBAR_COLOR, 0);
-        SetWebEngineFactory(nullptr);
-        ToolkitTest::TearDown();
-    }
-    PWndApp& Start() {
-        window = std::make_unique<PWndApp>();
-        EXPECT_TRUE(window->CreateMain());
-        return *window;
+        MainWindowFixture::TearDown();
     }
     SRect WorkArea() {
         SRect rect;
@@ -47,9 +29,6 @@ protected:
     }
 
     SRect area = Rect(0, 0, 1280, 770);
-    TempDir dir;
-    std::string root;
-    std::unique_ptr<PWndApp> window;
 };
 
 TEST_F(MainWindowStripTest, ThePreferenceDocksAtStartAndEachReloadFollowsIt) {

@@ -5,49 +5,21 @@
 
 #include <filesystem>
 
-#include "app/settings.h"
-#include "app/wnd_app_main.h"
 #include "foundation/message_numbers.h"
-#include "support/temp_dir.h"
-#include "toolkit/toolkit_fixture.h"
+#include "main_window_fixture.h"
 
 namespace {
 
-std::unique_ptr<SWebEngine> NoWebEngine(SWebEngine::Events*) {
-    return nullptr;
-}
-
-class MainWindowTest : public ToolkitTest {
+class MainWindowTest : public MainWindowFixture {
 protected:
     void SetUp() override {
-        ToolkitTest::SetUp();
-        SetWebEngineFactory(NoWebEngine);
-        setenv("MELKORA_NO_SPLASH", "1", 1);
-        setenv("MELKORA_AUDIO_SINK", "fake", 1);
-        root = dir.MakeFolder("collection");
+        MainWindowFixture::SetUp();
         dir.Write("collection/Rock/Artist/Album/01 One.mp3", "x");
         dir.Write("collection/Rock/Artist/Album/02 Two.mp3", "x");
         dir.Write("collection/Rock/Artist/Other/01 Three.mp3", "x");
         dir.MakeFolder("collection/Jazz/Band/Live");
-        WriteSettingString(SETTING_FOLDER, root.c_str());
     }
-    void TearDown() override {
-        window.reset();
-        SetWebEngineFactory(nullptr);
-        ToolkitTest::TearDown();
-    }
-    PWndApp& Start() {
-        window = std::make_unique<PWndApp>();
-        EXPECT_TRUE(window->CreateMain());
-        return *window;
-    }
-    LRESULT Key(unsigned key) {
-        return SendMessage(window->GetHandle(), SM_KEY, key, 0);
-    }
-
-    TempDir dir;
-    std::string root;
-    std::unique_ptr<PWndApp> window;
+    LRESULT Key(unsigned key) { return SendMessage(window->GetHandle(), SM_KEY, key, 0); }
 };
 
 TEST_F(MainWindowTest, AnEmptyStoreGivesTheDefaultSizeFullVolumeAndLargeIcons) {

@@ -3,39 +3,21 @@
 // activates on one) hides a shown window and shows a hidden one.
 #include <gtest/gtest.h>
 
-#include "app/settings.h"
-#include "app/wnd_app_main.h"
-#include "support/temp_dir.h"
-#include "toolkit/toolkit_fixture.h"
+#include "main_window_fixture.h"
 
 namespace {
 
-std::unique_ptr<SWebEngine> NoWebEngine(SWebEngine::Events*) {
-    return nullptr;
-}
-
-class MainWindowTray : public ToolkitTest {
+class MainWindowTray : public MainWindowFixture {
 protected:
     void SetUp() override {
-        ToolkitTest::SetUp();
-        SetWebEngineFactory(NoWebEngine);
-        setenv("MELKORA_NO_SPLASH", "1", 1);
-        setenv("MELKORA_AUDIO_SINK", "fake", 1);
+        MainWindowFixture::SetUp();
         dir.Write("collection/Rock/Album/01 One.mp3", "x");
-        WriteSettingString(SETTING_FOLDER, (dir / "collection").c_str());
     }
-    void TearDown() override {
-        window.reset();
-        SetWebEngineFactory(nullptr);
-        ToolkitTest::TearDown();
-    }
-    TempDir dir;
-    std::unique_ptr<PWndApp> window;
 };
 
 TEST_F(MainWindowTray, TheIconsActivationTogglesTheWindow) {
-    window = std::make_unique<PWndApp>();
-    ASSERT_TRUE(window->CreateMain());
+    Start();
+    ASSERT_NE(window->GetHandle(), 0);
     window->Show(SW_SHOW);
     int tray = window->GetTray().GetId();
     SHeadlessPlatform::TrayIcon record;

@@ -55,7 +55,7 @@ share/applications/$app_id.desktop
 share/metainfo/$app_id.metainfo.xml
 share/man/man1/melkora.1 share/man/man1/melkora-cli.1
 share/icons/hicolor/scalable/apps/melkora-browser.svg
-share/melkora/welcome.htm share/melkora/help.htm"
+share/melkora/welcome.htm share/melkora/help.htm share/melkora/guide.css"
 for side in 16 24 32 48 64 128 256; do
     expected="$expected share/icons/hicolor/${side}x${side}/apps/melkora-browser.png"
 done

@@ -8,25 +8,15 @@
 
 #include <chrono>
 #include <cstring>
-#include <fstream>
-#include <sstream>
 #include <thread>
-#include <zlib.h>
 
 #include "foundation/file.h"
 #include "foundation/image.h"
 #include "library/json_reader.h"
+#include "support/cover_pictures.h"
 #include "support/http_server.h"
 
 namespace {
-
-std::string Fixture(const char* name) {
-    std::ifstream in(std::string(MELKORA_SOURCE_DIR) + "/tests/library/fixtures/covers/" + name,
-                     std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 // A small picture in PNG form.
 std::string PngBytes(int width, int height) {
@@ -59,41 +49,6 @@ std::string WideBmp(int width) {
     return bytes;
 }
 
-// A black-and-white PNG of side by side pixels: a few kilobytes that would
-// decode to side * side pixels.
-std::string PngBomb(int side) {
-    auto chunk = [](std::string* out, const char* type, const std::string& data) {
-        auto put32 = [out](uint32_t value) {
-            for (int shift = 24; shift >= 0; shift -= 8) {
-                out->push_back(static_cast<char>((value >> shift) & 0xFF));
-            }
-        };
-        put32(static_cast<uint32_t>(data.size()));
-        std::string body = std::string(type) + data;
-        out->append(body);
-        put32(static_cast<uint32_t>(
-            crc32(0, reinterpret_cast<const Bytef*>(body.data()), static_cast<uInt>(body.size()))));
-    };
-    std::string header;
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        header.push_back(static_cast<char>((side >> shift) & 0xFF));
-    }
-    header += header;
-    header += std::string("\x01\x00\x00\x00\x00", 5); // 1 bit, grey, no interlace
-    size_t row = 1 + (static_cast<size_t>(side) + 7) / 8;
-    std::string raw(row * static_cast<size_t>(side), '\0');
-    uLongf packedSize = compressBound(static_cast<uLong>(raw.size()));
-    std::string packed(packedSize, '\0');
-    compress2(reinterpret_cast<Bytef*>(packed.data()), &packedSize,
-              reinterpret_cast<const Bytef*>(raw.data()), static_cast<uLong>(raw.size()), 9);
-    packed.resize(packedSize);
-    std::string png("\x89PNG\r\n\x1a\n", 8);
-    chunk(&png, "IHDR", header);
-    chunk(&png, "IDAT", packed);
-    chunk(&png, "IEND", "");
-    return png;
-}
-
 struct Expected {
     const char* imageUrl;
     const char* thumbUrl;
@@ -118,7 +73,7 @@ void ExpectCandidates(const std::vector<PCoverCandidate>& found, int source,
 
 TEST(CoverReaders, EachSourcesReplyGivesItsCandidatesAndSkipsUnusableEntries) {
     std::vector<PCoverCandidate> found;
-    std::string page = Fixture("scraped_page.htm");
+    std::string page = CoverFixture("scraped_page.htm");
     // The third result has an empty picture address: the scan ends there,
     // and the fourth is never reached.
     EXPECT_EQ(ReadScrapedPage(page.data(), page.size(), &found), 2);
@@ -132,7 +87,7 @@ TEST(CoverReaders, EachSourcesReplyGivesItsCandidatesAndSkipsUnusableEntries) {
           "90 x 120", 90, 120}});
 
     found.clear();
-    std::string mb = Fixture("musicbrainz_releases.json");
+    std::string mb = CoverFixture("musicbrainz_releases.json");
     EXPECT_EQ(ReadMusicBrainzReleases(mb.data(), mb.size(), "http://127.0.0.1:9/caa/", &found), 2);
     ExpectCandidates(
         found, COVER_SOURCE_MUSICBRAINZ,
@@ -144,7 +99,7 @@ TEST(CoverReaders, EachSourcesReplyGivesItsCandidatesAndSkipsUnusableEntries) {
           "Elin Vass - Harbour Lights (Live at the Pier \xE2\x80\x93 1999)", 0, 0}});
 
     found.clear();
-    std::string itunes = Fixture("itunes_albums.json");
+    std::string itunes = CoverFixture("itunes_albums.json");
     EXPECT_EQ(ReadItunesAlbums(itunes.data(), itunes.size(), &found), 2);
     ExpectCandidates(
         found, COVER_SOURCE_ITUNES,
@@ -156,7 +111,7 @@ TEST(CoverReaders, EachSourcesReplyGivesItsCandidatesAndSkipsUnusableEntries) {
           100}});
 
     found.clear();
-    std::string deezer = Fixture("deezer_albums.json");
+    std::string deezer = CoverFixture("deezer_albums.json");
     EXPECT_EQ(ReadDeezerAlbums(deezer.data(), deezer.size(), &found), 2);
     ExpectCandidates(
         found, COVER_SOURCE_DEEZER,
@@ -201,7 +156,7 @@ TEST(CoverReaders, ForeignOrDamagedRepliesGiveNothing) {
     }
     // An archive address that is no web address gives no candidate.
     std::vector<PCoverCandidate> found;
-    std::string mb = Fixture("musicbrainz_releases.json");
+    std::string mb = CoverFixture("musicbrainz_releases.json");
     EXPECT_EQ(ReadMusicBrainzReleases(mb.data(), mb.size(), "", &found), 0);
 }
 
@@ -345,10 +300,11 @@ protected:
 };
 
 TEST_F(CoverSearchServer, EachSourceIsAskedAtItsAddressWithTheProgramsAgent) {
-    server.Route("/scrape/images", TestHttpServer::Ok(Fixture("scraped_page.htm")));
-    server.Route("/mb/ws/2/release/", TestHttpServer::Ok(Fixture("musicbrainz_releases.json")));
-    server.Route("/itunes/search", TestHttpServer::Ok(Fixture("itunes_albums.json"), false));
-    server.Route("/deezer/search/album", TestHttpServer::Ok(Fixture("deezer_albums.json")));
+    server.Route("/scrape/images", TestHttpServer::Ok(CoverFixture("scraped_page.htm")));
+    server.Route("/mb/ws/2/release/",
+                 TestHttpServer::Ok(CoverFixture("musicbrainz_releases.json")));
+    server.Route("/itunes/search", TestHttpServer::Ok(CoverFixture("itunes_albums.json"), false));
+    server.Route("/deezer/search/album", TestHttpServer::Ok(CoverFixture("deezer_albums.json")));
     PCoverSearch search(settings);
     std::vector<PCoverCandidate> found;
     EXPECT_EQ(search.Search(COVER_SOURCE_SCRAPER, "elin vass", 0, &found), 2);
@@ -415,7 +371,7 @@ TEST_F(CoverSearchServer, CancelEndsATransferTheServerStalls) {
     canceller.join();
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
     // Refused until reset.
-    server.Route("/itunes/search", TestHttpServer::Ok(Fixture("itunes_albums.json")));
+    server.Route("/itunes/search", TestHttpServer::Ok(CoverFixture("itunes_albums.json")));
     EXPECT_EQ(search.Search(COVER_SOURCE_ITUNES, "x", 0, &found), COVER_FETCH_FAILED);
     search.Reset();
     EXPECT_EQ(search.Search(COVER_SOURCE_ITUNES, "x", 0, &found), 2);

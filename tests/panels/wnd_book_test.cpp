@@ -150,7 +150,7 @@ TEST_F(CompanionWindows, EveryLinkOfTheBookReachesTheHostAndStaysOnThePage) {
     // The link under the pointer shows in the status bar.
     engine->Hover("file:///music/Rock/Album.album");
     EXPECT_EQ(book.GetStatusBar().GetText(0), SString("file:///music/Rock/Album.album"));
-    book.CloseBook();
+    book.ClosePage();
 }
 
 TEST_F(CompanionWindows, TheBookKeepsItsPlaceAndOpensAgainAfterClosing) {
@@ -164,15 +164,15 @@ TEST_F(CompanionWindows, TheBookKeepsItsPlaceAndOpensAgainAfterClosing) {
     ASSERT_TRUE(book.Open("/music/Book.htm"));
     EXPECT_EQ(host.asked.size(), 1u);
     book.MoveWindow(SRect{50, 60, 750, 700});
-    book.CloseBook();
+    book.ClosePage();
     EXPECT_FALSE(book.IsOpen());
     EXPECT_EQ(host.stored["WindowBook"].left, 50);
     EXPECT_EQ(host.stored["WindowBook"].bottom, 700);
-    book.CloseBook(); // closed already: nothing
+    book.ClosePage(); // closed already: nothing
     ASSERT_TRUE(book.Open("/music/Book.htm"));
     EXPECT_TRUE(book.IsOpen());
     EXPECT_EQ(book.GetWindowRect().left, 50);
-    book.CloseBook();
+    book.ClosePage();
 }
 
 TEST_F(CompanionWindows, HelpShowsItsPageAndItsPathAndKeepsItsPlace) {
@@ -186,7 +186,7 @@ TEST_F(CompanionWindows, HelpShowsItsPageAndItsPathAndKeepsItsPlace) {
     // Its links are its own: nothing reaches the host.
     EXPECT_TRUE(LinkEngine::last->Follow("file:///music/Rock/a.mp3"));
     EXPECT_TRUE(host.calls.empty());
-    help.CloseHelp();
+    help.ClosePage();
     EXPECT_EQ(host.asked, std::vector<std::string>{"WindowHelp"});
     EXPECT_EQ(host.stored.count("WindowHelp"), 1u);
 }

@@ -13,12 +13,12 @@
 #include <memory>
 #include <string>
 #include <vector>
-#include <zlib.h>
 
 #include "controls/media_layout.h"
 #include "foundation/file.h"
 #include "library/metadata.h"
 #include "panels/wnd_google.h"
+#include "support/cover_pictures.h"
 #include "support/http_server.h"
 #include "toolkit/platform/gtk/gtk_platform.h"
 #include "toolkit/platform/gtk/gtk_pump.h"
@@ -56,48 +56,6 @@ std::string CoverPng(int width, int height, uint32_t from, uint32_t to) {
     }
     SFileMem file;
     image.Save(&file, IMAGE_PNG);
-    return std::string(file.GetData(), static_cast<size_t>(file.GetSize()));
-}
-
-// A black-and-white PNG of side by side pixels in a few kilobytes.
-std::string PngBomb(int side) {
-    auto chunk = [](std::string* out, const char* type, const std::string& data) {
-        auto put32 = [out](uint32_t value) {
-            for (int shift = 24; shift >= 0; shift -= 8) {
-                out->push_back(static_cast<char>((value >> shift) & 0xFF));
-            }
-        };
-        put32(static_cast<uint32_t>(data.size()));
-        std::string body = std::string(type) + data;
-        out->append(body);
-        put32(static_cast<uint32_t>(
-            crc32(0, reinterpret_cast<const Bytef*>(body.data()), static_cast<uInt>(body.size()))));
-    };
-    std::string header;
-    for (int shift = 24; shift >= 0; shift -= 8) {
-        header.push_back(static_cast<char>((side >> shift) & 0xFF));
-    }
-    header += header;
-    header += std::string("\x01\x00\x00\x00\x00", 5);
-    std::string raw((1 + (static_cast<size_t>(side) + 7) / 8) * static_cast<size_t>(side), '\0');
-    uLongf packedSize = compressBound(static_cast<uLong>(raw.size()));
-    std::string packed(packedSize, '\0');
-    compress2(reinterpret_cast<Bytef*>(packed.data()), &packedSize,
-              reinterpret_cast<const Bytef*>(raw.data()), static_cast<uLong>(raw.size()), 9);
-    packed.resize(packedSize);
-    std::string png("\x89PNG\r\n\x1a\n", 8);
-    chunk(&png, "IHDR", header);
-    chunk(&png, "IDAT", packed);
-    chunk(&png, "IEND", "");
-    return png;
-}
-
-std::string Fixture(const char* name) {
-    SFileMem file;
-    std::string path = std::string(MELKORA_SOURCE_DIR) + "/tests/library/fixtures/covers/" + name;
-    if (!file.LoadFile(path.c_str())) {
-        return "";
-    }
     return std::string(file.GetData(), static_cast<size_t>(file.GetSize()));
 }
 
@@ -229,7 +187,7 @@ TEST_F(GtkCoverSearch, EverySourcesPicturesShowInTurnWithTheirSizes) {
     settings.scraperUrl = server.Url("/scrape").c_str();
     settings.musicBrainzUrl = server.Url("/mb").c_str();
     settings.itunesUrl = server.Url("/itunes").c_str();
-    server.Route("/scrape/images", TestHttpServer::Ok(Fixture("scraped_page.htm")));
+    server.Route("/scrape/images", TestHttpServer::Ok(CoverFixture("scraped_page.htm")));
     // The old page's thumbnails, asked of their own hosts through the proxy.
     server.Route("http://tbn0.google.com/images", TestHttpServer::Ok(CoverPng(
                                                       130, 130, 0xFFB03A2Eu, 0xFFE8E0D0u)));

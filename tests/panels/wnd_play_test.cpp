@@ -1,12 +1,13 @@
 // The now-playing panel and its seek bar on the headless platform, driven
 // through a recording main window: names from the path, the times, the
-// clicks that lead to folders, the queue menu, and the seek bar's clicks
-// and hover.
+// clicks that lead to folders, the queue menu, the seek bar's clicks and
+// hover, and the time display the panel shares with the strip.
 #include "panels/wnd_play.h"
 
 #include <string>
 
 #include "controls/media_layout.h"
+#include "panels/now_playing.h"
 #include "panels/progress_ctrl.h"
 #include "recording_host.h"
 #include "toolkit/sys_colors.h"
@@ -321,6 +322,76 @@ TEST_F(SeekBarTest, PaintsThePlayedPartAndTheHoverStretch) {
     EXPECT_NE(hover, played);
     EXPECT_EQ(at(40), played);
     EXPECT_EQ(at(180), empty);
+}
+
+// The time display the panel and the strip share (panels/now_playing.h),
+// on a seek bar and a label of its own.
+class PlayingTimeTest : public SeekBarTest {
+protected:
+    void SetUp() override {
+        SeekBarTest::SetUp();
+        SRect place = Rect(0, 20, 80, 38);
+        ASSERT_TRUE(elapsed.Create("", WS_VISIBLE, 0, &place, top.GetHandle()));
+    }
+    void TearDown() override {
+        elapsed.Destroy();
+        SeekBarTest::TearDown();
+    }
+    SMediaCtrl elapsed;
+};
+
+TEST_F(PlayingTimeTest, TheElapsedTimeShowsTheDragInRedThenThePlayerAgain) {
+    const uint32_t green = 0x00AA00;
+    const uint32_t red = MediaColor(DRAG_TIME_COLOR);
+    struct Step {
+        const char* what;
+        int positionMs;
+        int lengthMs;
+        int pressX; // -1: no press; -2: release
+        const char* text;
+        int length;
+        bool dragged;
+    } steps[] = {
+        {"an unknown length counts as 0", 61500, -1, -1, "0:01:01", 0, false},
+        {"a negative position counts as 0", -5000, 200900, -1, "0:00:00", 200, false},
+        {"the length learned late sets the range", 61500, 200900, -1, "0:01:01", 200, false},
+        {"a press drags", 61500, 200900, 150, "0:02:30", 200, true},
+        {"the release shows the player again", 61500, 200900, -2, "0:01:01", 200, false},
+    };
+    for (const Step& step : steps) {
+        host.positionMs = step.positionMs;
+        host.lengthMs = step.lengthMs;
+        if (step.pressX >= 0) {
+            platform->Press(top.GetHandle(), barRect.left + step.pressX, 14);
+        } else if (step.pressX == -2) {
+            platform->Release(top.GetHandle(), barRect.left + 150, 14);
+        }
+        PPlayingTime time = ShowPlayingTime(host, bar, elapsed, green);
+        EXPECT_EQ(elapsed.GetText(), step.text) << step.what;
+        EXPECT_EQ(time.length, step.length) << step.what;
+        EXPECT_EQ(bar.GetMaximum(), step.length) << step.what;
+        EXPECT_EQ(time.color, step.dragged ? DRAG_TIME_COLOR : green) << step.what;
+        EXPECT_EQ(elapsed.GetTextColor(), step.dragged ? red : MediaColor(green)) << step.what;
+    }
+}
+
+TEST(NowPlayingQueue, OnlyThePicksOfTheMenuPlay) {
+    RecordingHost host;
+    struct Case {
+        int id;
+        int count;
+        bool picked;
+    } cases[] = {{PLAY_QUEUE_MENU_FIRST - 1, 3, false},
+                 {PLAY_QUEUE_MENU_FIRST, 3, true},
+                 {PLAY_QUEUE_MENU_FIRST + 2, 3, true},
+                 {PLAY_QUEUE_MENU_FIRST + 3, 3, false},
+                 {PLAY_QUEUE_MENU_FIRST, 0, false}};
+    for (const Case& c : cases) {
+        host.calls.clear();
+        EXPECT_EQ(PlayPickedQueueItem(&host, c.id, c.count), c.picked) << c.id << " of " << c.count;
+        EXPECT_EQ(host.Calls("PlayQueueIndex").size(), c.picked ? 1u : 0u) << c.id;
+    }
+    EXPECT_TRUE(PlayPickedQueueItem(nullptr, PLAY_QUEUE_MENU_FIRST, 1)) << "no host: still taken";
 }
 
 } // namespace

@@ -1,32 +1,10 @@
 // The modal run of a window: what it disables and gives back, how it ends
 // (EndModal, closing, Enter and Escape, WM_QUIT, a refused start), and
 // what survives it.
-#include <functional>
-#include <vector>
-
 #include "toolkit/platform/events.h"
 #include "toolkit_fixture.h"
 
 namespace {
-
-// Runs a step from inside the modal loop: each posted WM_USER runs the
-// next step in order.
-class Stepper : public SWnd {
-public:
-    LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
-        if (message == WM_USER && next < steps.size()) {
-            steps[next++]();
-            return 0;
-        }
-        return SWnd::OnMessage(message, wParam, lParam);
-    }
-    void Post(std::function<void()> step) {
-        steps.push_back(std::move(step));
-        PostMessage(GetHandle(), WM_USER, 0, 0);
-    }
-    std::vector<std::function<void()>> steps;
-    size_t next = 0;
-};
 
 // Answers SM_MODAL_START with refuse.
 class ModalWnd : public RecordingWnd {

@@ -1,9 +1,11 @@
-// A started toolkit on the headless platform for each test, and a window
-// that records the messages its OnMessage sees.
+// A started toolkit on the headless platform for each test, a window
+// that records the messages its OnMessage sees, and one that runs steps
+// from inside a modal loop.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <vector>
 
 #include "foundation/keyboard.h"
@@ -68,6 +70,25 @@ public:
     std::vector<Entry>* log;
     std::vector<Entry> ownLog;
     int name;
+};
+
+// Runs a step from inside a modal loop: each posted WM_USER runs the next
+// step in order.
+class Stepper : public SWnd {
+public:
+    LRESULT OnMessage(unsigned message, WPARAM wParam, LPARAM lParam) override {
+        if (message == WM_USER && next < steps.size()) {
+            steps[next++]();
+            return 0;
+        }
+        return SWnd::OnMessage(message, wParam, lParam);
+    }
+    void Post(std::function<void()> step) {
+        steps.push_back(std::move(step));
+        PostMessage(GetHandle(), WM_USER, 0, 0);
+    }
+    std::vector<std::function<void()>> steps;
+    size_t next = 0;
 };
 
 inline SRect Rect(int left, int top, int right, int bottom) {
