@@ -370,6 +370,9 @@ void PWndApp::OnListMouse(SWnd* list, unsigned code, SPoint point) {
 
 void PWndApp::OnListSelect(SWnd* list) {
     if (list == &folders) {
+        if (fillingFolders) {
+            return; // ShowFolder shows the view's own selection when the rows are in
+        }
         SaveTrackText();
         std::vector<int> rows = folders.GetSelectedRows();
         view.SelectRow(rows.empty() ? -1 : rows[0]);

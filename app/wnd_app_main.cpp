@@ -581,6 +581,7 @@ bool PWndApp::RefreshFolder() {
 
 void PWndApp::ShowFolder(bool focusThumbs) {
     folders.SetRedraw(false, false);
+    fillingFolders = true;
     folders.Clear();
     const SImageList& images = view.GetRowImages();
     std::vector<SImage> rowImages;
@@ -600,6 +601,7 @@ void PWndApp::ShowFolder(bool focusThumbs) {
         folders.SetCurrentRow(view.GetSelectedRow());
         folders.EnsureVisible(view.GetSelectedRow());
     }
+    fillingFolders = false;
     ShowSelection();
     statusBar.SetText(0, view.GetStatusText().c_str());
     if (focusThumbs) {

@@ -332,6 +332,7 @@ private:
     bool thumbnailView = true;
     bool smallIcons = false;
     bool creating = false;
+    bool fillingFolders = false; // the folder list is refilled: its selection notes are not the user's
     int bandHeight = 0;
     PWndSetting* preferences = nullptr; // the preferences dialog while it runs
     std::unique_ptr<PWndGoogle> coverSearch; // the last cover search, kept until the next

@@ -370,7 +370,11 @@ TEST_F(PreferencesRun, EveryWayOfCancellingStoresNothing) {
     const Case cases[] = {
         {"the Cancel button", [this] { ClickOn("CANCEL"); }},
         // Posted as the platform posts it, so the modal loop reads it.
-        {"Escape", [this] { PlatformKey(Dialog().GetHandle(), WM_KEYDOWN, VK_ESCAPE); }},
+        {"Escape", [this] {
+             HWND dialog = Dialog().GetHandle();
+             PlatformKey(dialog, WM_KEYDOWN, VK_ESCAPE);
+             PlatformKey(dialog, WM_KEYUP, VK_ESCAPE);
+         }},
         {"the window's close", [this] { PostMessage(Dialog().GetHandle(), WM_CLOSE, 0, 0); }},
     };
     for (const Case& c : cases) {
