@@ -82,4 +82,56 @@ TEST_F(GtkDock, ABarStandsAtTheBottomWithItsStrutsAndLeavesNoneWhenUndocked) {
     EXPECT_FALSE(bar.Undock()) << "not docked any more";
 }
 
+// Undocked and docked again at once, before the window manager has given
+// the space back: the bar lands at the bottom of the screen's work area
+// without its own old space, not one bar's height above it; and the space
+// it keeps is its own height, not two.
+TEST_F(GtkDock, ABarDockedAgainAtOnceAfterUndockingLandsInItsOldPlace) {
+    SRect area;
+    ASSERT_TRUE(GetWorkArea(&area));
+    SRect start{0, 0, 100, 30};
+    ASSERT_TRUE(bar.Create("bar", 0, 0, &start, 0));
+    SRect placed{area.left, area.bottom - 24, area.right, area.bottom};
+    for (int round = 0; round < 3; ++round) {
+        SDockState state = bar.DockToBottomEdge(24);
+        ASSERT_NE(state, SDockState::NONE);
+        EXPECT_EQ(bar.GetWindowRect(), placed) << "round " << round;
+        if (state == SDockState::RESERVED) {
+            SRect now;
+            ASSERT_TRUE(PumpUntil([&] { return GetWorkArea(&now) && now.bottom == area.bottom - 24; }))
+                << "round " << round << ": the work area ends at " << now.bottom;
+        }
+        EXPECT_TRUE(bar.Undock());
+    }
+    // Given its space back at last, it is docked at the same place.
+    SRect now;
+    ASSERT_TRUE(PumpUntil([&] { return GetWorkArea(&now) && now == area; }));
+    EXPECT_NE(bar.DockToBottomEdge(24), SDockState::NONE);
+    EXPECT_EQ(bar.GetWindowRect(), placed);
+}
+
+// A bar's old place taken meanwhile by another bar: docked again, it
+// stands above that one rather than over it.
+TEST_F(GtkDock, ABarWhoseOldPlaceAnotherBarTookDocksAboveIt) {
+    SRect area;
+    ASSERT_TRUE(GetWorkArea(&area));
+    SRect start{0, 0, 100, 30};
+    ASSERT_TRUE(bar.Create("bar", 0, 0, &start, 0));
+    SWnd other;
+    ASSERT_TRUE(other.Create("other", 0, 0, &start, 0));
+    SRect now;
+    if (bar.DockToBottomEdge(24) != SDockState::RESERVED) {
+        other.Destroy();
+        GTEST_SKIP() << "no window manager here keeps the space of bars";
+    }
+    ASSERT_TRUE(PumpUntil([&] { return GetWorkArea(&now) && now.bottom == area.bottom - 24; }));
+    EXPECT_TRUE(bar.Undock());
+    ASSERT_TRUE(PumpUntil([&] { return GetWorkArea(&now) && now == area; }));
+    EXPECT_EQ(other.DockToBottomEdge(24), SDockState::RESERVED);
+    ASSERT_TRUE(PumpUntil([&] { return GetWorkArea(&now) && now.bottom == area.bottom - 24; }));
+    EXPECT_EQ(bar.DockToBottomEdge(24), SDockState::RESERVED);
+    EXPECT_EQ(bar.GetWindowRect(), (SRect{area.left, area.bottom - 48, area.right, area.bottom - 24}));
+    other.Destroy();
+}
+
 } // namespace
