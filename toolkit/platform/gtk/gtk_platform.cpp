@@ -49,6 +49,9 @@ struct Surface {
     // The window manager kept dockRect's space at the last dock; it may
     // still leave it out of the work area a moment after the undock.
     bool keptSpace = false;
+    // How many times a docked window was put back after the window manager
+    // placed it elsewhere; a few at most, so that none is fought forever.
+    int dockReturns = 0;
 };
 
 // The properties by which a window keeps the space of a bar from the other
@@ -124,7 +127,8 @@ bool BottomFreeOfOtherStruts(GtkWidget* widget, const SRect& columns, int* botto
         if (static_cast<Window>(client) == own) {
             continue;
         }
-        std::vector<long> strut = read(static_cast<Window>(client), "_NET_WM_STRUT_PARTIAL", XA_CARDINAL, 12);
+        std::vector<long> strut =
+            read(static_cast<Window>(client), "_NET_WM_STRUT_PARTIAL", XA_CARDINAL, 12);
         long first = 0, last = LONG_MAX;
         if (strut.size() == 12) {
             first = strut[10];
@@ -620,15 +624,26 @@ void OnSizeAllocate(GtkWidget*, GdkRectangle* allocation, gpointer data) {
 }
 
 gboolean OnConfigure(GtkWidget* widget, GdkEventConfigure* event, gpointer data) {
+    auto* surface = static_cast<Surface*>(data);
     // A window manager that reparents gives the event's place relative to
     // its frame; the place of the window on the screen is asked instead.
     int x = event->x;
     int y = event->y;
     GdkWindow* window = gtk_widget_get_window(widget);
-    if (window != nullptr && gtk_widget_get_mapped(widget)) {
+    bool mapped = window != nullptr && gtk_widget_get_mapped(widget);
+    if (mapped) {
         gdk_window_get_origin(window, &x, &y);
     }
-    PlatformMoved(static_cast<Surface*>(data)->hwnd, x, y);
+    // A bar just mapped may be placed by the window manager where it puts
+    // new windows, whatever place was asked (openbox: the top left corner,
+    // free while the main window is hidden for a reload): it goes back.
+    if (mapped && surface->docked && (x != surface->dockRect.left || y != surface->dockRect.top) &&
+        surface->dockReturns < 3) {
+        ++surface->dockReturns;
+        gdk_window_move(window, surface->dockRect.left, surface->dockRect.top);
+        return FALSE;
+    }
+    PlatformMoved(surface->hwnd, x, y);
     return FALSE;
 }
 
@@ -811,6 +826,7 @@ public:
         gtk_widget_realize(surface->window);
         surface->reserved = SetStruts(surface->window, rect);
         surface->keptSpace = surface->reserved;
+        surface->dockReturns = 0;
         surface->docked = true;
         surface->dockRect = rect;
         if (placed != nullptr) {
@@ -1510,6 +1526,16 @@ bool GtkGetSurfaceSize(HWND top, SSize* size) {
         return false;
     }
     *size = SSize{gdk_window_get_width(window), gdk_window_get_height(window)};
+    return true;
+}
+
+bool GtkGetSurfaceOrigin(HWND top, SPoint* origin) {
+    Surface* surface = FindSurface(top);
+    GdkWindow* window = surface != nullptr ? gtk_widget_get_window(surface->area) : nullptr;
+    if (window == nullptr || origin == nullptr || !gtk_widget_get_mapped(surface->window)) {
+        return false;
+    }
+    gdk_window_get_origin(window, &origin->x, &origin->y);
     return true;
 }
 
