@@ -21,8 +21,9 @@ packages=(
     # server and synthesise input through the X test extension
     libgtk-3-dev libxtst-dev xvfb xauth
     # the end-to-end tests drive the real program with real input under a
-    # window manager, and take screenshots
-    xdotool openbox imagemagick
+    # window manager, and take screenshots; xprop, xwininfo and xdpyinfo
+    # read the desktop's work area and the windows' places
+    xdotool openbox imagemagick x11-utils
     # the tray icon as a StatusNotifierItem (optional at build time: without
     # it the tray icon is a GtkStatusIcon); its test runs on a private
     # session bus of dbus-run-session; MPRIS2 and the remote commands are

@@ -2,19 +2,38 @@
 manager that keeps the space of bars from the other windows): the "Taskbar"
 preference docks it at the start and the desktop's work area shrinks by its
 height; the end of the program, or a start with the preference off, gives
-the space back; its buttons pause, go on, move through the queue and stop what plays and bring the
-hidden main window back.
+the space back; in one run, the preference switched on, off and on again
+through the Preferences dialog docks, undocks and docks it again in the
+same place, in the text colour chosen there; its buttons pause, go on,
+move through the queue and stop what plays and bring the hidden main window
+back.
 
 This file is loaded by run.py, whose helpers (Context, folder_row,
 track_row, click, key, wait_until, xdotool_close, write_settings...) are its
 globals."""
 
+import importlib.util
 import os
 import re
+import shutil
 import subprocess
 import time
 
 STRIP_TITLE = "^Melkora Browser Taskbar$"
+
+
+def _preferences_helpers():
+    """The preferences cases' module, for their way of opening and driving
+    the dialog; given the runner's helpers as this file is."""
+    path = os.path.join(os.path.dirname(os.path.abspath(__file__)), "cases_preferences.py")
+    spec = importlib.util.spec_from_file_location("strip_preferences_helpers", path)
+    module = importlib.util.module_from_spec(spec)
+    module.__dict__.update({k: v for k, v in globals().items() if not k.startswith(("__", "case_"))})
+    spec.loader.exec_module(module)
+    return module
+
+
+preferences = _preferences_helpers()
 
 
 def work_area():
@@ -169,3 +188,107 @@ def case_strip_buttons_pause_stop_and_show_the_window(ctx):
     click(strip, strip_button(width, "show"), middle)
     wait_until(lambda: main_window_shown(program), 5, "the strip shows the main window")
     assert program.alive()
+
+
+def colour_pixels(path, colour, tolerance=24):
+    """How many pixels of a picture are within tolerance (in each of red,
+    green and blue) of colour, given as "#RRGGBB"."""
+    text = subprocess.run(["convert", path, "-depth", "8", "txt:-"], capture_output=True, text=True).stdout
+    wanted = [int(colour[i:i + 2], 16) for i in (1, 3, 5)]
+    count = 0
+    for match in re.finditer(r"#([0-9A-Fa-f]{6})", text.split("\n", 1)[-1]):
+        value = match.group(1)
+        if all(abs(int(value[i * 2:i * 2 + 2], 16) - wanted[i]) <= tolerance for i in range(3)):
+            count += 1
+    return count
+
+
+def strip_picture(strip, path):
+    """The screen's pixels of the whole strip, the pointer away from it."""
+    left, top, strip_width, strip_height = geometry(strip)
+    subprocess.run(["xdotool", "mousemove", "--window", strip, "5", str(strip_height // 2)], check=True)
+    time.sleep(0.4)
+    subprocess.run(["import", "-window", "root", "-crop", "%dx%d+%d+%d" % (strip_width, strip_height, left, top),
+                    "+repage", path], check=True)
+
+
+def set_strip_preference(program, window, tick, colour=None):
+    """Preferences from the toolbar: "Show Taskbar" clicked when tick, the
+    text colour chosen when given, then OK; waits for the reload."""
+    dialog = preferences.open_preferences(program, window)
+    if tick:
+        click(dialog, *preferences.DIALOG["CHECK_TASKBAR"])
+    if colour:
+        click(dialog, *preferences.DIALOG["TASK_TEXT"])
+        preferences.choose_custom_color(program, colour)
+        focus(dialog)
+    click(dialog, *preferences.DIALOG["OK"])
+    preferences.gone(program, "^Preferences$")
+    program.wait_for(r"^folder \d+ ", 10)
+
+
+def case_strip_preference_docks_undocks_and_docks_again_in_one_run(ctx):
+    """In one run: "Show Taskbar" ticked in Preferences docks the strip and
+    the work area shrinks by its height, in the chosen text colour; unticked
+    it is gone and the space comes back; ticked again it lands in the same
+    place, not one height higher; a new colour alone reaches its text at
+    once; and its buttons work at the new dock."""
+    width, height = screen_size()
+    whole = (0, 0, width, height)
+    wait_until(lambda: work_area() == whole, 5, "the desktop starts with the whole screen")
+    program, window = start_with_strip(ctx, "strip-switch", False)
+    if ctx.args.shots:
+        os.makedirs(ctx.args.shots, exist_ok=True)
+    assert strip_window(program, visible=False) is None
+    colours = ["#FF8000", "#00E0FF"]
+    strip_height = None
+    for turn, colour in enumerate(colours):
+        set_strip_preference(program, window, True, colour)
+        reserved = int(program.wait_for(r"^strip reserved (\d+)$", 5).group(1))
+        assert reserved >= 20 and (strip_height is None or reserved == strip_height), (reserved, strip_height)
+        strip_height = reserved
+        wait_until(lambda: work_area() == (0, 0, width, height - strip_height), 5,
+                   "turn %d: the work area shrinks by the strip once: %s" % (turn, work_area()))
+        strip = strip_window(program)
+        assert strip, "turn %d: the strip is shown" % turn
+        wait_until(lambda: geometry(strip) == (0, height - strip_height, width, strip_height), 5,
+                   "turn %d: the strip stands at the bottom: %s" % (turn, geometry(strip)))
+        # The work area stays as it is: no second height kept.
+        time.sleep(0.5)
+        assert work_area() == (0, 0, width, height - strip_height), (turn, work_area())
+        picture = os.path.join(ctx.base, "strip-%d.png" % turn)
+        strip_picture(strip, picture)
+        if ctx.args.shots:
+            shutil.copy(picture, os.path.join(ctx.args.shots, "strip-switch-%d.png" % turn))
+        # The time reads "0:00:00" in the chosen colour.
+        assert colour_pixels(picture, colour) >= 15, "turn %d: no text in %s" % (turn, colour)
+        if turn == 0:
+            assert colour_pixels(picture, colours[1]) == 0
+            set_strip_preference(program, window, True)
+            program.wait_for(r"^strip off$", 5)
+            wait_until(lambda: work_area() == whole, 5, "the space comes back: %s" % (work_area(),))
+            wait_until(lambda: strip_window(program) is None, 5, "the strip is gone")
+    # Docked a second time: a colour alone changed reaches the text at once.
+    set_strip_preference(program, window, False, "#FF00FF")
+    program.none_for(r"^strip ", 0.5)
+    strip = strip_window(program)
+    picture = os.path.join(ctx.base, "strip-colour.png")
+    strip_picture(strip, picture)
+    if ctx.args.shots:
+        shutil.copy(picture, os.path.join(ctx.args.shots, "strip-switch-2.png"))
+        ctx.shot("strip-switch-screen")
+    assert colour_pixels(picture, "#FF00FF") >= 15, "the new colour is not shown"
+    assert colour_pixels(picture, colours[1]) == 0, "the old colour is still shown"
+    stored = read_settings(ctx.home("strip-switch"))
+    assert stored["Taskbar"] == "dword:00000001" and stored["TaskbarColor"] == "dword:00ff00ff", stored
+    # The buttons answer at the new dock: the hidden main window comes back.
+    middle = strip_height // 2
+    focus(window)
+    key(window, "F8")
+    wait_until(lambda: not main_window_shown(program), 5, "F8 hides the main window")
+    click(strip, strip_button(width, "show"), middle)
+    wait_until(lambda: main_window_shown(program), 5, "the strip shows the main window")
+    # The end gives the space back.
+    xdotool_close(window)
+    assert program.wait_exit(10) == 0
+    wait_until(lambda: work_area() == whole, 5, "the space comes back at the end: %s" % (work_area(),))

@@ -210,8 +210,9 @@ public:
     // taskbar and the pager, reserving its space where the desktop keeps
     // space for bars. The rectangle it takes (screen coordinates) comes
     // back in placed; the surface is not shown yet. Docking a docked
-    // surface again places it at the work area as it is without its own
-    // space. The default docks nothing.
+    // surface again, or one undocked a moment ago whose space the desktop
+    // has not given back yet, places it at the work area as it is without
+    // its own space. The default docks nothing.
     virtual SDockState DockSurface(HWND hwnd, int height, SRect* placed);
     // Gives the space back and hides the surface; false when it was not
     // docked.

@@ -7,6 +7,7 @@
 #include <X11/extensions/XTest.h>
 
 #include <algorithm>
+#include <climits>
 #include <map>
 #include <string>
 #include <vector>
@@ -46,6 +47,12 @@ struct Surface {
     bool docked = false;
     bool reserved = false;
     SRect dockRect;
+    // The window manager kept dockRect's space at the last dock; it may
+    // still leave it out of the work area a moment after the undock.
+    bool keptSpace = false;
+    // How many times a docked window was put back after the window manager
+    // placed it elsewhere; a few at most, so that none is fought forever.
+    int dockReturns = 0;
 };
 
 // The properties by which a window keeps the space of a bar from the other
@@ -78,6 +85,67 @@ bool SetStruts(GtkWidget* widget, const SRect& rect) {
                screen, gdk_atom_intern_static_string("_NET_WM_STRUT_PARTIAL")) ||
            gdk_x11_screen_supports_net_wm_hint(screen,
                                                gdk_atom_intern_static_string("_NET_WM_STRUT"));
+}
+
+// The lowest row that the bottom struts of the other windows (those of
+// _NET_CLIENT_LIST but the widget's own) leave free across the columns of
+// columns, in root coordinates; false where that cannot be read (not X11,
+// no client list).
+bool BottomFreeOfOtherStruts(GtkWidget* widget, const SRect& columns, int* bottom) {
+    GdkWindow* window = gtk_widget_get_window(widget);
+    GdkDisplay* display = window != nullptr ? gdk_window_get_display(window) : nullptr;
+    if (display == nullptr || !GDK_IS_X11_DISPLAY(display)) {
+        return false;
+    }
+    Display* x = GDK_DISPLAY_XDISPLAY(display);
+    Window own = GDK_WINDOW_XID(window);
+    Window root = GDK_WINDOW_XID(gdk_screen_get_root_window(gdk_window_get_screen(window)));
+    long rootHeight = HeightOfScreen(gdk_x11_screen_get_xscreen(gdk_window_get_screen(window)));
+    // A property as 32-bit items, at most limit of them; empty when absent.
+    auto read = [&](Window from, const char* name, Atom type, long limit) {
+        std::vector<long> values;
+        Atom actual = None;
+        int format = 0;
+        unsigned long count = 0, after = 0;
+        unsigned char* data = nullptr;
+        if (XGetWindowProperty(x, from, XInternAtom(x, name, False), 0, limit, False, type, &actual,
+                               &format, &count, &after, &data) == Success &&
+            data != nullptr && format == 32) {
+            const long* items = reinterpret_cast<const long*>(data);
+            values.assign(items, items + count);
+        }
+        if (data != nullptr) {
+            XFree(data);
+        }
+        return values;
+    };
+    // A client may go away while it is read: its errors are ignored.
+    gdk_x11_display_error_trap_push(display);
+    std::vector<long> clients = read(root, "_NET_CLIENT_LIST", XA_WINDOW, 4096);
+    bool found = !clients.empty();
+    long reserved = 0;
+    for (long client : clients) {
+        if (static_cast<Window>(client) == own) {
+            continue;
+        }
+        std::vector<long> strut =
+            read(static_cast<Window>(client), "_NET_WM_STRUT_PARTIAL", XA_CARDINAL, 12);
+        long first = 0, last = LONG_MAX;
+        if (strut.size() == 12) {
+            first = strut[10];
+            last = strut[11];
+        } else {
+            strut = read(static_cast<Window>(client), "_NET_WM_STRUT", XA_CARDINAL, 4);
+        }
+        if (strut.size() >= 4 && first < columns.right && last >= columns.left) {
+            reserved = std::max(reserved, strut[3]);
+        }
+    }
+    gdk_x11_display_error_trap_pop_ignored(display);
+    if (found) {
+        *bottom = static_cast<int>(std::max(0L, rootHeight - reserved));
+    }
+    return found;
 }
 
 void ClearStruts(GtkWidget* widget) {
@@ -565,15 +633,26 @@ void OnSizeAllocate(GtkWidget*, GdkRectangle* allocation, gpointer data) {
 }
 
 gboolean OnConfigure(GtkWidget* widget, GdkEventConfigure* event, gpointer data) {
+    auto* surface = static_cast<Surface*>(data);
     // A window manager that reparents gives the event's place relative to
     // its frame; the place of the window on the screen is asked instead.
     int x = event->x;
     int y = event->y;
     GdkWindow* window = gtk_widget_get_window(widget);
-    if (window != nullptr && gtk_widget_get_mapped(widget)) {
+    bool mapped = window != nullptr && gtk_widget_get_mapped(widget);
+    if (mapped) {
         gdk_window_get_origin(window, &x, &y);
     }
-    PlatformMoved(static_cast<Surface*>(data)->hwnd, x, y);
+    // A bar just mapped may be placed by the window manager where it puts
+    // new windows, whatever place was asked (openbox: the top left corner,
+    // free while the main window is hidden for a reload): it goes back.
+    if (mapped && surface->docked && (x != surface->dockRect.left || y != surface->dockRect.top) &&
+        surface->dockReturns < 3) {
+        ++surface->dockReturns;
+        gdk_window_move(window, surface->dockRect.left, surface->dockRect.top);
+        return FALSE;
+    }
+    PlatformMoved(surface->hwnd, x, y);
     return FALSE;
 }
 
@@ -728,9 +807,15 @@ public:
             return SDockState::NONE;
         }
         // The window manager may not yet have given back the bar's own
-        // space of an earlier dock.
-        if (surface->docked && surface->reserved && area.bottom == surface->dockRect.top) {
-            area.bottom = surface->dockRect.bottom;
+        // space of an earlier dock (docked still, or undocked a moment
+        // ago): the work area then ends at the top of that space. The
+        // space is the bar's again, unless another window's struts keep it.
+        if (surface->keptSpace && area.bottom == surface->dockRect.top) {
+            int free = surface->dockRect.bottom;
+            if (BottomFreeOfOtherStruts(surface->window, area, &free)) {
+                free = std::min(free, surface->dockRect.bottom);
+            }
+            area.bottom = std::max(area.bottom, free);
         }
         if (area.Width() <= 0 || area.Height() < height) {
             return SDockState::NONE;
@@ -749,6 +834,8 @@ public:
         gtk_window_resize(window, rect.Width(), rect.Height());
         gtk_widget_realize(surface->window);
         surface->reserved = SetStruts(surface->window, rect);
+        surface->keptSpace = surface->reserved;
+        surface->dockReturns = 0;
         surface->docked = true;
         surface->dockRect = rect;
         if (placed != nullptr) {
@@ -1499,6 +1586,16 @@ bool GtkGetSurfaceSize(HWND top, SSize* size) {
         return false;
     }
     *size = SSize{gdk_window_get_width(window), gdk_window_get_height(window)};
+    return true;
+}
+
+bool GtkGetSurfaceOrigin(HWND top, SPoint* origin) {
+    Surface* surface = FindSurface(top);
+    GdkWindow* window = surface != nullptr ? gtk_widget_get_window(surface->area) : nullptr;
+    if (window == nullptr || origin == nullptr || !gtk_widget_get_mapped(surface->window)) {
+        return false;
+    }
+    gdk_window_get_origin(window, &origin->x, &origin->y);
     return true;
 }
 

@@ -45,6 +45,9 @@ void GtkSetDoubleClick(int milliseconds, int distance);
 bool GtkResizeSurface(HWND top, int width, int height);
 // The size the X server gives a top-level window's surface.
 bool GtkGetSurfaceSize(HWND top, SSize* size);
+// Where the X server has a shown top-level window's client area, in screen
+// coordinates; false while it is not shown.
+bool GtkGetSurfaceOrigin(HWND top, SPoint* origin);
 // Sets the desktop's interface font ("Serif 13"), as a settings daemon would;
 // call before ToolkitStart.
 void GtkSetInterfaceFontName(const char* name);
