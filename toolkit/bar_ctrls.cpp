@@ -1,6 +1,7 @@
 #include "toolkit/bar_ctrls.h"
 
 #include <algorithm>
+#include <climits>
 #include <cairo.h>
 
 #include "toolkit/draw.h"
@@ -189,12 +190,15 @@ void SControlBarCtrl::Layout() {
         bands[i].rect.bottom = bottom;
     }
     int newHeight = bands.empty() ? 0 : y + rowHeight + BAND_GAP;
+    // A bar given less than its height keeps its bottom line: the bands
+    // give up their lowest pixels rather than cover it.
+    int lowest = GetHandle() != 0 ? GetClientRect().Height() - 1 : INT_MAX;
     for (Band& band : bands) {
         if (band.child->GetHandle() != 0) {
             const SRect& rect = band.rect;
             int top = rect.top + (rect.Height() - band.height) / 2;
-            band.child->MoveWindow(
-                SRect{rect.left + GRIPPER_WIDTH, top, rect.right, top + band.height});
+            int bottom = std::max(top + 1, std::min(top + band.height, lowest));
+            band.child->MoveWindow(SRect{rect.left + GRIPPER_WIDTH, top, rect.right, bottom});
         }
     }
     Invalidate(nullptr);
