@@ -256,6 +256,11 @@ private:
 // a count of 0 writes an empty file.
 bool WriteFileAtomic(const char* path, const void* data, int count);
 
+// The permission bits a file replacing path gets: the old file's, or for a
+// new file 0666 less the umask (read without changing it, so no other
+// thread sees the umask move).
+unsigned ReplacementFileMode(const char* path);
+
 // Removes from folder the temporary files that atomic replacements left
 // behind when their process was killed (each named ".melkora-" and six
 // characters, and no longer locked by a live writer); files of a

@@ -35,24 +35,6 @@ int ClipToInt(off_t value) {
     return value > INT_MAX ? INT_MAX : static_cast<int>(value);
 }
 
-// The permission bits a new file gets from the process umask, read without
-// changing it (umask() would race with other threads).
-mode_t NewFileMode() {
-    mode_t mask = 022;
-    FILE* status = fopen("/proc/self/status", "re");
-    if (status != nullptr) {
-        char line[256];
-        while (fgets(line, sizeof line, status) != nullptr) {
-            if (strncmp(line, "Umask:", 6) == 0) {
-                mask = static_cast<mode_t>(strtol(line + 6, nullptr, 8));
-                break;
-            }
-        }
-        fclose(status);
-    }
-    return 0666 & ~mask;
-}
-
 void SyncFolder(const std::string& folder) {
     int fd = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (fd >= 0) {
@@ -119,6 +101,26 @@ long long& WriteBudget() {
 
 
 } // namespace
+
+unsigned ReplacementFileMode(const char* path) {
+    struct stat info;
+    if (path != nullptr && stat(path, &info) == 0) {
+        return info.st_mode & 07777;
+    }
+    mode_t mask = 022;
+    FILE* status = fopen("/proc/self/status", "re");
+    if (status != nullptr) {
+        char line[256];
+        while (fgets(line, sizeof line, status) != nullptr) {
+            if (strncmp(line, "Umask:", 6) == 0) {
+                mask = static_cast<mode_t>(strtol(line + 6, nullptr, 8));
+                break;
+            }
+        }
+        fclose(status);
+    }
+    return 0666 & ~mask;
+}
 
 // SFilePath
 
@@ -229,8 +231,7 @@ bool SFilePath::Commit() {
         return false;
     }
     bool ok = fflush(stream) == 0 && ferror(stream) == 0 && !failedWrite;
-    struct stat info;
-    mode_t mode = stat(path.c_str(), &info) == 0 ? (info.st_mode & 07777) : NewFileMode();
+    mode_t mode = static_cast<mode_t>(ReplacementFileMode(path.c_str()));
     int fd = fileno(stream);
     ok = ok && fchmod(fd, mode) == 0 && fsync(fd) == 0;
     // Renamed while still open and locked, so no cleaner takes it for a

@@ -15,6 +15,7 @@
 #include <gst/gst.h>
 
 #include "controls/gst/gst_player.h"
+#include "foundation/file.h"
 
 namespace {
 
@@ -82,24 +83,6 @@ bool WaitFor(GstElement* pipeline, GstMessageType wanted, gint64 deadline, std::
     return ok;
 }
 
-// The permission bits a new file gets from the process umask, read without
-// changing it (umask() would race with other threads).
-mode_t NewFileMode() {
-    mode_t mask = 022;
-    FILE* status = fopen("/proc/self/status", "re");
-    if (status != nullptr) {
-        char line[256];
-        while (fgets(line, sizeof line, status) != nullptr) {
-            if (strncmp(line, "Umask:", 6) == 0) {
-                mask = static_cast<mode_t>(strtol(line + 6, nullptr, 8));
-                break;
-            }
-        }
-        fclose(status);
-    }
-    return 0666 & ~mask;
-}
-
 // The temporary file beside a target: made, locked while it is written
 // (so a cleaner of leftovers leaves it alone), and either put in place of
 // the target or removed.
@@ -130,8 +113,7 @@ public:
 
     // Syncs the written file and renames it over the target.
     bool Commit() {
-        struct stat info;
-        mode_t mode = stat(target.c_str(), &info) == 0 ? (info.st_mode & 07777) : NewFileMode();
+        mode_t mode = static_cast<mode_t>(ReplacementFileMode(target.c_str()));
         bool ok = fd >= 0 && fchmod(fd, mode) == 0 && fsync(fd) == 0 &&
                   rename(temp.c_str(), target.c_str()) == 0;
         if (ok) {
